@@ -1,0 +1,31 @@
+# Options shared by every target the project builds.
+
+# Warnings for a target of ours; PRIVATE so that users of the libraries never inherit them.
+function(yxfp_set_warnings target)
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic)
+    if(YXFP_WERROR)
+        target_compile_options(${target} PRIVATE -Werror)
+    endif()
+endfunction()
+
+# One of the three shared libraries: alias in the package namespace, C++17 for users,
+# include directories for the build and the install tree, hidden visibility, version and SONAME.
+function(yxfp_setup_library target include_dir)
+    add_library(YxFrontPanelToolbox::${target} ALIAS ${target})
+    target_compile_features(${target} PUBLIC cxx_std_17)
+    target_include_directories(${target} PUBLIC
+        $<BUILD_INTERFACE:${include_dir}>
+        $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+    set_target_properties(${target} PROPERTIES
+        CXX_EXTENSIONS OFF
+        CXX_VISIBILITY_PRESET hidden
+        VISIBILITY_INLINES_HIDDEN ON
+        VERSION ${PROJECT_VERSION}
+        SOVERSION ${PROJECT_VERSION_MAJOR})
+    yxfp_set_warnings(${target})
+    install(TARGETS ${target} EXPORT YxFrontPanelToolboxTargets
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+    install(DIRECTORY ${include_dir}/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+endfunction()

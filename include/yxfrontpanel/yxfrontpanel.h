@@ -1,0 +1,15 @@
+#pragma once
+
+// Everything an application needs from the toolkit, its IPv4 helpers and the platform headers.
+
+#include <frontpanelhw/display.h>
+#include <frontpanelhw/display_types.h>
+#include <yxbase2/log.h>
+#include <yxbase2/this_thread.h>
+#include <yxfrontpanel/control.h>
+#include <yxfrontpanel/drawing.h>
+#include <yxfrontpanel/drawing_provider.h>
+#include <yxfrontpanel/export.h>
+#include <yxfrontpanel/ip.h>
+#include <yxfrontpanel/string_helper.h>
+#include <yxfrontpanel/text_constants.h>

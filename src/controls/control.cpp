@@ -1,0 +1,86 @@
+#include <yxfrontpanel/control.h>
+#include <yxfrontpanel/string_helper.h>
+
+namespace yxfrontpanel {
+
+Control::Control(drawing::Point location, drawing::Rectangle size)
+    : buffer_(size.width, size.height), text_(u"Ctrl"), location_(location), size_(size) {}
+
+Control::~Control() = default;
+
+void Control::setVisible(bool visible) {
+    if (visible_.load() == visible) {
+        return;
+    }
+    visible_.store(visible);
+    draw(true);
+}
+
+void Control::draw(bool redrawParent) {
+    if (!onDraw_) {
+        return;
+    }
+    if (visible_.load()) {
+        onDraw_(location_, buffer_);
+    } else {
+        frontpanelhw::drawing::DisplayBuffer blank(size_.width, size_.height);
+        onDraw_(location_, blank);
+    }
+    if (redrawParent) {
+        this->redrawParent();
+    }
+}
+
+bool Control::getVisible() const { return visible_.load(); }
+
+void Control::setText(std::u16string const& text) {
+    if (text == text_) {
+        return;
+    }
+    text_ = text;
+    draw(true);
+}
+
+void Control::setText(std::string const& text) { setText(stringhelper::toU16(text)); }
+
+void Control::setLocation(drawing::Point const& location, bool redraw) {
+    if (location == location_) {
+        return;
+    }
+    location_ = location;
+    if (redraw) {
+        draw(true);
+    }
+}
+
+void Control::onDrawCallback(DrawCallback const& callback) { onDraw_ = callback; }
+
+void Control::setRedrawParentCallback(std::function<void()> const& callback) {
+    redrawParent_ = callback;
+}
+
+void Control::overwriteSize(drawing::Rectangle const& size) { size_ = size; }
+
+bool Control::redrawParent() {
+    if (!redrawParent_) {
+        return false;
+    }
+    redrawParent_();
+    return true;
+}
+
+std::u16string const& Control::getText() const { return text_; }
+
+drawing::Point Control::getLocation() const { return location_; }
+
+drawing::Rectangle Control::getSize() const { return size_; }
+
+frontpanelhw::drawing::DisplayBuffer const& Control::getBuffer() const { return buffer_; }
+
+bool Control::getShown() const { return shown_.load(); }
+
+void Control::setShown(bool shown) { shown_.store(shown); }
+
+frontpanelhw::drawing::DisplayBuffer& Control::buffer() { return buffer_; }
+
+}  // namespace yxfrontpanel
