@@ -10,6 +10,7 @@
 #include <yxfrontpanel/drawing.h>
 #include <yxfrontpanel/drawing_provider.h>
 #include <yxfrontpanel/export.h>
+#include <yxfrontpanel/i_form.h>
 #include <yxfrontpanel/ip.h>
 #include <yxfrontpanel/string_helper.h>
 #include <yxfrontpanel/text_constants.h>
