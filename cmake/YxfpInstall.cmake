@@ -19,6 +19,8 @@ install(FILES
     ${PROJECT_BINARY_DIR}/YxFrontPanelToolboxConfigVersion.cmake
     DESTINATION ${YXFP_CMAKE_INSTALL_DIR})
 
+file(RELATIVE_PATH YXFP_PC_RELATIVE_PREFIX
+    ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 configure_file(${PROJECT_SOURCE_DIR}/cmake/yxfrontpanel-toolbox.pc.in
     ${PROJECT_BINARY_DIR}/yxfrontpanel-toolbox.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/yxfrontpanel-toolbox.pc

@@ -122,7 +122,6 @@ class YXFP_EXPORT InvalidIpAddressFormat : public std::exception {
 public:
     /** @brief Builds the message "Invalid IP address format: " followed by @p text. */
     explicit InvalidIpAddressFormat(std::string const& text);
-    ~InvalidIpAddressFormat() override;
 
     /** @brief Returns the full message. */
     char const* what() const noexcept override;

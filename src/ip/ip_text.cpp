@@ -16,7 +16,7 @@ constexpr char kFieldSeparator = '.';
 
 // Writes the four fields separated by dots; the stream's width and fill apply to each field
 // (as unsigned numbers, not characters) but never to the separators.
-void writeFields(std::ostream& stream, IpV4Address const& address, std::streamsize width) {
+void writeFields(std::ostream& stream, IpV4Address const& address, int width) {
     for (unsigned int index = 0; index < 4u; ++index) {
         if (index > 0u) {
             stream << kFieldSeparator;
@@ -68,8 +68,8 @@ std::vector<std::string> split(std::string const& text, char delimiter) {
 InvalidIpAddressFormat::InvalidIpAddressFormat(std::string const& text)
     : message_("Invalid IP address format: " + text) {}
 
-InvalidIpAddressFormat::~InvalidIpAddressFormat() = default;
-
+// Out of line so that the vtable and type info have one home in the library, which users need
+// to catch this type across the shared-library boundary.
 char const* InvalidIpAddressFormat::what() const noexcept { return message_.c_str(); }
 
 }  // namespace ip

@@ -1,0 +1,39 @@
+# Proves the packaging: install into a scratch prefix, then build small outside projects
+# against it (find_package, pkg-config) and against the source tree (add_subdirectory).
+set(YXFP_CONSUMER_DIR ${CMAKE_CURRENT_LIST_DIR})
+set(YXFP_CONSUMER_WORK ${CMAKE_BINARY_DIR}/consumer)
+set(YXFP_CONSUMER_PREFIX ${YXFP_CONSUMER_WORK}/prefix)
+set(YXFP_CONSUMER_OPTIONS
+    -DCMAKE_CXX_COMPILER=${CMAKE_CXX_COMPILER}
+    "-DCMAKE_CXX_FLAGS=${CMAKE_CXX_FLAGS}"
+    -DCMAKE_BUILD_TYPE=${CMAKE_BUILD_TYPE})
+
+add_test(NAME consumer.install
+    COMMAND ${CMAKE_COMMAND} --install ${CMAKE_BINARY_DIR} --prefix ${YXFP_CONSUMER_PREFIX})
+set_tests_properties(consumer.install PROPERTIES FIXTURES_SETUP yxfp_installed)
+
+add_test(NAME consumer.find_package
+    COMMAND ${CMAKE_CTEST_COMMAND}
+        --build-and-test ${YXFP_CONSUMER_DIR}/find_package ${YXFP_CONSUMER_WORK}/find_package
+        --build-generator ${CMAKE_GENERATOR}
+        --build-options ${YXFP_CONSUMER_OPTIONS} -DCMAKE_PREFIX_PATH=${YXFP_CONSUMER_PREFIX}
+        --test-command consumer)
+set_tests_properties(consumer.find_package PROPERTIES
+    FIXTURES_REQUIRED yxfp_installed PASS_REGULAR_EXPRESSION "consumer OK: 192.168.1.2")
+
+add_test(NAME consumer.pkg_config
+    COMMAND sh ${YXFP_CONSUMER_DIR}/pkg_config_consumer.sh ${YXFP_CONSUMER_PREFIX}
+        ${CMAKE_CXX_COMPILER} "${CMAKE_CXX_FLAGS}" ${YXFP_CONSUMER_DIR}/consumer_main.cpp
+        ${YXFP_CONSUMER_WORK}/pkg_config)
+set_tests_properties(consumer.pkg_config PROPERTIES
+    FIXTURES_REQUIRED yxfp_installed PASS_REGULAR_EXPRESSION "consumer OK: 192.168.1.2")
+
+add_test(NAME consumer.add_subdirectory
+    COMMAND ${CMAKE_CTEST_COMMAND}
+        --build-and-test ${YXFP_CONSUMER_DIR}/add_subdirectory
+            ${YXFP_CONSUMER_WORK}/add_subdirectory
+        --build-generator ${CMAKE_GENERATOR}
+        --build-options ${YXFP_CONSUMER_OPTIONS} -DYXFP_SOURCE_DIR=${PROJECT_SOURCE_DIR}
+        --test-command consumer)
+set_tests_properties(consumer.add_subdirectory PROPERTIES
+    PASS_REGULAR_EXPRESSION "consumer OK: 192.168.1.2")
