@@ -12,7 +12,8 @@ int main() {
     label.setTextAllignment(yxfrontpanel::drawing::TextAllignment::Center);
     frontpanelhw::drawing::DisplayBuffer screen(provider.getChars(), provider.getLines());
     screen.setLineContent(0, 0, label.getBuffer().getLineString(0));
-    if (!provider.draw(screen) || display.getLastFrame().getLineString(0) != u"       Ready        ") {
+    if (!provider.draw(screen) ||
+        display.getLastFrame().getLineString(0) != u"       Ready        ") {
         std::cerr << "the label did not reach the display\n";
         return 1;
     }
