@@ -14,8 +14,8 @@ namespace {
 
 constexpr char kFieldSeparator = '.';
 
-// Writes the four fields separated by dots; the stream's width and fill apply to each field
-// (as unsigned numbers, not characters) but never to the separators.
+// Writes the four fields separated by dots. Each field gets the given width (with the stream's
+// fill) and is written as a number, not as a character; the dots are never padded.
 void writeFields(std::ostream& stream, IpV4Address const& address, int width) {
     for (unsigned int index = 0; index < 4u; ++index) {
         if (index > 0u) {

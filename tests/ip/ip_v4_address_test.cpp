@@ -167,6 +167,7 @@ TEST(IpV4AddressTest, EqualityComparesAllFields) {
 TEST(IpV4AddressTest, InequalityIsNegationOfEquality) {
     EXPECT_FALSE(IpV4Address(1, 2, 3, 4) != IpV4Address(1, 2, 3, 4));
     EXPECT_TRUE(IpV4Address(1, 2, 3, 4) != IpV4Address(4, 3, 2, 1));
+    EXPECT_TRUE(IpV4Address(4, 3, 2, 1) != IpV4Address(1, 2, 3, 4));
 }
 
 TEST(IpV4AddressTest, CopiesAreIndependentValues) {
