@@ -12,5 +12,7 @@
 #include <yxfrontpanel/export.h>
 #include <yxfrontpanel/i_form.h>
 #include <yxfrontpanel/ip.h>
+#include <yxfrontpanel/progress_bar.h>
+#include <yxfrontpanel/scrollable_label.h>
 #include <yxfrontpanel/string_helper.h>
 #include <yxfrontpanel/text_constants.h>

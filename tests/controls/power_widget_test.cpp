@@ -1,0 +1,54 @@
+#include <yxfrontpanel/yxfrontpanel.h>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using yxfrontpanel::PowerWidget;
+using yxfrontpanel::drawing::Point;
+using yxfrontpanel::drawing::Rectangle;
+
+constexpr char16_t kFull = 0xDB;
+constexpr char16_t kEmpty = 0xB0;
+
+std::u16string bar(unsigned filled, unsigned width) {
+    return std::u16string(filled, kFull) + std::u16string(width - filled, kEmpty);
+}
+
+TEST(PowerWidgetTest, LaysOutSymbolBarAndRightAlignedReading) {
+    PowerWidget widget(Point{0, 3}, 8, 6, 0, 8, u'P', u"5 W");
+    EXPECT_EQ(widget.getSize(), (Rectangle{15, 1}));
+    EXPECT_EQ(widget.getText(), u"P" + bar(0, 8) + u"   5 W");
+    EXPECT_EQ(widget.getBuffer().getLineString(0), widget.getText());
+}
+
+TEST(PowerWidgetTest, SetValueMovesTheBarAndTheReading) {
+    PowerWidget widget(Point{0, 0}, 8, 6, 0, 8, u'P', u"");
+    widget.setValue(4, u"12.5W");
+    EXPECT_EQ(widget.getText(), u"P" + bar(4, 8) + u" 12.5W");
+    widget.setValue(8, u"max");
+    EXPECT_EQ(widget.getText(), u"P" + bar(8, 8) + u"   max");
+}
+
+TEST(PowerWidgetTest, EmptyReadingLeavesTheTextColumnsBlank) {
+    PowerWidget widget(Point{0, 0}, 4, 3, 0, 4, char16_t{0x0F}, u"");
+    EXPECT_EQ(widget.getText(), std::u16string(1, char16_t{0x0F}) + bar(0, 4) + u"   ");
+}
+
+TEST(PowerWidgetTest, SetMaxShowsOnlyFromTheNextSetValue) {
+    PowerWidget widget(Point{0, 0}, 8, 6, 0, 8, u'P', u"");
+    widget.setValue(4, u"a");
+    std::u16string const before = widget.getText();
+    widget.setMax(16);
+    EXPECT_EQ(widget.getBar().getMax(), 16);
+    EXPECT_EQ(widget.getText(), before);
+    widget.setValue(4, u"a");
+    EXPECT_EQ(widget.getText(), u"P" + bar(2, 8) + u"     a");
+}
+
+TEST(PowerWidgetTest, OverlongReadingIsDroppedByTheRightAlignedLabel) {
+    PowerWidget widget(Point{0, 0}, 4, 3, 0, 4, u'P', u"toolong");
+    EXPECT_EQ(widget.getText(), u"P" + bar(0, 4) + u"   ");
+}
+
+}  // namespace
