@@ -87,6 +87,7 @@ TEST_F(LogTest, SinkMayBeReplacedWhileOtherThreadsLog) {
     std::atomic<int> received{0};
     log::setSink([&received](int, std::string const&, std::string const&) { ++received; });
     std::vector<std::thread> writers;
+    writers.reserve(3);
     for (int t = 0; t < 3; ++t) {
         writers.emplace_back([] {
             for (int i = 0; i < 200; ++i) {

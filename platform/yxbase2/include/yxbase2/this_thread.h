@@ -10,7 +10,8 @@
 namespace yxbase2::system::this_thread {
 
 /** Blocks the calling thread for `duration`, or hands the duration to the installed hook. */
-YXBASE2_EXPORT void sleep_for(std::chrono::nanoseconds const& duration);
+YXBASE2_EXPORT void sleep_for(  // NOLINT(readability-identifier-naming): mirrors std
+    std::chrono::nanoseconds const& duration);
 
 /** Called instead of sleeping while installed. */
 using SleepHook = std::function<void(std::chrono::nanoseconds)>;
