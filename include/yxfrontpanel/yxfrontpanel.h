@@ -12,5 +12,8 @@
 #include <yxfrontpanel/export.h>
 #include <yxfrontpanel/i_form.h>
 #include <yxfrontpanel/ip.h>
+#include <yxfrontpanel/menu_item.h>
+#include <yxfrontpanel/menu_tree.h>
 #include <yxfrontpanel/string_helper.h>
 #include <yxfrontpanel/text_constants.h>
+#include <yxfrontpanel/tree_menu_item.h>
