@@ -11,30 +11,27 @@
 #include "menu_test_items.h"
 #include "platform_capture.h"
 #include "recording_provider.h"
+#include "test_menu.h"
 
 namespace {
 
 using namespace std::chrono_literals;
 using yxfp_test::padded;
-using yxfp_test::RecordingProvider;
 using yxfp_test::SleepCapture;
 using yxfp_test::TestItem;
-using yxfrontpanel::MenuTreeFactory;
-
-// The menu line of an item as a 21x4 panel shows it: 20 cells of item plus a blank scrollbar.
-std::u16string menuLine(std::u16string const& text) { return padded(text, 20) + u" "; }
 
 // A 21x4 panel with a focused root tree holding the given items.
-struct ShownMenu {
-    explicit ShownMenu(std::vector<std::shared_ptr<TestItem>> const& items) {
+struct ShownMenu : yxfp_test::TestMenu {
+    explicit ShownMenu(std::vector<std::shared_ptr<TestItem>> const& items) : TestMenu(21, 4) {
         for (auto const& item : items) {
             tree->addItem(item);
         }
         tree->setFocus(true);
     }
-    RecordingProvider provider{21, 4};
-    std::unique_ptr<yxfrontpanel::IMenuTree> tree = MenuTreeFactory().create(provider);
 };
+
+// How the 21x4 panel shows an item text: 20 cells of item plus a blank scrollbar cell.
+std::u16string menuLine(std::u16string const& text) { return padded(text, 20) + u" "; }
 
 TEST(MenuItemTest, NewItemShowsItsNameAsMenuText) {
     TestItem item(u"Speed");
@@ -150,14 +147,12 @@ TEST(MenuItemTest, SetAvailableRedrawsTheMenuWhileShown) {
 }
 
 TEST(MenuItemTest, SetAvailableDoesNotDrawWhileNotShown) {
-    RecordingProvider provider(21, 4);
-    auto tree = MenuTreeFactory().create(provider);
-    auto item = std::make_shared<TestItem>(u"Speed");
-    tree->addItem(item);
+    yxfp_test::TestMenu menu(21, 4);
+    auto item = menu.add(u"Speed");
     item->setAvailable(false);
-    EXPECT_EQ(provider.drawCount(), 0U);
-    tree->setFocus(true);
-    EXPECT_EQ(provider.line(0), menuLine(u"Speed (N/A)"));
+    EXPECT_EQ(menu.provider.drawCount(), 0U);
+    menu.tree->setFocus(true);
+    EXPECT_EQ(menu.provider.line(0), menuLine(u"Speed (N/A)"));
 }
 
 TEST(MenuItemTest, CreateMenuTextWithUnchangedTextDoesNotRedraw) {
