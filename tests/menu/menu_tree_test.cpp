@@ -547,11 +547,29 @@ TEST(MenuTreeTest, EnterOnAnItemWithoutFormKeepsTheTreeActive) {
     EXPECT_EQ(menu.provider.drawCount(), 1U);
 }
 
+// An item that notes which local flags it had received when it was entered.
+class LocalProbeItem : public TestItem {
+public:
+    using TestItem::TestItem;
+    bool enter() override {
+        localsAtEnter = localCalls;
+        return TestItem::enter();
+    }
+    std::vector<bool> localsAtEnter;
+};
+
 TEST(MenuTreeTest, EnterPassesTheLocalFlagBeforeEntering) {
-    NumberedMenu menu(2);
+    TestMenu menu(21, 4);
+    auto item = std::make_shared<LocalProbeItem>(u"Probe");
+    menu.tree->addItem(item);
+    menu.add(u"Other");
+    menu.tree->setFocus(true);
+    menu.tree->moveDown();
     menu.tree->setLocal(true);
+    menu.tree->moveUp();
+    ASSERT_TRUE(item->localCalls.empty());
     menu.tree->action();
-    EXPECT_EQ(menu.items[0]->localCalls, (std::vector<bool>{true, true}));
+    EXPECT_EQ(item->localsAtEnter, (std::vector<bool>{true}));
 }
 
 TEST(MenuTreeTest, SetLocalReachesOnlyTheSelectedItem) {
