@@ -12,7 +12,10 @@
 #include <yxfrontpanel/export.h>
 #include <yxfrontpanel/i_form.h>
 #include <yxfrontpanel/ip.h>
+#include <yxfrontpanel/menu_item.h>
+#include <yxfrontpanel/menu_tree.h>
 #include <yxfrontpanel/progress_bar.h>
 #include <yxfrontpanel/scrollable_label.h>
 #include <yxfrontpanel/string_helper.h>
 #include <yxfrontpanel/text_constants.h>
+#include <yxfrontpanel/tree_menu_item.h>

@@ -1,0 +1,153 @@
+#include <yxbase2/this_thread.h>
+#include <yxfrontpanel/i_form.h>
+#include <yxfrontpanel/menu_item.h>
+
+namespace yxfrontpanel {
+
+namespace wrapper {
+
+void sleep_for(std::chrono::nanoseconds const& duration) {  // NOLINT(readability-identifier-naming)
+    yxbase2::system::this_thread::sleep_for(duration);
+}
+
+}  // namespace wrapper
+
+MenuItem::MenuItem(std::u16string const& text)
+    : Control(drawing::Point{0, 0}, drawing::Rectangle{0, 0}) {
+    Control::setText(text);
+    // Still constructing: this reaches the base version, which makes the name the menu text.
+    MenuItem::createMenuText();
+}
+
+MenuItem::~MenuItem() = default;
+
+void MenuItem::setVisible(bool visible) {
+    if (getFocus() && !visible) {
+        exit();
+    }
+    Control::setVisible(visible);
+    if (visibleChanged_) {
+        visibleChanged_(visible);
+    }
+    createMenuText();
+}
+
+frontpanelhw::drawing::DisplayLine MenuItem::getMenuText() const {
+    if (!getVisible()) {
+        return frontpanelhw::drawing::DisplayLine();
+    }
+    return createLineFromMenuText();
+}
+
+bool MenuItem::enter() {
+    if (form_ == nullptr || form_->getFocus() || !available_.load()) {
+        return false;
+    }
+    return setFocus(true);
+}
+
+bool MenuItem::exit() {
+    if (form_ == nullptr) {
+        // Nothing to close; the tree reads true as "the menu may take the focus back".
+        return true;
+    }
+    return setFocus(false);
+}
+
+bool MenuItem::getFocus() const { return form_ != nullptr && form_->getFocus(); }
+
+void MenuItem::setAvailable(bool available) {
+    available_.store(available);
+    // Emptied first so that an item made available again falls back to its bare name.
+    menuText_.clear();
+    createMenuText();
+}
+
+void MenuItem::setNotAvailableText(std::u16string const& text) {
+    notAvailableText_ = text;
+    createMenuText();
+}
+
+void MenuItem::createMenuText() {
+    std::u16string const previous = menuText_;
+    if (available_.load()) {
+        if (menuText_.empty()) {
+            menuText_ = getText();
+        }
+    } else {
+        menuText_ = getText() + u" " + notAvailableText_;
+    }
+    if (getShown() && menuText_ != previous) {
+        redrawParent();
+    }
+}
+
+bool MenuItem::setFocus(bool focus) {
+    if (form_ == nullptr) {
+        return false;
+    }
+    form_->setFocus(focus);
+    focusChanged_(!focus);  // empty outside a tree: throws std::bad_function_call on purpose
+    createMenuText();
+    return focus;
+}
+
+frontpanelhw::drawing::DisplayLine MenuItem::createLineFromMenuText() const {
+    std::u16string text = menuText_.substr(0, lineLength_);
+    text.resize(lineLength_, u' ');
+    frontpanelhw::drawing::DisplayLine line;
+    line.setLine(text);
+    if (selected_.load() && lineLength_ > 0) {
+        line.setInverted(0, lineLength_ - 1, true);
+    }
+    return line;
+}
+
+void MenuItem::updateOwnText(std::u16string const& text) {
+    menuText_ = text;
+    if (getShown()) {
+        redrawParent();
+    }
+}
+
+void MenuItem::showHint(std::u16string const& hint, std::u16string const& restore,
+                        std::chrono::milliseconds duration) {
+    updateOwnText(hint);
+    wrapper::sleep_for(std::chrono::duration_cast<std::chrono::nanoseconds>(duration));
+    if (!restore.empty()) {
+        updateOwnText(restore);
+    }
+}
+
+void MenuItem::setLineLength(unsigned int lineLength) {
+    lineLength_ = lineLength;
+    overwriteSize(drawing::Rectangle{lineLength, 1});
+}
+
+void MenuItem::setForm(IForm* form) { form_ = form; }
+
+void MenuItem::setFocusChangedCallback(FocusChangedCallback const& callback) {
+    focusChanged_ = callback;
+}
+
+void MenuItem::setVisibleChangedCallback(VisibleChangedCallback const& callback) {
+    visibleChanged_ = callback;
+}
+
+std::u16string const& MenuItem::getNotAvailableText() const { return notAvailableText_; }
+
+std::u16string const& MenuItem::getOwnText() const { return menuText_; }
+
+bool MenuItem::getSelected() const { return selected_.load(); }
+
+void MenuItem::setSelected(bool selected) { selected_.store(selected); }
+
+bool MenuItem::getAvailable() const { return available_.load(); }
+
+unsigned int MenuItem::getLineLength() const { return lineLength_; }
+
+IForm* MenuItem::getForm() const { return form_; }
+
+void MenuItem::setOwnText(std::u16string const& text) { menuText_ = text; }
+
+}  // namespace yxfrontpanel
