@@ -6,6 +6,8 @@
 #include <frontpanelhw/display.h>
 #include <frontpanelhw/display_types.h>
 #include <frontpanelhw/frame_diff.h>
+#include <frontpanelhw/terminal_display.h>
+#include <frontpanelhw/terminal_keys.h>
 #include <yxbase2/log.h>
 #include <yxbase2/this_thread.h>
 #include <yxfrontpanel/control.h>
