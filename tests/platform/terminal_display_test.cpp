@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <clocale>
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -287,13 +289,35 @@ TEST(TerminalDisplayTest, DestructorRestoresTheTerminal) {
     EXPECT_TRUE(contains(shown, "\x1b[?25h")) << shown;
 }
 
-TEST(TerminalDisplayTest, UnknownTerminalTypeThrows) {
+TEST(TerminalDisplayTest, UnknownTerminalTypeThrowsNamingIt) {
     CapturedTerminal terminal;
     std::FILE* const scratch = std::tmpfile();
     ASSERT_NE(scratch, nullptr);
-    EXPECT_THROW(TerminalDisplay(6, 2, scratch, scratch, "no-such-terminal-type"),
-                 std::runtime_error);
+    try {
+        TerminalDisplay display(6, 2, scratch, scratch, "no-such-terminal-type");
+        ADD_FAILURE() << "no exception for an unknown terminal type";
+    } catch (std::runtime_error const& error) {
+        EXPECT_TRUE(contains(error.what(), "'no-such-terminal-type' is not in the terminfo"))
+            << error.what();
+    }
     std::fclose(scratch);
+}
+
+TEST(TerminalDisplayTest, ControllingTerminalWithoutTermThrows) {
+    // Restores $TERM and the locale, which taking over the controlling terminal sets.
+    struct Environment {
+        char const* term = std::getenv("TERM");
+        std::string savedTerm = term != nullptr ? term : "";
+        std::string locale = std::setlocale(LC_ALL, nullptr);
+        ~Environment() {
+            if (term != nullptr) {
+                setenv("TERM", savedTerm.c_str(), 1);
+            }
+            std::setlocale(LC_ALL, locale.c_str());
+        }
+    } const environment;
+    unsetenv("TERM");
+    EXPECT_THROW(TerminalDisplay(6, 2), std::runtime_error);
 }
 
 TEST(TerminalDisplayTest, MissingStreamThrows) {
