@@ -6,6 +6,7 @@
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -116,6 +117,27 @@ TEST(TerminalDisplayTest, FrameStartsAtTheOrigin) {
     EXPECT_EQ(screen.text(2, 0, 10), "    ┌───┐ ");
     EXPECT_EQ(screen.text(3, 0, 10), "    │   │ ");
     EXPECT_EQ(screen.text(4, 0, 10), "    └───┘ ");
+}
+
+TEST(TerminalDisplayTest, OriginBeyondTheTerminalShowsNothing) {
+    CapturedTerminal terminal;
+    unsigned const far = std::numeric_limits<unsigned>::max();
+    auto const display = terminal.display(6, 2, TerminalOrigin{far, far});
+    EXPECT_TRUE(display->draw(frameOf(6, u"Volt", u"Amp")));
+    display->setStatus("LOCAL");
+    auto const& screen = terminal.screen();
+    for (unsigned row = 0; row < 30; ++row) {
+        EXPECT_EQ(screen.text(row, 0, 100), std::string(100, ' ')) << "row " << row;
+    }
+}
+
+TEST(TerminalDisplayTest, PanelWithoutCellsIsAnEmptyFrame) {
+    CapturedTerminal terminal;
+    auto const display = terminal.display(0, 0);
+    EXPECT_TRUE(display->draw(DisplayBuffer(0, 0)));
+    auto const& screen = terminal.screen();
+    EXPECT_EQ(screen.text(0, 0, 3), "┌┐ ");
+    EXPECT_EQ(screen.text(1, 0, 3), "└┘ ");
 }
 
 TEST(TerminalDisplayTest, DrawReturnsTrue) {

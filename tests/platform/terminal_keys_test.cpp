@@ -154,6 +154,17 @@ TEST(TerminalKeySourceTest, NothingTypedGivesNothing) {
     EXPECT_EQ(terminal.keys().poll(0ms), std::nullopt);
 }
 
+TEST(TerminalKeySourceTest, LongestTimeoutStillGivesTheTypedKey) {
+    TypedTerminal terminal;
+    terminal.type("k");
+    EXPECT_EQ(terminal.keys().poll(std::chrono::milliseconds::max()), KeyEvent::typed(U'k'));
+}
+
+TEST(TerminalKeySourceTest, NegativeTimeoutDoesNotWait) {
+    TypedTerminal terminal;
+    EXPECT_EQ(terminal.keys().poll(-kLongWait), std::nullopt);
+}
+
 TEST(TerminalKeySourceTest, ArrowKeysArePanelKeys) {
     TypedTerminal terminal;
     // The arrow keys of an xterm in keypad mode, which curses switched on.

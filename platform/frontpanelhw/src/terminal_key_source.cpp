@@ -1,7 +1,7 @@
 #include <frontpanelhw/terminal_display.h>
 #include <frontpanelhw/terminal_keys.h>
 
-#include <cerrno>
+#include <algorithm>
 
 #include "terminal_session.h"
 #include <poll.h>
@@ -12,6 +12,9 @@ namespace frontpanelhw {
 namespace {
 
 using Clock = std::chrono::steady_clock;
+
+// Longer waits are cut to this, so that the deadline can never overflow the clock.
+constexpr std::chrono::milliseconds kLongestWait = std::chrono::hours(24);
 
 /** What one non-blocking read of curses gave. */
 struct Read {
@@ -72,7 +75,7 @@ TerminalKeySource::TerminalKeySource(TerminalDisplay const& display) : session_(
 TerminalKeySource::~TerminalKeySource() = default;
 
 std::optional<KeyEvent> TerminalKeySource::poll(std::chrono::milliseconds timeout) {
-    auto const deadline = Clock::now() + timeout;
+    auto const deadline = Clock::now() + std::min(timeout, kLongestWait);
     while (true) {
         Read const read = readPending(*session_);
         if (read.result == Read::Result::Event) {

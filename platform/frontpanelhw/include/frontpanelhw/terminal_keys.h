@@ -27,11 +27,15 @@ struct KeyEvent {
     PanelKey panelKey;   // the key when kind is Panel, else PanelKey::Up
     char32_t character;  // the typed character when kind is Character, else 0
 
+    /** One of the six panel keys. */
     static constexpr KeyEvent panel(PanelKey key) { return KeyEvent{Kind::Panel, key, 0}; }
+    /** Any other typed character. */
     static constexpr KeyEvent typed(char32_t typed) {
         return KeyEvent{Kind::Character, PanelKey::Up, typed};
     }
+    /** The terminal changed its size. */
     static constexpr KeyEvent resize() { return KeyEvent{Kind::Resize, PanelKey::Up, 0}; }
+    /** The input has ended. */
     static constexpr KeyEvent closed() { return KeyEvent{Kind::Closed, PanelKey::Up, 0}; }
 };
 
@@ -61,9 +65,9 @@ public:
     TerminalKeySource(TerminalKeySource const&) = delete;
     TerminalKeySource& operator=(TerminalKeySource const&) = delete;
 
-    /** Waits up to `timeout` (zero or less: not at all) for a key and returns it; nothing when no
-     *  key arrived in time. Once the input has ended, returns KeyEvent::closed() at once on
-     *  every call. Never throws. */
+    /** Waits up to `timeout` (zero or less: not at all; more than a day: a day) for a key and
+     *  returns it; nothing when no key arrived in time. Once the input has ended, returns
+     * KeyEvent::closed() at once on every call. Never throws. */
     std::optional<KeyEvent> poll(std::chrono::milliseconds timeout);
 
 private:
