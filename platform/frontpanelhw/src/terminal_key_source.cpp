@@ -16,11 +16,11 @@ using Clock = std::chrono::steady_clock;
 // Longer waits are cut to this, so that the deadline can never overflow the clock.
 constexpr std::chrono::milliseconds kLongestWait = std::chrono::hours(24);
 
-/** What one non-blocking read of curses gave. */
+/** What one read of curses without waiting gave: an event, a key without panel meaning to
+ *  skip, or neither when no key was pending. */
 struct Read {
-    enum class Result { Event, Skipped, Nothing };
-    Result result;
-    KeyEvent event;
+    std::optional<KeyEvent> event;
+    bool skipped = false;
 };
 
 Read readPending(detail::TerminalSession& session) {
@@ -29,20 +29,20 @@ Read readPending(detail::TerminalSession& session) {
         wint_t code = 0;
         int const status = wget_wch(window, &code);
         if (status == ERR) {
-            return Read{Read::Result::Nothing, KeyEvent::closed()};
+            return Read{};
         }
         bool const isFunctionKey = status == KEY_CODE_YES;
         int const value = static_cast<int>(code);
         if (isFunctionKey && value == KEY_RESIZE) {
-            return Read{Read::Result::Event, KeyEvent::resize()};
+            return Read{KeyEvent::resize()};
         }
         if (auto const key = panelKeyFor(value, isFunctionKey)) {
-            return Read{Read::Result::Event, KeyEvent::panel(*key)};
+            return Read{KeyEvent::panel(*key)};
         }
         if (isFunctionKey) {
-            return Read{Read::Result::Skipped, KeyEvent::closed()};
+            return Read{std::nullopt, true};
         }
-        return Read{Read::Result::Event, KeyEvent::typed(static_cast<char32_t>(code))};
+        return Read{KeyEvent::typed(static_cast<char32_t>(code))};
     });
 }
 
@@ -78,17 +78,16 @@ std::optional<KeyEvent> TerminalKeySource::poll(std::chrono::milliseconds timeou
     auto const deadline = Clock::now() + std::min(timeout, kLongestWait);
     while (true) {
         Read const read = readPending(*session_);
-        if (read.result == Read::Result::Event) {
+        if (read.event) {
             return read.event;
         }
-        if (read.result == Read::Result::Skipped) {
+        if (read.skipped) {
             continue;
         }
         if (inputEnded(session_->inputDescriptor())) {
             return KeyEvent::closed();
         }
-        auto const left =
-            std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
+        auto const left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
         if (left.count() <= 0 || !waitForInput(session_->inputDescriptor(), left)) {
             return std::nullopt;
         }
