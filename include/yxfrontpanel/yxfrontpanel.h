@@ -2,8 +2,12 @@
 
 // Everything an application needs from the toolkit, its IPv4 helpers and the platform headers.
 
+#include <frontpanelhw/code_page.h>
 #include <frontpanelhw/display.h>
 #include <frontpanelhw/display_types.h>
+#include <frontpanelhw/frame_diff.h>
+#include <frontpanelhw/terminal_display.h>
+#include <frontpanelhw/terminal_keys.h>
 #include <yxbase2/log.h>
 #include <yxbase2/this_thread.h>
 #include <yxfrontpanel/control.h>

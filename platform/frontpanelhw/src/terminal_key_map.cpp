@@ -1,0 +1,58 @@
+#include <frontpanelhw/terminal_keys.h>
+
+#include "terminal_session.h"
+
+namespace frontpanelhw {
+
+bool operator==(KeyEvent const& lhs, KeyEvent const& rhs) {
+    return lhs.kind == rhs.kind && lhs.panelKey == rhs.panelKey && lhs.character == rhs.character;
+}
+
+bool operator!=(KeyEvent const& lhs, KeyEvent const& rhs) { return !(lhs == rhs); }
+
+namespace {
+
+constexpr int kBackspace = 8;
+constexpr int kEscape = 27;
+constexpr int kDelete = 127;
+
+std::optional<PanelKey> panelKeyForFunctionKey(int code) {
+    switch (code) {
+        case KEY_UP:
+            return PanelKey::Up;
+        case KEY_DOWN:
+            return PanelKey::Down;
+        case KEY_LEFT:
+            return PanelKey::Left;
+        case KEY_RIGHT:
+            return PanelKey::Right;
+        case KEY_ENTER:
+            return PanelKey::Enter;
+        case KEY_BACKSPACE:
+            return PanelKey::Back;
+        default:
+            return std::nullopt;
+    }
+}
+
+std::optional<PanelKey> panelKeyForCharacter(int code) {
+    switch (code) {
+        case '\n':
+        case '\r':
+            return PanelKey::Enter;
+        case kBackspace:
+        case kEscape:
+        case kDelete:
+            return PanelKey::Back;
+        default:
+            return std::nullopt;
+    }
+}
+
+}  // namespace
+
+std::optional<PanelKey> panelKeyFor(int code, bool isFunctionKey) {
+    return isFunctionKey ? panelKeyForFunctionKey(code) : panelKeyForCharacter(code);
+}
+
+}  // namespace frontpanelhw

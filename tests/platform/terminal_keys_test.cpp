@@ -1,0 +1,257 @@
+#define NCURSES_NOMACROS 1
+#include <frontpanelhw/terminal_display.h>
+#include <frontpanelhw/terminal_keys.h>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <future>
+#include <memory>
+#include <optional>
+#include <ostream>
+#include <string>
+
+#include "locale_guard.h"
+#include <curses.h>
+#include <fcntl.h>
+#include <pty.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+namespace frontpanelhw {
+
+// Readable failure messages.
+void PrintTo(KeyEvent const& event, std::ostream* out) {
+    char const* const kinds[] = {"Panel", "Character", "Resize", "Closed"};
+    *out << kinds[static_cast<int>(event.kind)] << "(key " << static_cast<int>(event.panelKey)
+         << ", U+" << std::hex << static_cast<unsigned long>(event.character) << std::dec << ')';
+}
+
+}  // namespace frontpanelhw
+
+namespace {
+
+using frontpanelhw::KeyEvent;
+using frontpanelhw::PanelKey;
+using frontpanelhw::panelKeyFor;
+using frontpanelhw::TerminalDisplay;
+using frontpanelhw::TerminalKeySource;
+using frontpanelhw::drawing::DisplayBuffer;
+using namespace std::chrono_literals;
+
+// Long enough that reaching it means a key was lost; tests never wait for it to pass.
+constexpr auto kLongWait = 10s;
+
+TEST(PanelKeyForTest, ArrowKeysAreTheFourDirections) {
+    EXPECT_EQ(panelKeyFor(KEY_UP, true), PanelKey::Up);
+    EXPECT_EQ(panelKeyFor(KEY_DOWN, true), PanelKey::Down);
+    EXPECT_EQ(panelKeyFor(KEY_LEFT, true), PanelKey::Left);
+    EXPECT_EQ(panelKeyFor(KEY_RIGHT, true), PanelKey::Right);
+}
+
+TEST(PanelKeyForTest, EnterKeyAndLineEndsAreEnter) {
+    EXPECT_EQ(panelKeyFor(KEY_ENTER, true), PanelKey::Enter);
+    EXPECT_EQ(panelKeyFor('\n', false), PanelKey::Enter);
+    EXPECT_EQ(panelKeyFor('\r', false), PanelKey::Enter);
+}
+
+TEST(PanelKeyForTest, BackspaceDeleteAndEscapeAreBack) {
+    EXPECT_EQ(panelKeyFor(KEY_BACKSPACE, true), PanelKey::Back);
+    EXPECT_EQ(panelKeyFor(127, false), PanelKey::Back);
+    EXPECT_EQ(panelKeyFor(8, false), PanelKey::Back);
+    EXPECT_EQ(panelKeyFor(27, false), PanelKey::Back);
+}
+
+TEST(PanelKeyForTest, OtherKeysAreNoPanelKey) {
+    EXPECT_EQ(panelKeyFor('q', false), std::nullopt);
+    EXPECT_EQ(panelKeyFor(' ', false), std::nullopt);
+    EXPECT_EQ(panelKeyFor(KEY_F(1), true), std::nullopt);
+    EXPECT_EQ(panelKeyFor(KEY_HOME, true), std::nullopt);
+    EXPECT_EQ(panelKeyFor(KEY_RESIZE, true), std::nullopt);
+}
+
+TEST(PanelKeyForTest, CharacterWithTheValueOfAKeyCodeIsNoPanelKey) {
+    // Curses' key codes start at 0x101, where Unicode has letters such as U+0103 'ă'.
+    EXPECT_EQ(panelKeyFor(KEY_UP, false), std::nullopt);
+    EXPECT_EQ(panelKeyFor(KEY_ENTER, false), std::nullopt);
+    EXPECT_EQ(panelKeyFor(KEY_BACKSPACE, false), std::nullopt);
+}
+
+TEST(PanelKeyForTest, CharacterCodesAsKeyCodesAreNoPanelKey) {
+    EXPECT_EQ(panelKeyFor('\n', true), std::nullopt);
+    EXPECT_EQ(panelKeyFor(27, true), std::nullopt);
+}
+
+TEST(KeyEventTest, EventsCompareKindKeyAndCharacter) {
+    EXPECT_EQ(KeyEvent::panel(PanelKey::Up), KeyEvent::panel(PanelKey::Up));
+    EXPECT_NE(KeyEvent::panel(PanelKey::Up), KeyEvent::panel(PanelKey::Down));
+    EXPECT_EQ(KeyEvent::typed(U'q'), KeyEvent::typed(U'q'));
+    EXPECT_NE(KeyEvent::typed(U'q'), KeyEvent::typed(U'l'));
+    EXPECT_NE(KeyEvent::resize(), KeyEvent::closed());
+    EXPECT_EQ(KeyEvent::panel(PanelKey::Enter).kind, KeyEvent::Kind::Panel);
+    EXPECT_EQ(KeyEvent::typed(U'q').character, U'q');
+}
+
+/** A pseudo-terminal as an SSH session would give: the display and its key source use the
+ *  terminal side, the test types on the other side as the user would. */
+class TypedTerminal {
+public:
+    TypedTerminal() {
+        winsize size{};
+        size.ws_row = 24;
+        size.ws_col = 80;
+        EXPECT_EQ(openpty(&user_, &terminal_, nullptr, nullptr, &size), 0);
+        // Curses' output piles up on the user side; it is thrown away, so it must not block.
+        fcntl(user_, F_SETFL, fcntl(user_, F_GETFL) | O_NONBLOCK);
+        stream_ = fdopen(terminal_, "r+");
+        EXPECT_NE(stream_, nullptr);
+        display_ = std::make_unique<TerminalDisplay>(4, 1, stream_, stream_, "xterm-256color");
+        keys_ = std::make_unique<TerminalKeySource>(*display_);
+    }
+    ~TypedTerminal() {
+        keys_.reset();
+        display_.reset();
+        std::fclose(stream_);
+        closeUserSide();
+    }
+    TypedTerminal(TypedTerminal const&) = delete;
+    TypedTerminal& operator=(TypedTerminal const&) = delete;
+
+    void type(std::string const& bytes) {
+        discardOutput();
+        EXPECT_EQ(write(user_, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+    }
+
+    void closeUserSide() {
+        if (user_ >= 0) {
+            close(user_);
+            user_ = -1;
+        }
+    }
+
+    TerminalDisplay& display() { return *display_; }
+    TerminalKeySource& keys() { return *keys_; }
+
+private:
+    void discardOutput() {
+        char buffer[4096];
+        while (read(user_, buffer, sizeof buffer) > 0) {
+        }
+    }
+
+    yxfp_test::Utf8Locale locale_;
+    int user_ = -1;
+    int terminal_ = -1;
+    std::FILE* stream_ = nullptr;
+    std::unique_ptr<TerminalDisplay> display_;
+    std::unique_ptr<TerminalKeySource> keys_;
+};
+
+TEST(TerminalKeySourceTest, NothingTypedGivesNothing) {
+    TypedTerminal terminal;
+    EXPECT_EQ(terminal.keys().poll(0ms), std::nullopt);
+}
+
+TEST(TerminalKeySourceTest, LongestTimeoutStillGivesTheTypedKey) {
+    TypedTerminal terminal;
+    terminal.type("k");
+    EXPECT_EQ(terminal.keys().poll(std::chrono::milliseconds::max()), KeyEvent::typed(U'k'));
+}
+
+TEST(TerminalKeySourceTest, NegativeTimeoutDoesNotWait) {
+    TypedTerminal terminal;
+    EXPECT_EQ(terminal.keys().poll(-kLongWait), std::nullopt);
+}
+
+TEST(TerminalKeySourceTest, ArrowKeysArePanelKeys) {
+    TypedTerminal terminal;
+    // The arrow keys of an xterm in keypad mode, which curses switched on.
+    terminal.type("\x1bOA\x1bOB\x1bOD\x1bOC");
+    EXPECT_EQ(terminal.keys().poll(kLongWait), KeyEvent::panel(PanelKey::Up));
+    EXPECT_EQ(terminal.keys().poll(kLongWait), KeyEvent::panel(PanelKey::Down));
+    EXPECT_EQ(terminal.keys().poll(kLongWait), KeyEvent::panel(PanelKey::Left));
+    EXPECT_EQ(terminal.keys().poll(kLongWait), KeyEvent::panel(PanelKey::Right));
+    EXPECT_EQ(terminal.keys().poll(0ms), std::nullopt);
+}
+
+TEST(TerminalKeySourceTest, ReturnIsEnterAndDeleteIsBack) {
+    TypedTerminal terminal;
+    terminal.type("\r\x7f\b");
+    EXPECT_EQ(terminal.keys().poll(kLongWait), KeyEvent::panel(PanelKey::Enter));
+    EXPECT_EQ(terminal.keys().poll(kLongWait), KeyEvent::panel(PanelKey::Back));
+    EXPECT_EQ(terminal.keys().poll(kLongWait), KeyEvent::panel(PanelKey::Back));
+}
+
+TEST(TerminalKeySourceTest, OtherCharactersAreHandedToTheApplication) {
+    TypedTerminal terminal;
+    terminal.type("q\xC3\xA9");  // 'q' and 'é' in UTF-8
+    EXPECT_EQ(terminal.keys().poll(kLongWait), KeyEvent::typed(U'q'));
+    EXPECT_EQ(terminal.keys().poll(kLongWait), KeyEvent::typed(U'é'));
+}
+
+TEST(TerminalKeySourceTest, FunctionKeysWithoutPanelMeaningAreSkipped) {
+    TypedTerminal terminal;
+    terminal.type("\x1bOP\x1bOHl");  // F1, Home, 'l'
+    EXPECT_EQ(terminal.keys().poll(kLongWait), KeyEvent::typed(U'l'));
+}
+
+TEST(TerminalKeySourceTest, TerminalSizeChangeIsAResize) {
+    TypedTerminal terminal;
+    std::raise(SIGWINCH);
+    EXPECT_EQ(terminal.keys().poll(kLongWait), KeyEvent::resize());
+    EXPECT_EQ(terminal.keys().poll(0ms), std::nullopt);
+}
+
+TEST(TerminalKeySourceTest, HangUpIsClosedOnEveryPoll) {
+    TypedTerminal terminal;
+    terminal.closeUserSide();
+    EXPECT_EQ(terminal.keys().poll(kLongWait), KeyEvent::closed());
+    EXPECT_EQ(terminal.keys().poll(kLongWait), KeyEvent::closed());
+}
+
+TEST(TerminalKeySourceTest, KeyTypedDuringTheWaitEndsItAtOnce) {
+    TypedTerminal terminal;
+    auto const start = std::chrono::steady_clock::now();
+    auto key =
+        std::async(std::launch::async, [&terminal] { return terminal.keys().poll(kLongWait); });
+    terminal.type("x");
+    EXPECT_EQ(key.get(), KeyEvent::typed(U'x'));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, kLongWait / 2);
+}
+
+TEST(TerminalKeySourceTest, DrawingIsNotHeldUpByAWaitingPoll) {
+    TypedTerminal terminal;
+    std::promise<void> polling;
+    auto key = std::async(std::launch::async, [&terminal, &polling] {
+        polling.set_value();
+        return terminal.keys().poll(kLongWait);
+    });
+    polling.get_future().wait();
+    auto const start = std::chrono::steady_clock::now();
+    DisplayBuffer frame(4, 1);
+    frame.setLineContent(0, 0, u"Volt");
+    EXPECT_TRUE(terminal.display().draw(frame));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, kLongWait / 2);
+    terminal.type("x");
+    EXPECT_EQ(key.get(), KeyEvent::typed(U'x'));
+}
+
+TEST(TerminalKeySourceTest, KeepsTheTerminalUsableAfterTheDisplayIsGone) {
+    yxfp_test::Utf8Locale locale;
+    int user = -1;
+    int terminalSide = -1;
+    ASSERT_EQ(openpty(&user, &terminalSide, nullptr, nullptr, nullptr), 0);
+    std::FILE* const stream = fdopen(terminalSide, "r+");
+    ASSERT_NE(stream, nullptr);
+    auto display = std::make_unique<TerminalDisplay>(4, 1, stream, stream, "xterm-256color");
+    TerminalKeySource keys(*display);
+    display.reset();
+    ASSERT_EQ(write(user, "z", 1), 1);
+    EXPECT_EQ(keys.poll(kLongWait), KeyEvent::typed(U'z'));
+    std::fclose(stream);
+    close(user);
+}
+
+}  // namespace
