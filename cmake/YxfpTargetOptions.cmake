@@ -21,7 +21,9 @@ function(yxfp_setup_library target include_dir)
         CXX_VISIBILITY_PRESET hidden
         VISIBILITY_INLINES_HIDDEN ON
         VERSION ${PROJECT_VERSION}
-        SOVERSION ${PROJECT_VERSION_MAJOR})
+        SOVERSION ${PROJECT_VERSION_MAJOR}
+        # Installed libraries find their siblings next to themselves, wherever the tree lands.
+        INSTALL_RPATH "$ORIGIN")
     yxfp_set_warnings(${target})
     install(TARGETS ${target} EXPORT YxFrontPanelToolboxTargets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}

@@ -328,17 +328,17 @@ TEST(TerminalDisplayTest, UnknownTerminalTypeThrowsNamingIt) {
 TEST(TerminalDisplayTest, ControllingTerminalWithoutTermThrows) {
     // Restores $TERM and the locale, which taking over the controlling terminal sets.
     struct Environment {
-        char const* term = std::getenv("TERM");
+        char const* term = std::getenv("TERM");  // NOLINT(concurrency-mt-unsafe)
         std::string savedTerm = term != nullptr ? term : "";
-        std::string locale = std::setlocale(LC_ALL, nullptr);
+        std::string locale = std::setlocale(LC_ALL, nullptr);  // NOLINT(concurrency-mt-unsafe)
         ~Environment() {
             if (term != nullptr) {
-                setenv("TERM", savedTerm.c_str(), 1);
+                setenv("TERM", savedTerm.c_str(), 1);  // NOLINT(concurrency-mt-unsafe)
             }
-            std::setlocale(LC_ALL, locale.c_str());
+            std::setlocale(LC_ALL, locale.c_str());  // NOLINT(concurrency-mt-unsafe)
         }
     } const environment;
-    unsetenv("TERM");
+    unsetenv("TERM");  // NOLINT(concurrency-mt-unsafe): single-threaded test
     EXPECT_THROW(TerminalDisplay(6, 2), std::runtime_error);
 }
 

@@ -23,7 +23,8 @@
 namespace frontpanelhw {
 
 // Readable failure messages.
-void PrintTo(KeyEvent const& event, std::ostream* out) {
+void PrintTo(KeyEvent const& event,  // NOLINT(readability-identifier-naming): GoogleTest's name
+             std::ostream* out) {
     char const* const kinds[] = {"Panel", "Character", "Resize", "Closed"};
     *out << kinds[static_cast<int>(event.kind)] << "(key " << static_cast<int>(event.panelKey)
          << ", U+" << std::hex << static_cast<unsigned long>(event.character) << std::dec << ')';
@@ -135,7 +136,7 @@ public:
     TerminalKeySource& keys() { return *keys_; }
 
 private:
-    void discardOutput() {
+    void discardOutput() const {
         char buffer[4096];
         while (read(user_, buffer, sizeof buffer) > 0) {
         }

@@ -91,7 +91,9 @@ void paintStatus(WINDOW* window, Layout const& layout, std::string const& text) 
     char const* const end = text.data() + text.size();
     while (next < end) {
         wchar_t glyph = L'?';
+        // mbrtowc keeps its shift state in `state`, not in a global.
         std::size_t const length =
+            // NOLINTNEXTLINE(concurrency-mt-unsafe)
             std::mbrtowc(&glyph, next, static_cast<std::size_t>(end - next), &state);
         if (length == static_cast<std::size_t>(-1) || length == static_cast<std::size_t>(-2)) {
             glyph = kReplacement;
@@ -127,7 +129,7 @@ DisplayBuffer fitted(DisplayBuffer const& buffer, unsigned chars, unsigned lines
 std::shared_ptr<detail::TerminalSession> controllingTerminal() {
     // Curses encodes glyphs for the terminal in the locale's encoding; the environment's
     // locale is the one the user's terminal is set up for.
-    std::setlocale(LC_ALL, "");
+    std::setlocale(LC_ALL, "");  // NOLINT(concurrency-mt-unsafe): before any thread draws
     return std::make_shared<detail::TerminalSession>(stdout, stdin, nullptr);
 }
 

@@ -19,7 +19,7 @@ std::string describe(char const* terminalType) {
     if (terminalType != nullptr) {
         return std::string("terminal type '") + terminalType + "'";
     }
-    char const* const fromEnvironment = std::getenv("TERM");
+    char const* const fromEnvironment = std::getenv("TERM");  // NOLINT(concurrency-mt-unsafe)
     return fromEnvironment != nullptr
                ? std::string("terminal type '") + fromEnvironment + "' (from $TERM)"
                : std::string("$TERM, which is not set,");
