@@ -32,6 +32,10 @@ public:
     /** @brief Builds the form on `provider` with editor mode off and lays out the screen with
      *  `init(provider.getChars(), headline)`. Draws nothing (the form has no focus yet). */
     BaseEditor(IDrawingProvider const& provider, std::u16string const& headline);
+    BaseEditor(BaseEditor const&) = delete;
+    BaseEditor& operator=(BaseEditor const&) = delete;
+    BaseEditor(BaseEditor&&) = delete;
+    BaseEditor& operator=(BaseEditor&&) = delete;
     /** @brief Destroys the value, caret and headline labels, in that order, before the form. */
     ~BaseEditor() override;
 

@@ -31,6 +31,10 @@ public:
     /** @brief An editor titled `headline`, both addresses 0.0.0.0, no callback; the value line
      *  stays empty until an address is set or the editor gains the focus. Draws nothing. */
     IpAddressEditor(IDrawingProvider const& provider, std::u16string const& headline);
+    IpAddressEditor(IpAddressEditor const&) = delete;
+    IpAddressEditor& operator=(IpAddressEditor const&) = delete;
+    IpAddressEditor(IpAddressEditor&&) = delete;
+    IpAddressEditor& operator=(IpAddressEditor&&) = delete;
     ~IpAddressEditor() override;
 
     /** @brief Gaining the focus shows the committed address (`setValue(getValue())`), then

@@ -57,6 +57,10 @@ public:
      *  stays empty until the first `setValue`. */
     ValueEditor(IDrawingProvider const& provider, std::u16string const& headline, double minValue,
                 double maxValue);
+    ValueEditor(ValueEditor const&) = delete;
+    ValueEditor& operator=(ValueEditor const&) = delete;
+    ValueEditor(ValueEditor&&) = delete;
+    ValueEditor& operator=(ValueEditor&&) = delete;
     ~ValueEditor() override;
 
     /** @brief Gaining the focus first restarts the edit from the committed value

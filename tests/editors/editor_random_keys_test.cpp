@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstring>
 #include <limits>
 #include <random>
 #include <string>
@@ -75,7 +74,8 @@ double pickValue(std::mt19937& random, double minValue, double maxValue) {
 }
 
 bool sameValue(double lhs, double rhs) {
-    return std::memcmp(&lhs, &rhs, sizeof lhs) == 0 || (std::isnan(lhs) && std::isnan(rhs));
+    return (lhs == rhs && std::signbit(lhs) == std::signbit(rhs)) ||
+           (std::isnan(lhs) && std::isnan(rhs));
 }
 
 struct Range {

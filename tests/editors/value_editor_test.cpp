@@ -80,6 +80,8 @@ public:
     ~GlobalLocale() { std::locale::global(previous_); }
     GlobalLocale(GlobalLocale const&) = delete;
     GlobalLocale& operator=(GlobalLocale const&) = delete;
+    GlobalLocale(GlobalLocale&&) = delete;
+    GlobalLocale& operator=(GlobalLocale&&) = delete;
 
 private:
     std::locale previous_;
