@@ -10,12 +10,15 @@
 #include <frontpanelhw/terminal_keys.h>
 #include <yxbase2/log.h>
 #include <yxbase2/this_thread.h>
+#include <yxfrontpanel/base_editor.h>
 #include <yxfrontpanel/control.h>
 #include <yxfrontpanel/drawing.h>
 #include <yxfrontpanel/drawing_provider.h>
 #include <yxfrontpanel/export.h>
+#include <yxfrontpanel/form.h>
 #include <yxfrontpanel/i_form.h>
 #include <yxfrontpanel/ip.h>
+#include <yxfrontpanel/ip_address_editor.h>
 #include <yxfrontpanel/menu_item.h>
 #include <yxfrontpanel/menu_tree.h>
 #include <yxfrontpanel/progress_bar.h>
@@ -23,3 +26,4 @@
 #include <yxfrontpanel/string_helper.h>
 #include <yxfrontpanel/text_constants.h>
 #include <yxfrontpanel/tree_menu_item.h>
+#include <yxfrontpanel/value_editor.h>

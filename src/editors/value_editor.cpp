@@ -1,0 +1,182 @@
+#include <yxfrontpanel/control.h>
+#include <yxfrontpanel/string_helper.h>
+#include <yxfrontpanel/value_editor.h>
+
+#include <cmath>
+#include <ios>
+#include <limits>
+#include <locale>
+#include <sstream>
+
+namespace yxfrontpanel {
+
+namespace {
+
+// Every number is formatted in the classic locale: a decimal comma or digit grouping from the
+// global locale would move the digits and break the caret arithmetic.
+std::ostringstream classicStream() {
+    std::ostringstream stream;
+    stream.imbue(std::locale::classic());
+    return stream;
+}
+
+}  // namespace
+
+int getMaxWidthOfNumber(double value, unsigned int precision) {
+    std::ostringstream stream = classicStream();
+    stream << std::fixed;
+    stream.precision(static_cast<std::streamsize>(precision));
+    stream << std::fabs(value);
+    return static_cast<int>(stream.str().size());
+}
+
+int getMaxWidthOfMinMax(double minValue, double maxValue, unsigned int precision) {
+    int const minWidth = minValue == std::numeric_limits<double>::min()
+                             ? -1
+                             : getMaxWidthOfNumber(minValue, precision);
+    int const maxWidth = maxValue == std::numeric_limits<double>::max()
+                             ? -1
+                             : getMaxWidthOfNumber(maxValue, precision);
+    return minWidth > maxWidth ? minWidth : maxWidth;
+}
+
+ValueEditor::ValueEditor(IDrawingProvider const& provider, std::u16string const& headline,
+                         double minValue, double maxValue)
+    : BaseEditor(provider, headline), maxValue_(maxValue), minValue_(minValue) {}
+
+ValueEditor::~ValueEditor() = default;
+
+void ValueEditor::setFocus(bool focus) {
+    if (focus) {
+        setValue(value_);
+    }
+    Form::setFocus(focus);
+}
+
+void ValueEditor::apply() {
+    if (!getEditorMode()) {
+        return;
+    }
+    value_ = editValue_;
+    applyCallback_(editValue_);
+}
+
+unsigned int ValueEditor::getStartOfNumberInLbl() const {
+    return BaseEditor::getStartOfNumberInLbl() + (editValue_ < 0 ? 1U : 0U);
+}
+
+void ValueEditor::moveMarker(int direction) {
+    // Unsigned column arithmetic throughout: the wrap of a column left of 0 to the largest
+    // unsigned value is what keeps the caret on the first digit of a number at column 0.
+    std::u16string const& text = getValueLabel().getText();
+    auto const step = static_cast<unsigned>(direction);
+    unsigned column = getMarkerLabel().getLocation().x + step;
+
+    int const index = getMarkerInValuePosition(direction);
+    if (index >= 0 && static_cast<std::size_t>(index) < text.size() && text[index] == u'.') {
+        column += step;
+    }
+    unsigned const unitWidth = unit_.empty() ? 0U : static_cast<unsigned>(unit_.size()) + 1U;
+    unsigned const end = getValueLabel().getEndColumn() - (editValue_ < 0 ? 1U : 0U) - unitWidth;
+    if (column >= end) {
+        column = getStartOfNumberInLbl();
+    }
+    if (column < getStartOfNumberInLbl()) {
+        column = end - 1U;
+    }
+    markerLabel().setLocation(drawing::Point{column, getMarkerLabel().getLocation().y}, true);
+}
+
+void ValueEditor::changeValue(int delta) {
+    if (!getFocus() || !getEditorMode()) {
+        return;
+    }
+    int const exponent = getPowerValue(getDotPosition(0), getMarkerLabel().getLocation().x);
+    double stepped = editValue_ + delta * std::pow(10.0, exponent);
+    if (stepped > maxValue_) {
+        stepped = maxValue_;
+    }
+    if (stepped < minValue_) {
+        stepped = minValue_;
+    }
+    setValue(stepped);
+}
+
+void ValueEditor::setUnit(std::u16string const& unit) {
+    if (&unit != &unit_) {
+        unit_ = unit;
+    }
+}
+
+void ValueEditor::setValue(double value) {
+    if (!valueInitialised_.load() || !getFocus()) {
+        value_ = value;
+        valueInitialised_.store(true);
+    }
+    editValue_ = value;
+    drawValue(value, precision_);
+}
+
+void ValueEditor::setMinValue(double value) {
+    if (value == minValue_) {
+        return;
+    }
+    minValue_ = maxValue_ <= value ? maxValue_ - 1.0 : value;
+    if (editValue_ < minValue_) {
+        setValue(minValue_);
+    }
+}
+
+void ValueEditor::setMaxValue(double value) {
+    if (value == maxValue_) {
+        return;
+    }
+    maxValue_ = minValue_ >= value ? minValue_ + 1.0 : value;
+    if (editValue_ > maxValue_) {
+        setValue(maxValue_);
+    }
+}
+
+void ValueEditor::drawValue(double value, unsigned int precision) {
+    std::ostringstream stream = classicStream();
+    if (precision != 0) {
+        stream << std::fixed;
+        stream.precision(static_cast<std::streamsize>(precision));
+    }
+    // The width follows the stored precision, which the editor's own calls pass as `precision`.
+    int const width = getMaxWidthOfMinMax(minValue_, maxValue_, precision_);
+    stream.width(width > 0 ? width : 0);
+    stream.fill('0');
+    stream << std::fabs(value);
+
+    std::u16string text = stringhelper::toU16(stream.str());
+    if (!unit_.empty()) {
+        text += u' ';
+        text += unit_;
+    }
+    if (value < 0) {
+        // The trailing blank balances the sign in the centred line: the digits keep their columns.
+        text = u'-' + text + u' ';
+    }
+    valueLabel().setText(text);
+}
+
+double ValueEditor::getValue() const { return value_; }
+
+double ValueEditor::getEditValue() const { return editValue_; }
+
+double ValueEditor::getMinValue() const { return minValue_; }
+
+double ValueEditor::getMaxValue() const { return maxValue_; }
+
+unsigned int ValueEditor::getPrecision() const { return precision_; }
+
+void ValueEditor::setPrecision(unsigned int precision) { precision_ = precision; }
+
+std::u16string const& ValueEditor::getUnit() const { return unit_; }
+
+void ValueEditor::setApplyCallback(std::function<void(double)> const& callback) {
+    applyCallback_ = callback;
+}
+
+}  // namespace yxfrontpanel
