@@ -66,7 +66,7 @@ void MenuItem::setAvailable(bool available) {
 }
 
 void MenuItem::setNotAvailableText(std::u16string const& text) {
-    notAvailableText_ = text;
+    notAvailableText_ = std::make_unique<std::u16string>(text);
     createMenuText();
 }
 
@@ -77,7 +77,7 @@ void MenuItem::createMenuText() {
             menuText_ = getText();
         }
     } else {
-        menuText_ = getText() + u" " + notAvailableText_;
+        menuText_ = getText() + u" " + getNotAvailableText();
     }
     if (getShown() && menuText_ != previous) {
         redrawParent();
@@ -136,7 +136,10 @@ void MenuItem::setVisibleChangedCallback(VisibleChangedCallback const& callback)
     visibleChanged_ = callback;
 }
 
-std::u16string const& MenuItem::getNotAvailableText() const { return notAvailableText_; }
+std::u16string const& MenuItem::getNotAvailableText() const {
+    static std::u16string const kDefaultNotAvailableText = u"(N/A)";
+    return notAvailableText_ ? *notAvailableText_ : kDefaultNotAvailableText;
+}
 
 std::u16string const& MenuItem::getOwnText() const { return menuText_; }
 
