@@ -333,6 +333,7 @@ TEST(CallbackValueTest, PublicationsFromFourThreadsAllReachTheItem) {
 
     std::atomic<int> running{kThreads};
     std::vector<std::thread> publishers;
+    publishers.reserve(kThreads);
     for (int t = 0; t < kThreads; ++t) {
         publishers.emplace_back([&value, &running, t] {
             for (int i = 0; i < kPerThread; ++i) {
