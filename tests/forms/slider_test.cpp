@@ -7,34 +7,18 @@
 #include <string>
 #include <vector>
 
+#include "bar_cells.h"
 #include "recording_provider.h"
 
 namespace {
 
+using yxfp_test::barCells;
+using yxfp_test::kNoArrow;
 using yxfp_test::padded;
 using yxfp_test::RecordingProvider;
+using yxfp_test::scaleRow;
 using yxfrontpanel::Slider;
 using Screen = std::vector<std::u16string>;
-
-constexpr char16_t kFull = 0xDB;
-constexpr char16_t kEmpty = 0xB0;
-constexpr char16_t kArrow = 0x1E;
-constexpr char16_t kTick = 0x27;
-constexpr int kNoArrow = -1;
-
-// `filled` full cells followed by empty ones, `width` in all.
-std::u16string bar(unsigned filled, unsigned width) {
-    return std::u16string(filled, kFull) + std::u16string(width - filled, kEmpty);
-}
-
-// A row of `width` ticks with the arrow at column `arrow` (none for kNoArrow).
-std::u16string scale(unsigned width, int arrow = kNoArrow) {
-    std::u16string row(width, kTick);
-    if (arrow >= 0) {
-        row[static_cast<std::size_t>(arrow)] = kArrow;
-    }
-    return row;
-}
 
 // `text` right-aligned in `width` columns.
 std::u16string right(std::u16string const& text, std::size_t width) {
@@ -58,8 +42,8 @@ class SliderTest : public ::testing::Test {
 protected:
     // The three slider lines for shown value `shown` (arrow at `arrow`) and value text `val`.
     Screen screen(unsigned filled, int arrow, std::u16string const& val) const {
-        return {u"    >> Volume <<    ", u" Min " + bar(filled, 10) + u" Max ",
-                u"     " + scale(10, arrow) + right(val, 5), padded(u"", 20)};
+        return {u"    >> Volume <<    ", u" Min " + barCells(filled, 10) + u" Max ",
+                u"     " + scaleRow(10, arrow) + right(val, 5), padded(u"", 20)};
     }
 
     RecordingProvider provider_{20, 4};
@@ -75,8 +59,9 @@ TEST(SliderLayoutTest, TwentyColumnsWithCaptionsOfFourAndABarOfTwelve) {
     // Captions in 0-3 and 16-19 around the bar in 4-15; the scale in 4-15 of line 2. "Val:0"
     // is five characters, one more than its four right-aligned columns 16-19, so the label
     // shows nothing there.
-    EXPECT_EQ(provider.screen(), (Screen{u"    >> Level <<     ", u" Lo " + bar(1, 12) + u" Hi ",
-                                         u"    " + scale(12) + u"    ", padded(u"", 20)}));
+    EXPECT_EQ(provider.screen(),
+              (Screen{u"    >> Level <<     ", u" Lo " + barCells(1, 12) + u" Hi ",
+                      u"    " + scaleRow(12) + u"    ", padded(u"", 20)}));
 }
 
 TEST_F(SliderTest, ValueTextIsRightAlignedRightOfTheScale) {
@@ -177,8 +162,8 @@ TEST(SliderValueTest, NegativeValueShowsItsMinusSign) {
     slider.setFocus(true);
     EXPECT_TRUE(slider.setValue(-5));
     // Six cells filled (-10 to -5); the scale text runs from -10 to 11 and is cut to the bar.
-    EXPECT_EQ(provider.line(1), u" -10  " + bar(6, 12) + u"  +1  ");
-    EXPECT_EQ(provider.line(2), u"      " + scale(12, 5) + u"Val:-5");
+    EXPECT_EQ(provider.line(1), u" -10  " + barCells(6, 12) + u"  +1  ");
+    EXPECT_EQ(provider.line(2), u"      " + scaleRow(12, 5) + u"Val:-5");
     EXPECT_EQ(slider.createCursor(-5).size(), 22U);
 }
 
@@ -198,10 +183,10 @@ TEST(SliderValueTest, PositiveMinimumShortensTheScaleToTheWidthLessTheMinimum) {
     slider.setFocus(true);
     EXPECT_TRUE(slider.setValue(5));
     // Ticks for 3..9 only, the arrow under 5 at the scale's third column.
-    EXPECT_EQ(provider.line(2), u"     " + padded(scale(7, 2), 10) + u"Val:5");
+    EXPECT_EQ(provider.line(2), u"     " + padded(scaleRow(7, 2), 10) + u"Val:5");
     EXPECT_TRUE(slider.setValue(12));
     // No arrow from the bar's width on; "Val:12" is longer than its five columns.
-    EXPECT_EQ(provider.line(2), u"     " + padded(scale(7), 10) + u"     ");
+    EXPECT_EQ(provider.line(2), u"     " + padded(scaleRow(7), 10) + u"     ");
 }
 
 TEST(SliderValueTest, MinimumAtOrAboveTheWidthGivesAnEmptyScale) {
@@ -218,9 +203,9 @@ TEST(SliderValueTest, SinglePrecisionFillMayLeaveTheValuesOwnCellEmpty) {
     Slider slider(provider, u"T", u"", u"", 0, 22, 0);
     slider.setFocus(true);
     slider.setValue(12);  // the bar holds 13 of 22, which fills 12 cells
-    EXPECT_EQ(provider.line(1), bar(12, 22));
+    EXPECT_EQ(provider.line(1), barCells(12, 22));
     slider.setValue(13);
-    EXPECT_EQ(provider.line(1), bar(14, 22));
+    EXPECT_EQ(provider.line(1), barCells(14, 22));
 }
 
 TEST(SliderValueTest, MinimumAtTheTopOfIntSaturatesInsteadOfOverflowing) {
@@ -342,7 +327,7 @@ TEST(SliderFocusTest, CommittedValueOutsideTheRangeIsNotRestored) {
     EXPECT_EQ(slider.getBarValCorrected(), 3);
     EXPECT_EQ(slider.getValue(), 0);
     EXPECT_EQ(provider.drawCount(), 1U);
-    EXPECT_EQ(provider.line(1), u"  a  " + bar(1, 10) + u"  b  ");
+    EXPECT_EQ(provider.line(1), u"  a  " + barCells(1, 10) + u"  b  ");
 }
 
 TEST_F(SliderTest, EditorModeAfterMovesPutsTheArrowUnderTheCommittedValue) {
@@ -364,17 +349,17 @@ TEST_F(SliderTest, SwitchingEditorModeShowsAndHidesTheArrow) {
     slider_.setFocus(true);
     slider_.setEditorMode(true);
     EXPECT_TRUE(slider_.getEditorMode());
-    EXPECT_EQ(provider_.line(2), u"     " + scale(10, 2) + u"Val:2");
+    EXPECT_EQ(provider_.line(2), u"     " + scaleRow(10, 2) + u"Val:2");
     slider_.setEditorMode(false);
     EXPECT_FALSE(slider_.getEditorMode());
-    EXPECT_EQ(provider_.line(2), u"     " + scale(10) + u"Val:2");
+    EXPECT_EQ(provider_.line(2), u"     " + scaleRow(10) + u"Val:2");
 }
 
 TEST_F(SliderTest, CreateCursorMarksThePositionOnlyInEditorMode) {
-    EXPECT_EQ(slider_.createCursor(3), scale(10));
+    EXPECT_EQ(slider_.createCursor(3), scaleRow(10));
     slider_.setEditorMode(true);
-    EXPECT_EQ(slider_.createCursor(3), scale(10, 3));
-    EXPECT_EQ(slider_.createCursor(10), scale(10));
+    EXPECT_EQ(slider_.createCursor(3), scaleRow(10, 3));
+    EXPECT_EQ(slider_.createCursor(10), scaleRow(10));
 }
 
 // --- rebuilding the lines ---
@@ -390,7 +375,7 @@ TEST_F(SliderTest, InitBarLineReplacesCaptionsAndBar) {
     slider_.setValue(5);
     slider_.setFocus(true);
     slider_.initBarLine(5, 10, 0, u"Lo", u"Hi");
-    EXPECT_EQ(provider_.line(1), u" Lo  " + bar(1, 10) + u" Hi  ");
+    EXPECT_EQ(provider_.line(1), u" Lo  " + barCells(1, 10) + u" Hi  ");
     EXPECT_EQ(slider_.getBarValCorrected(), 0) << "the new bar shows its minimum";
     EXPECT_EQ(slider_.getValue(), 5);
 }
@@ -400,7 +385,7 @@ TEST_F(SliderTest, InitScaleLineRebuildsTheScaleForTheBarsMinimum) {
     slider_.setValue(5);
     slider_.setFocus(true);
     slider_.initScaleLine(5, 10);
-    EXPECT_EQ(provider_.line(2), u"     " + scale(10, 0) + u"Val:0");
+    EXPECT_EQ(provider_.line(2), u"     " + scaleRow(10, 0) + u"Val:0");
 }
 
 }  // namespace
