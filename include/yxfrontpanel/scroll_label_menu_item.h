@@ -17,10 +17,12 @@ class ScrollableLabel;
  *
  * The item can be entered once it has a text. Enter gives the text view the focus directly:
  * there is no availability test, so an unavailable item with a text opens too, and the tree is
- * not told through the focus-changed callback (it learns from `enter`'s answer instead; the
- * tree's items therefore stay marked as shown while the text is open). Up and down scroll the
- * text, back closes it through the inherited `exit()` (the menu takes the focus back and
- * redraws). Local mode, left and right are ignored.
+ * not told through the focus-changed callback (it learns from `enter`'s answer instead). The
+ * tree's items therefore stay marked as shown while the text is open, so a change of an item's
+ * menu text meanwhile makes the tree draw the menu over the text until the text is drawn again
+ * (by a scroll or a new text). Up and down scroll the text, back closes it through the
+ * inherited `exit()` (the menu takes the focus back and redraws). Local mode, left and right
+ * are ignored.
  *
  * The text view keeps its scroll position when a new text is set; a shorter text set while it
  * is scrolled further than that text allows makes its drawing throw `std::out_of_range` (see

@@ -108,6 +108,18 @@ TEST(ScrollLabelMenuItemTest, TheMenuIsNotToldOnTheWayInSoItsItemsStayShown) {
     EXPECT_TRUE(menu.other->getShown());
 }
 
+TEST(ScrollLabelMenuItemTest, MenuChangeWhileTheTextIsOpenIsDrawnOverItUntilTheNextScroll) {
+    HelpMenu menu;
+    menu.item->setText(kSixLines, TextAllignment::Left);
+    press(*menu.tree, Key::Enter);
+    menu.other->setAvailable(false);
+    EXPECT_EQ(menu.provider.screen(), (Screen{menu.line(u"Help"), menu.line(u"Other (N/A)"),
+                                              menu.line(u""), menu.line(u"")}));
+    EXPECT_TRUE(menu.item->getLabel().getFocus()) << "the keys still go to the text";
+    press(*menu.tree, Key::Down);
+    EXPECT_EQ(menu.provider.line(0), HelpMenu::row(u"two", kUp));
+}
+
 // --- keys in the open text ---
 
 TEST(ScrollLabelMenuItemTest, UpAndDownScrollTheText) {
