@@ -82,7 +82,9 @@ public:
      *  unit, no decoding), centred. */
     void setText(std::string const& value);
     /** @brief Shows `value` in fixed-point notation with exactly `decimals` digits after the
-     *  point, rounded as the standard streams round, in the classic locale. */
+     *  point, rounded as the standard streams round, in the classic locale ("nan" and "inf"
+     *  for those values). The text is as long as `decimals` asks, so keep it to what the panel
+     *  can show. */
     void setValue(double value, unsigned int decimals);
 
 private:

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -80,6 +81,16 @@ TEST(ReadOnlyMenuItemTest, RoundsAsTheStandardStreamsDo) {
     EXPECT_EQ(menu.item->getLabel().getLines().back(), u"0.12");
     menu.item->setValue(1.005, 2);  // 1.00499999... in binary
     EXPECT_EQ(menu.item->getLabel().getLines().back(), u"1.00");
+}
+
+TEST(ReadOnlyMenuItemTest, NonFiniteValuesAreSpelledOut) {
+    VoltageMenu menu;
+    menu.item->setValue(std::numeric_limits<double>::infinity(), 2);
+    EXPECT_EQ(menu.item->getLabel().getLines().back(), u"inf");
+    menu.item->setValue(-std::numeric_limits<double>::infinity(), 2);
+    EXPECT_EQ(menu.item->getLabel().getLines().back(), u"-inf");
+    menu.item->setValue(std::numeric_limits<double>::quiet_NaN(), 2);
+    EXPECT_EQ(menu.item->getLabel().getLines().back(), u"nan");
 }
 
 TEST(ReadOnlyMenuItemTest, UsesADecimalPointWhateverTheGlobalLocale) {
