@@ -69,7 +69,8 @@ private:
  *
  * The menu line itself shows the name only; the value is seen after entering. The title is the
  * name given at construction, whatever the control's text becomes later. Numbers are formatted
- * with the classic "C" locale (decimal point "."), whatever the process's global locale is.
+ * as the application's streams format them: in the process-wide (global) locale, so a global
+ * locale with a decimal comma shows a comma.
  */
 class YXFP_EXPORT ReadOnlyMenuItem : public ScrollLabelMenuItem {
 public:
@@ -82,7 +83,7 @@ public:
      *  unit, no decoding), centred. */
     void setText(std::string const& value);
     /** @brief Shows `value` in fixed-point notation with exactly `decimals` digits after the
-     *  point, rounded as the standard streams round, in the classic locale ("nan" and "inf"
+     *  point, rounded as the standard streams round, in the process-wide locale ("nan" and "inf"
      *  for those values). The text is as long as `decimals` asks, so keep it to what the panel
      *  can show. */
     void setValue(double value, unsigned int decimals);

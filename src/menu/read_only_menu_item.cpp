@@ -3,7 +3,6 @@
 #include <yxfrontpanel/text_constants.h>
 
 #include <ios>
-#include <locale>
 #include <sstream>
 
 namespace yxfrontpanel {
@@ -24,9 +23,9 @@ void ReadOnlyMenuItem::setText(std::string const& value) {
 }
 
 void ReadOnlyMenuItem::setValue(double value, unsigned int decimals) {
+    // A read-only value is shown as the application's own streams would write it: in the
+    // process-wide locale, so an instrument set up for a decimal comma shows one here too.
     std::ostringstream stream;
-    // The panel always shows a decimal point, whatever locale the application runs in.
-    stream.imbue(std::locale::classic());
     stream.setf(std::ios_base::fixed, std::ios_base::floatfield);
     stream.precision(static_cast<std::streamsize>(decimals));
     stream << value;

@@ -93,14 +93,14 @@ TEST(ReadOnlyMenuItemTest, NonFiniteValuesAreSpelledOut) {
     EXPECT_EQ(menu.item->getLabel().getLines().back(), u"nan");
 }
 
-TEST(ReadOnlyMenuItemTest, UsesADecimalPointWhateverTheGlobalLocale) {
+TEST(ReadOnlyMenuItemTest, FormatsInTheProcessWideLocale) {
     yxfp_test::DecimalCommaLocale comma;
     std::ostringstream plain;
     plain << 3.5;
     ASSERT_EQ(plain.str(), "3,5") << "the global locale writes a decimal comma";
     VoltageMenu menu;
     menu.item->setValue(3.14159, 2);
-    EXPECT_EQ(menu.shownText(), u">> Voltage <<\n3.14");
+    EXPECT_EQ(menu.shownText(), u">> Voltage <<\n3,14");
 }
 
 TEST(ReadOnlyMenuItemTest, SetTextWidensEveryByte) {
