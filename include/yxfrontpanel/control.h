@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <functional>
+#include <memory>
 #include <string>
 
 namespace yxfrontpanel {
@@ -62,14 +63,16 @@ protected:
     frontpanelhw::drawing::DisplayBuffer& buffer();
 
 private:
-    frontpanelhw::drawing::DisplayBuffer buffer_;
-    std::atomic<bool> shown_{false};
+    // Null for a control of no cells at all (every menu item is created 0 x 0 and never draws
+    // into a buffer of its own), so that large menus do not carry an empty buffer per item.
+    std::unique_ptr<frontpanelhw::drawing::DisplayBuffer> buffer_;
     DrawCallback onDraw_;
     std::u16string text_;
-    std::atomic<bool> visible_{true};
     drawing::Point location_;
     drawing::Rectangle size_;
     std::function<void()> redrawParent_;
+    std::atomic<bool> shown_{false};
+    std::atomic<bool> visible_{true};
 };
 
 /** A one-line text control that places its text left, right or centred within its width. A

@@ -7,6 +7,7 @@
 #include <atomic>
 #include <chrono>
 #include <functional>
+#include <memory>
 #include <string>
 
 namespace yxfrontpanel {
@@ -136,11 +137,13 @@ private:
     FocusChangedCallback focusChanged_;
     VisibleChangedCallback visibleChanged_;
     std::u16string menuText_;
-    unsigned int lineLength_ = 0;
     IForm* form_ = nullptr;
+    unsigned int lineLength_ = 0;
     std::atomic<bool> selected_{false};
     std::atomic<bool> available_{true};
-    std::u16string notAvailableText_ = u"(N/A)";
+    // Null while the item shows the default "(N/A)": most items never change it, and a menu may
+    // hold a great many items.
+    std::unique_ptr<std::u16string> notAvailableText_;
 };
 
 }  // namespace yxfrontpanel

@@ -4,7 +4,11 @@
 namespace yxfrontpanel {
 
 Control::Control(drawing::Point location, drawing::Rectangle size)
-    : buffer_(size.width, size.height), text_(u"Ctrl"), location_(location), size_(size) {}
+    : text_(u"Ctrl"), location_(location), size_(size) {
+    if (size.width != 0 || size.height != 0) {
+        buffer_ = std::make_unique<frontpanelhw::drawing::DisplayBuffer>(size.width, size.height);
+    }
+}
 
 Control::~Control() = default;
 
@@ -21,7 +25,7 @@ void Control::draw(bool redrawParent) {
         return;
     }
     if (visible_.load()) {
-        onDraw_(location_, buffer_);
+        onDraw_(location_, buffer());
     } else {
         frontpanelhw::drawing::DisplayBuffer blank(size_.width, size_.height);
         onDraw_(location_, blank);
@@ -75,12 +79,27 @@ drawing::Point Control::getLocation() const { return location_; }
 
 drawing::Rectangle Control::getSize() const { return size_; }
 
-frontpanelhw::drawing::DisplayBuffer const& Control::getBuffer() const { return buffer_; }
+namespace {
+// What a control of no cells shows.
+frontpanelhw::drawing::DisplayBuffer const& noCells() {
+    static frontpanelhw::drawing::DisplayBuffer const kNoCells(0, 0);
+    return kNoCells;
+}
+}  // namespace
+
+frontpanelhw::drawing::DisplayBuffer const& Control::getBuffer() const {
+    return buffer_ ? *buffer_ : noCells();
+}
 
 bool Control::getShown() const { return shown_.load(); }
 
 void Control::setShown(bool shown) { shown_.store(shown); }
 
-frontpanelhw::drawing::DisplayBuffer& Control::buffer() { return buffer_; }
+frontpanelhw::drawing::DisplayBuffer& Control::buffer() {
+    if (!buffer_) {
+        buffer_ = std::make_unique<frontpanelhw::drawing::DisplayBuffer>(0, 0);
+    }
+    return *buffer_;
+}
 
 }  // namespace yxfrontpanel

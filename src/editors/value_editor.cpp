@@ -2,32 +2,54 @@
 #include <yxfrontpanel/string_helper.h>
 #include <yxfrontpanel/value_editor.h>
 
+#include <algorithm>
+#include <array>
+#include <charconv>
 #include <cmath>
 #include <ios>
 #include <limits>
 #include <locale>
 #include <sstream>
+#include <string>
 
 namespace yxfrontpanel {
 
 namespace {
 
-// Every number is formatted in the classic locale: a decimal comma or digit grouping from the
-// global locale would move the digits and break the caret arithmetic.
-std::ostringstream classicStream() {
+// Every number is formatted independently of any locale: a decimal comma or digit grouping
+// from the global locale would move the digits and break the caret arithmetic. std::to_chars
+// is locale-independent by definition and gives the text of the stream's printf-style
+// formatting without building a stream for every key press.
+enum class Notation { Fixed, General };
+
+std::string magnitudeText(double value, Notation notation, unsigned int precision) {
+    double const magnitude = std::fabs(value);
+    std::array<char, 512> text{};
+    auto const format =
+        notation == Notation::Fixed ? std::chars_format::fixed : std::chars_format::general;
+    // General notation is the stream default: six significant digits.
+    int const digits =
+        notation == Notation::Fixed ? static_cast<int>(std::min(precision, 1U << 20U)) : 6;
+    auto const result =
+        std::to_chars(text.data(), text.data() + text.size(), magnitude, format, digits);
+    if (result.ec == std::errc()) {
+        return std::string(text.data(), result.ptr);
+    }
+    // Only absurd precisions or huge fixed numbers get here: the stream has no size limit.
     std::ostringstream stream;
     stream.imbue(std::locale::classic());
-    return stream;
+    if (notation == Notation::Fixed) {
+        stream << std::fixed;
+        stream.precision(static_cast<std::streamsize>(precision));
+    }
+    stream << magnitude;
+    return stream.str();
 }
 
 }  // namespace
 
 int getMaxWidthOfNumber(double value, unsigned int precision) {
-    std::ostringstream stream = classicStream();
-    stream << std::fixed;
-    stream.precision(static_cast<std::streamsize>(precision));
-    stream << std::fabs(value);
-    return static_cast<int>(stream.str().size());
+    return static_cast<int>(magnitudeText(value, Notation::Fixed, precision).size());
 }
 
 int getMaxWidthOfMinMax(double minValue, double maxValue, unsigned int precision) {
@@ -138,25 +160,28 @@ void ValueEditor::setMaxValue(double value) {
 }
 
 void ValueEditor::drawValue(double value, unsigned int precision) {
-    std::ostringstream stream = classicStream();
-    if (precision != 0) {
-        stream << std::fixed;
-        stream.precision(static_cast<std::streamsize>(precision));
-    }
-    // The width follows the stored precision, which the editor's own calls pass as `precision`.
+    std::string digits =
+        magnitudeText(value, precision != 0 ? Notation::Fixed : Notation::General, precision);
+    // Zero-padded on the left to the wider bound; the width follows the stored precision, which
+    // the editor's own calls pass as `precision`.
     int const width = getMaxWidthOfMinMax(minValue_, maxValue_, precision_);
-    stream.width(width > 0 ? width : 0);
-    stream.fill('0');
-    stream << std::fabs(value);
+    if (width > 0 && digits.size() < static_cast<std::size_t>(width)) {
+        digits.insert(0, static_cast<std::size_t>(width) - digits.size(), '0');
+    }
 
-    std::u16string text = stringhelper::toU16(stream.str());
+    std::u16string text;
+    text.reserve(digits.size() + unit_.size() + 3);
+    if (value < 0) {
+        text += u'-';
+    }
+    text.append(digits.begin(), digits.end());
     if (!unit_.empty()) {
         text += u' ';
         text += unit_;
     }
     if (value < 0) {
         // The trailing blank balances the sign in the centred line: the digits keep their columns.
-        text = u'-' + text + u' ';
+        text += u' ';
     }
     valueLabel().setText(text);
 }

@@ -2,6 +2,8 @@
 #include <yxfrontpanel/i_form.h>
 #include <yxfrontpanel/menu_item.h>
 
+#include <algorithm>
+
 namespace yxfrontpanel {
 
 namespace wrapper {
@@ -64,7 +66,7 @@ void MenuItem::setAvailable(bool available) {
 }
 
 void MenuItem::setNotAvailableText(std::u16string const& text) {
-    notAvailableText_ = text;
+    notAvailableText_ = std::make_unique<std::u16string>(text);
     createMenuText();
 }
 
@@ -75,7 +77,7 @@ void MenuItem::createMenuText() {
             menuText_ = getText();
         }
     } else {
-        menuText_ = getText() + u" " + notAvailableText_;
+        menuText_ = getText() + u" " + getNotAvailableText();
     }
     if (getShown() && menuText_ != previous) {
         redrawParent();
@@ -93,13 +95,13 @@ bool MenuItem::setFocus(bool focus) {
 }
 
 frontpanelhw::drawing::DisplayLine MenuItem::createLineFromMenuText() const {
-    std::u16string text = menuText_.substr(0, lineLength_);
-    text.resize(lineLength_, u' ');
+    // Built straight into the line (no padded copy of the text): this runs for
+    // every line on screen at every key press.
+    bool const inverted = selected_.load() && lineLength_ > 0;
+    std::size_t const shown = std::min<std::size_t>(menuText_.size(), lineLength_);
     frontpanelhw::drawing::DisplayLine line;
-    line.setLine(text);
-    if (selected_.load() && lineLength_ > 0) {
-        line.setInverted(0, lineLength_ - 1, true);
-    }
+    line.appendText(menuText_.data(), static_cast<unsigned>(shown), inverted);
+    line.appendFill(u' ', lineLength_ - static_cast<unsigned>(shown), inverted);
     return line;
 }
 
@@ -134,7 +136,10 @@ void MenuItem::setVisibleChangedCallback(VisibleChangedCallback const& callback)
     visibleChanged_ = callback;
 }
 
-std::u16string const& MenuItem::getNotAvailableText() const { return notAvailableText_; }
+std::u16string const& MenuItem::getNotAvailableText() const {
+    static std::u16string const kDefaultNotAvailableText = u"(N/A)";
+    return notAvailableText_ ? *notAvailableText_ : kDefaultNotAvailableText;
+}
 
 std::u16string const& MenuItem::getOwnText() const { return menuText_; }
 

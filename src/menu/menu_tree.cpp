@@ -224,13 +224,17 @@ bool MenuTree::draw() {
     if (!focus_ && !itemHasFocus_) {
         return false;
     }
-    screen_.clear();
-    for (unsigned line = 0; line < lines_ && sum(firstShown_, line) < visibleItems_.size();
-         ++line) {
+    // Every line is rewritten whole: item lines where there are items, blank lines below them
+    // (a DisplayLine is padded with blank cells to the width), so no separate clear is needed.
+    unsigned line = 0;
+    for (; line < lines_ && sum(firstShown_, line) < visibleItems_.size(); ++line) {
         frontpanelhw::drawing::DisplayLine menuLine =
             visibleItems_[sum(firstShown_, line)]->getMenuText();
         addScrollbar(menuLine, line, firstShown_);
         screen_.setDisplayLine(line, menuLine);
+    }
+    for (; line < lines_; ++line) {
+        screen_.setDisplayLine(line, frontpanelhw::drawing::DisplayLine());
     }
     return provider_.draw(screen_);
 }

@@ -31,9 +31,9 @@ void DisplayBuffer::checkLine(unsigned line) const {
 DisplayLine DisplayBuffer::getLine(unsigned line) const {
     checkLine(line);
     DisplayLine result;
-    auto const first = cells_.begin() + static_cast<std::ptrdiff_t>(offsetOf(line));
-    std::for_each(first, first + chars_,
-                  [&result](DisplayChar const& cell) { result.addCharacter(cell); });
+    for (unsigned column = 0; column < chars_; ++column) {
+        result.addCharacter(cells_[offsetOf(line) + column]);
+    }
     return result;
 }
 
@@ -50,10 +50,10 @@ void DisplayBuffer::setDisplayLine(unsigned line, DisplayLine const& content) {
     if (line >= lines_) {
         return;
     }
-    for (unsigned column = 0; column < chars_; ++column) {
-        cells_[offsetOf(line) + column] =
-            column < content.size() ? content.getCharacter(column) : kBlank;
-    }
+    auto const target = cells_.begin() + static_cast<std::ptrdiff_t>(offsetOf(line));
+    unsigned const copied = std::min(content.size(), chars_);
+    std::copy_n(content.data(), copied, target);
+    std::fill(target + copied, target + chars_, kBlank);
 }
 
 void DisplayBuffer::setLineContent(unsigned line, unsigned column, std::u16string const& text) {

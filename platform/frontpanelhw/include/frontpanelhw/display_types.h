@@ -2,6 +2,7 @@
 
 #include <frontpanelhw/export.h>
 
+#include <array>
 #include <string>
 #include <vector>
 
@@ -19,14 +20,28 @@ FRONTPANELHW_EXPORT bool operator==(DisplayChar const& lhs, DisplayChar const& r
 FRONTPANELHW_EXPORT bool operator!=(DisplayChar const& lhs, DisplayChar const& rhs);
 
 /** A row of cells of any length; a copyable value. A line taken from a `DisplayBuffer` has the
- *  buffer's width, a line built by hand has as many cells as were added. */
+ *  buffer's width, a line built by hand has as many cells as were added. Lines of up to
+ *  `kInlineCells` cells keep their cells inside the object, so composing and copying the lines
+ *  of a panel never touches the heap; longer lines move to the heap. */
 class FRONTPANELHW_EXPORT DisplayLine {
 public:
+    /** Cells held without a heap allocation. */
+    static constexpr unsigned kInlineCells = 48;
+
     /** An empty line without cells. */
     DisplayLine() = default;
+    DisplayLine(DisplayLine const& other);
+    DisplayLine& operator=(DisplayLine const& other);
+    DisplayLine(DisplayLine&& other) noexcept;
+    DisplayLine& operator=(DisplayLine&& other) noexcept;
+    ~DisplayLine() = default;
 
     /** Appends one cell at the end. */
     void addCharacter(DisplayChar const& character);
+    /** Appends `count` cells showing `text[0..count)`, all with the inverted flag `inverted`. */
+    void appendText(char16_t const* text, unsigned count, bool inverted);
+    /** Appends `count` cells showing `character`, all with the inverted flag `inverted`. */
+    void appendFill(char16_t character, unsigned count, bool inverted);
     /** Replaces the cell at `index`. @throws std::out_of_range when index >= size(). */
     void setCharacter(unsigned index, DisplayChar const& character);
     /** Sets the inverted flag of the cells first..last (both included), clipped to the line;
@@ -40,9 +55,18 @@ public:
     unsigned size() const;
     /** The cell at `index`. @throws std::out_of_range when index >= size(). */
     DisplayChar const& getCharacter(unsigned index) const;
+    /** The cells, `size()` of them, for copying a line in one go. */
+    DisplayChar const* data() const;
 
 private:
-    std::vector<DisplayChar> cells_;
+    DisplayChar* cells();
+    void assign(DisplayChar const* cells, unsigned count);
+    /** Makes room for `count` more cells and returns where they go; size() grows by `count`. */
+    DisplayChar* grow(unsigned count);
+
+    unsigned size_ = 0;
+    std::array<DisplayChar, kInlineCells> inline_{};
+    std::vector<DisplayChar> heap_;  // holds the cells once the line outgrows inline_
 };
 
 /** The image of a whole panel: `getLineCount()` lines of exactly `getChars()` cells each; a

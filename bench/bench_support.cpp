@@ -1,0 +1,56 @@
+#include "bench_support.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <fstream>
+#include <new>
+#include <string>
+
+#include <unistd.h>
+
+namespace {
+std::atomic<std::size_t> allocations{0};
+}  // namespace
+
+// Counting allocator for the whole benchmark binary: every heap allocation passes through here.
+void* operator new(std::size_t size) {
+    allocations.fetch_add(1, std::memory_order_relaxed);
+    if (void* memory = std::malloc(size == 0 ? 1 : size)) {
+        return memory;
+    }
+    throw std::bad_alloc();
+}
+
+void operator delete(void* memory) noexcept { std::free(memory); }
+
+void operator delete(void* memory, std::size_t /*size*/) noexcept { std::free(memory); }
+
+namespace yxfp_bench {
+
+std::size_t allocationCount() { return allocations.load(std::memory_order_relaxed); }
+
+std::size_t residentBytes() {
+    std::ifstream statm("/proc/self/statm");
+    std::size_t pages = 0;
+    std::size_t resident = 0;
+    statm >> pages >> resident;
+    return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+}
+
+void reportAllocations(benchmark::State& state, std::size_t startCount) {
+    state.counters["allocs"] = benchmark::Counter(
+        static_cast<double>(allocationCount() - startCount), benchmark::Counter::kAvgIterations);
+}
+
+std::unique_ptr<yxfrontpanel::IMenuTree> plainMenu(yxfrontpanel::IDrawingProvider const& provider,
+                                                   std::size_t count) {
+    auto menu = yxfrontpanel::MenuTreeFactory().create(provider);
+    for (std::size_t index = 1; index <= count; ++index) {
+        menu->addItem(std::make_shared<PlainItem>(
+            u"Item " + std::u16string(std::to_string(index).begin(), std::to_string(index).end())));
+    }
+    menu->setFocus(true);
+    return menu;
+}
+
+}  // namespace yxfp_bench

@@ -1,0 +1,59 @@
+// Presses keys a given number of times, for counting instructions per press with callgrind:
+// the difference between two run lengths cancels the set-up cost.
+//   instructions_probe menu|value-editor PRESSES [ITEMS]
+// Also measures the resident memory of a menu in a fresh process, where no freed memory of
+// earlier work hides the growth:
+//   instructions_probe memory ITEMS
+#include <cstdlib>
+#include <iostream>
+#include <string>
+
+#include "bench_support.h"
+
+int main(int argc, char** argv) {
+    if (argc < 3) {
+        std::cerr << "usage: instructions_probe menu|value-editor PRESSES [ITEMS]\n"
+                     "       instructions_probe memory ITEMS\n";
+        return 2;
+    }
+    if (std::string(argv[1]) == "memory") {
+        long const items = std::atol(argv[2]);
+        yxfp_bench::DiscardingProvider const provider(20, 4);
+        std::size_t const before = yxfp_bench::residentBytes();
+        auto menu = yxfp_bench::plainMenu(provider, static_cast<std::size_t>(items));
+        std::size_t const after = yxfp_bench::residentBytes();
+        std::cout << "resident bytes per item: "
+                  << static_cast<double>(after - before) / static_cast<double>(items) << '\n';
+        return 0;
+    }
+    std::string const what = argv[1];
+    long const presses = std::atol(argv[2]);
+    long const items = argc > 3 ? std::atol(argv[3]) : 1000;
+    yxfp_bench::DiscardingProvider const provider(20, 4);
+    if (what == "menu") {
+        auto menu = yxfp_bench::plainMenu(provider, static_cast<std::size_t>(items));
+        // Down and up in turn: every press moves the cursor and redraws the whole panel.
+        for (long press = 0; press < presses; ++press) {
+            if (press % 2 == 0) {
+                menu->moveDown();
+            } else {
+                menu->moveUp();
+            }
+        }
+        return 0;
+    }
+    if (what == "value-editor") {
+        yxfrontpanel::ValueEditor editor(provider, u"Voltage", 0.0, 30.0);
+        editor.setPrecision(2);
+        editor.setUnit(u"V");
+        editor.setValue(12.5);
+        editor.setFocus(true);
+        editor.setEditorMode(true);
+        for (long press = 0; press < presses; ++press) {
+            editor.changeValue(press % 2 == 0 ? 1 : -1);
+        }
+        return 0;
+    }
+    std::cerr << "instructions_probe: unknown probe '" << what << "'\n";
+    return 2;
+}
