@@ -1,0 +1,327 @@
+#include <yxfrontpanel/yxfrontpanel.h>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "editor_screen.h"
+#include "item_screens.h"
+#include "menu_keys.h"
+#include "recording_provider.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using yxfp_test::caretLine;
+using yxfp_test::centred;
+using yxfp_test::HintWatch;
+using yxfp_test::Key;
+using yxfp_test::padded;
+using yxfp_test::press;
+using yxfp_test::RecordingProvider;
+using yxfp_test::Screen;
+using yxfrontpanel::CallbackValue;
+using yxfrontpanel::InlineEditorMenuItem;
+using yxfrontpanel::IpAddressEditorMenuItem;
+using yxfrontpanel::IpMaskEditor;
+using yxfrontpanel::RadioMenuItem;
+using yxfrontpanel::RadioTreeMenuItem;
+using yxfrontpanel::TreeMenuItem;
+using yxfrontpanel::ValueEditorMenuItem;
+namespace itemconnector = yxfrontpanel::itemconnector;
+
+constexpr unsigned kChars = 21;
+constexpr unsigned kLines = 4;
+constexpr char16_t kUp = 0x1E;
+constexpr char16_t kDown = 0x1F;
+constexpr int kNoCursor = -1;
+
+// The instrument's side: its values and what it heard from the panel.
+struct Instrument {
+    CallbackValue<double> voltage;
+    CallbackValue<double> voltageMin;
+    CallbackValue<double> voltageMax;
+    CallbackValue<double> current;
+    CallbackValue<double> currentMin;
+    CallbackValue<double> currentMax;
+    std::function<void(bool)> voltageVisible;
+    std::function<void(bool)> voltageEditable;
+    std::function<void(bool)> currentEditable;
+    std::function<void(int)> showMode;
+    std::vector<std::string> events;
+
+    void record(std::string const& name, double value) {
+        std::ostringstream text;
+        text << name << ' ' << value;
+        events.push_back(text.str());
+    }
+};
+
+// A menu line: an item text in the 20 item cells plus the scrollbar cell.
+std::u16string item(std::u16string const& text, char16_t scrollbar = u' ') {
+    return padded(text, kChars - 1) + scrollbar;
+}
+
+// An editor screen: the framed headline, the value, the caret line (none: read-only), a blank.
+Screen editor(std::u16string const& headline, std::u16string const& value, int caret) {
+    return {centred(u">> " + headline + u" <<", kChars), centred(value, kChars),
+            caret == kNoCursor ? padded(u"", kChars) : caretLine(caret, kChars),
+            padded(u"", kChars)};
+}
+
+// Compares the whole panel: every line's text, and that exactly line `cursor` is inverted (the
+// item cells of a menu line; nothing at all on an editor screen).
+void expectPanel(RecordingProvider const& provider, Screen const& expected, int cursor) {
+    EXPECT_EQ(provider.screen(), expected);
+    for (unsigned line = 0; line < kLines; ++line) {
+        std::string const mask = static_cast<int>(line) == cursor
+                                     ? std::string(kChars - 1, '#') + "."
+                                     : std::string(kChars, '.');
+        EXPECT_EQ(provider.inversion(line), mask) << "line " << line;
+    }
+}
+
+// A complete settings menu built the way the instrument's firmware builds it, walked through by
+// a scripted sequence of keys, with the whole panel checked after every step.
+TEST(SettingsMenuTest, ScriptedKeyWalkThroughTheWholeMenu) {
+    RecordingProvider provider(kChars, kLines);
+    Instrument instrument;
+    std::unique_ptr<yxfrontpanel::IMenuTree> root =
+        yxfrontpanel::MenuTreeFactory().create(provider);
+
+    // Network: the address and the mask.
+    auto const network = std::make_shared<TreeMenuItem>(provider, u"Network");
+    auto const address = std::make_shared<IpAddressEditorMenuItem>(provider, u"IP address");
+    address->setValue("192.168.1.20");
+    address->connectEditor(
+        [&](std::string const& text) { instrument.events.push_back("address " + text); });
+    auto const mask = std::make_shared<IpMaskEditor>(provider, u"Netmask");
+    mask->setValue(24);
+    mask->valueCallback = [&](int bits) { instrument.record("mask", bits); };
+    network->addItem(address);
+    network->addItem(mask);
+
+    // Output: two numbers bound to the instrument's values, and the regulation mode.
+    auto const output = std::make_shared<TreeMenuItem>(provider, u"Output");
+    auto const voltage = std::make_shared<ValueEditorMenuItem>(provider, u"Voltage", 0.0, 1.0);
+    voltage->setPrecision(2);
+    voltage->setUnit(u"V");
+    instrument.voltageMax.set(30.0);
+    instrument.voltage.set(12.0);
+    itemconnector::valueEditor(
+        instrument.voltage, instrument.voltageMin, instrument.voltageMax,
+        [&](double value) {
+            instrument.record("voltage", value);
+            instrument.voltage.set(value);
+        },
+        *voltage, instrument.voltageVisible, instrument.voltageEditable);
+    auto const current = std::make_shared<ValueEditorMenuItem>(provider, u"Current", 0.0, 1.0);
+    current->setPrecision(3);
+    current->setUnit(u"A");
+    instrument.currentMax.set(5.0);
+    instrument.current.set(1.5);
+    // The current's visibility never changes: its setter goes to the default sink.
+    itemconnector::valueEditor(
+        instrument.current, instrument.currentMin, instrument.currentMax,
+        [&](double value) {
+            instrument.record("current", value);
+            instrument.current.set(value);
+        },
+        *current, itemconnector::voidBoolDefault, instrument.currentEditable);
+    auto const mode = std::make_shared<InlineEditorMenuItem>(u"Mode");
+    mode->addValue(0, u"CV");
+    mode->addValue(1, u"CC");
+    mode->addValue(2, u"CP");
+    mode->valueCallback = [&](int key) { instrument.record("mode", key); };
+    instrument.showMode = itemconnector::inlineEditor(*mode);
+    output->addItem(voltage);
+    output->addItem(current);
+    output->addItem(mode);
+
+    // Range: a radio group.
+    auto const range = std::make_shared<RadioTreeMenuItem>(provider, u"Range");
+    range->addItem(std::make_shared<RadioMenuItem>(u"Low", 1));
+    range->addItem(std::make_shared<RadioMenuItem>(u"High", 2));
+    range->addItem(std::make_shared<RadioMenuItem>(u"Auto", 3));
+    range->valueCallback = [&](int id) { instrument.record("range", id); };
+
+    root->addItem(network);
+    root->addItem(output);
+    root->addItem(range);
+    root->setLocal(true);
+    root->setFocus(true);
+
+    Screen const rootScreen{item(u"Network"), item(u"Output"), item(u"Range"), item(u"")};
+    Screen const networkScreen{item(u"IP address"), item(u"Netmask"), item(u""), item(u"")};
+    auto const outputScreen = [](std::u16string const& modeText) {
+        return Screen{item(u"Voltage"), item(u"Current"), item(u"Mode: " + modeText), item(u"")};
+    };
+
+    {
+        SCOPED_TRACE("start");
+        expectPanel(provider, rootScreen, 0);
+    }
+    {
+        SCOPED_TRACE("network: edit the address");
+        press(*root, Key::Enter);
+        expectPanel(provider, networkScreen, 0);
+        press(*root, Key::Enter);
+        expectPanel(provider, editor(u"IP address", u"192.168.  1. 20", 3), kNoCursor);
+        press(*root, Key::Left);
+        expectPanel(provider, editor(u"IP address", u"192.168.  1. 20", 17), kNoCursor);
+        press(*root, Key::Left);
+        expectPanel(provider, editor(u"IP address", u"192.168.  1. 20", 16), kNoCursor);
+        press(*root, Key::Up);
+        expectPanel(provider, editor(u"IP address", u"192.168.  1. 30", 16), kNoCursor);
+        press(*root, Key::Enter);
+        expectPanel(provider, networkScreen, 0);
+    }
+    {
+        SCOPED_TRACE("network: choose the mask");
+        press(*root, Key::Down);
+        expectPanel(provider, networkScreen, 1);
+        press(*root, Key::Enter);
+        expectPanel(provider,
+                    {item(u" 0.0.0.0 | /0"), item(u" 240.0.0.0 | /4"), item(u" 255.0.0.0 | /8"),
+                     item(u" 255.240.0.0 | /12", kDown)},
+                    0);
+        for (int i = 0; i < 12; ++i) {
+            press(*root, Key::Down);
+        }
+        expectPanel(provider,
+                    {item(u" 255.255.248.0 | /21", kUp), item(u" 255.255.252.0 | /22"),
+                     item(u" 255.255.254.0 | /23"), item(u">255.255.255.0 | /24", kDown)},
+                    3);
+        press(*root, Key::Down);
+        expectPanel(provider,
+                    {item(u" 255.255.252.0 | /22", kUp), item(u" 255.255.254.0 | /23"),
+                     item(u">255.255.255.0 | /24"), item(u" 255.255.255.128 | /", kDown)},
+                    3);
+        press(*root, Key::Enter);
+        expectPanel(provider,
+                    {item(u" 255.255.252.0 | /22", kUp), item(u" 255.255.254.0 | /23"),
+                     item(u" 255.255.255.0 | /24"), item(u">255.255.255.128 | /", kDown)},
+                    3);
+        press(*root, Key::Back);
+        expectPanel(provider, networkScreen, 1);
+        press(*root, Key::Back);
+        expectPanel(provider, rootScreen, 0);
+    }
+    {
+        SCOPED_TRACE("output: edit the voltage");
+        press(*root, Key::Down);
+        expectPanel(provider, rootScreen, 1);
+        press(*root, Key::Enter);
+        expectPanel(provider, outputScreen(u"CV"), 0);
+        press(*root, Key::Enter);
+        expectPanel(provider, editor(u"Voltage", u"12.00 V", 7), kNoCursor);
+        press(*root, Key::Right);
+        expectPanel(provider, editor(u"Voltage", u"12.00 V", 8), kNoCursor);
+        press(*root, Key::Up);
+        expectPanel(provider, editor(u"Voltage", u"13.00 V", 8), kNoCursor);
+        press(*root, Key::Right);
+        expectPanel(provider, editor(u"Voltage", u"13.00 V", 10), kNoCursor);
+        press(*root, Key::Up);
+        expectPanel(provider, editor(u"Voltage", u"13.10 V", 10), kNoCursor);
+        press(*root, Key::Enter);
+        expectPanel(provider, outputScreen(u"CV"), 0);
+        EXPECT_EQ(instrument.voltage.get(), 13.1);
+    }
+    {
+        SCOPED_TRACE("output: the instrument publishes a new voltage");
+        instrument.voltage.set(9.5);
+        expectPanel(provider, outputScreen(u"CV"), 0);
+        press(*root, Key::Enter);
+        expectPanel(provider, editor(u"Voltage", u"09.50 V", 7), kNoCursor);
+        press(*root, Key::Back);
+        expectPanel(provider, outputScreen(u"CV"), 0);
+    }
+    {
+        SCOPED_TRACE("output: an edit of the current left by the back key");
+        press(*root, Key::Down);
+        expectPanel(provider, outputScreen(u"CV"), 1);
+        press(*root, Key::Enter);
+        expectPanel(provider, editor(u"Current", u"1.500 A", 7), kNoCursor);
+        press(*root, Key::Down);
+        expectPanel(provider, editor(u"Current", u"0.500 A", 7), kNoCursor);
+        press(*root, Key::Back);
+        expectPanel(provider, outputScreen(u"CV"), 1);
+        EXPECT_EQ(instrument.current.get(), 1.5);
+    }
+    {
+        SCOPED_TRACE("output: the instrument locks the current");
+        instrument.currentEditable(false);
+        press(*root, Key::Enter);
+        expectPanel(provider, editor(u"Current", u"1.500 A", kNoCursor), kNoCursor);
+        press(*root, Key::Up);
+        expectPanel(provider, editor(u"Current", u"1.500 A", kNoCursor), kNoCursor);
+        press(*root, Key::Enter);
+        expectPanel(provider, outputScreen(u"CV"), 1);
+    }
+    {
+        SCOPED_TRACE("output: step the mode in place");
+        press(*root, Key::Down);
+        expectPanel(provider, outputScreen(u"CV"), 2);
+        press(*root, Key::Enter);
+        expectPanel(provider, outputScreen(u"CC"), 2);
+        press(*root, Key::Enter);
+        expectPanel(provider, outputScreen(u"CP"), 2);
+        instrument.showMode(0);
+        expectPanel(provider, outputScreen(u"CV"), 2);
+    }
+    {
+        SCOPED_TRACE("output: the instrument hides and shows the voltage");
+        instrument.voltageVisible(false);
+        expectPanel(provider, {item(u"Current"), item(u"Mode: CV"), item(u""), item(u"")}, 0);
+        instrument.voltageVisible(true);
+        expectPanel(provider, outputScreen(u"CV"), 0);
+        press(*root, {Key::Down, Key::Down});
+        expectPanel(provider, outputScreen(u"CV"), 2);
+    }
+    {
+        SCOPED_TRACE("output: the panel is no longer local");
+        root->setLocal(false);
+        HintWatch hints(provider);
+        press(*root, Key::Enter);
+        EXPECT_EQ(hints.sleeps(), (std::vector<std::chrono::nanoseconds>{1000ms}));
+        ASSERT_EQ(hints.screens().size(), 1U);
+        EXPECT_EQ(hints.screens()[0], (Screen{item(u"Voltage"), item(u"Current"),
+                                              item(u"Only in local mode!"), item(u"")}));
+        expectPanel(provider, outputScreen(u"CV"), 2);
+        root->setLocal(true);
+        press(*root, Key::Back);
+        expectPanel(provider, rootScreen, 1);
+    }
+    {
+        SCOPED_TRACE("range: choose High");
+        press(*root, Key::Down);
+        expectPanel(provider, rootScreen, 2);
+        press(*root, Key::Enter);
+        expectPanel(provider, {item(u">Low"), item(u" High"), item(u" Auto"), item(u"")}, 0);
+        press(*root, Key::Down);
+        expectPanel(provider, {item(u">Low"), item(u" High"), item(u" Auto"), item(u"")}, 1);
+        press(*root, Key::Enter);
+        expectPanel(provider, {item(u" Low"), item(u">High"), item(u" Auto"), item(u"")}, 1);
+        press(*root, Key::Back);
+        expectPanel(provider, rootScreen, 2);
+        EXPECT_TRUE(press(*root, Key::Back));
+        expectPanel(provider, rootScreen, 2);
+    }
+
+    EXPECT_EQ(instrument.events,
+              (std::vector<std::string>{"address 192.168.1.30", "mask 25", "voltage 13.1", "mode 1",
+                                        "mode 2", "range 2"}));
+    EXPECT_EQ(instrument.voltage.get(), 9.5);
+    EXPECT_EQ(instrument.voltageMax.get(), 30.0);
+    EXPECT_EQ(instrument.current.get(), 1.5);
+
+    // The instrument drops the setters bound to the items before they go.
+    itemconnector::voidBoolDefault = [](bool) {};
+}
+
+}  // namespace
