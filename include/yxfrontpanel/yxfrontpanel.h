@@ -27,9 +27,14 @@
 #include <yxfrontpanel/menu_tree.h>
 #include <yxfrontpanel/progress_bar.h>
 #include <yxfrontpanel/radio_menu_item.h>
+#include <yxfrontpanel/scroll_label_menu_item.h>
 #include <yxfrontpanel/scrollable_label.h>
+#include <yxfrontpanel/slider.h>
+#include <yxfrontpanel/slider_menu_item.h>
 #include <yxfrontpanel/string_helper.h>
 #include <yxfrontpanel/text_constants.h>
 #include <yxfrontpanel/tree_menu_item.h>
+#include <yxfrontpanel/trigger_menu_item.h>
+#include <yxfrontpanel/user_dialog.h>
 #include <yxfrontpanel/value_editor.h>
 #include <yxfrontpanel/value_editor_menu_item.h>

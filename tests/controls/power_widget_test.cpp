@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "recording_provider.h"
+
 namespace {
 
 using yxfrontpanel::PowerWidget;
@@ -49,6 +51,27 @@ TEST(PowerWidgetTest, SetMaxShowsOnlyFromTheNextSetValue) {
 TEST(PowerWidgetTest, OverlongReadingIsDroppedByTheRightAlignedLabel) {
     PowerWidget widget(Point{0, 0}, 4, 3, 0, 4, u'P', u"toolong");
     EXPECT_EQ(widget.getText(), u"P" + bar(0, 4) + u"   ");
+}
+
+TEST(PowerWidgetTest, BarFollowsItsOwnRangeAndClamps) {
+    PowerWidget widget(Point{0, 0}, 10, 4, 10, 20, u'P', u"");
+    widget.setValue(15, u"15");
+    EXPECT_EQ(widget.getText(), u"P" + bar(5, 10) + u"  15");
+    widget.setValue(99, u"99");
+    EXPECT_EQ(widget.getBar().getValue(), 20);
+    EXPECT_EQ(widget.getText(), u"P" + bar(10, 10) + u"  99");
+}
+
+TEST(PowerWidgetTest, ShowsItsComposedLineOnAForm) {
+    yxfp_test::RecordingProvider provider(20, 4);
+    yxfrontpanel::Form form(provider);
+    PowerWidget widget(Point{2, 1}, 8, 6, 0, 8, u'P', u"1 W");
+    form.addControl(&widget);
+    form.setFocus(true);
+    EXPECT_EQ(provider.line(1), u"  P" + bar(0, 8) + u"   1 W   ");
+    widget.setValue(8, u"8 W");
+    EXPECT_EQ(provider.line(1), u"  P" + bar(8, 8) + u"   8 W   ");
+    EXPECT_EQ(provider.drawCount(), 2U);
 }
 
 }  // namespace

@@ -120,4 +120,43 @@ TEST(ProgressBarTest, ExtremeRangesNeitherOverflowNorCrash) {
     EXPECT_EQ(bottom.getMax(), lowest + 1);
 }
 
+TEST(ProgressBarTest, ConstructionDoesNotRedrawForTheUnclampedValue) {
+    ProgressBar progress(Point{0, 0}, 10, 150, 300);
+    // The text was last drawn while the value sat at the minimum 99; setting the value to 150
+    // afterwards draws nothing, so only createBar() knows the new fill.
+    EXPECT_EQ(progress.getText(), bar(0, 10));
+    EXPECT_EQ(progress.createBar(), bar(2, 10)) << "51 of 201 on ten cells";
+}
+
+TEST(ProgressBarTest, ValueLeftAboveTheMaximumByConstructionFillsTheWholeBar) {
+    ProgressBar progress(Point{0, 0}, 10, 150, 50);  // range 99..100, value 150
+    EXPECT_EQ(progress.getMin(), 99);
+    EXPECT_EQ(progress.getMax(), 100);
+    EXPECT_EQ(progress.getValue(), 150);
+    EXPECT_EQ(progress.createBar(), bar(10, 10));
+}
+
+TEST(ProgressBarTest, RangeChangesRedrawOnlyWhenTheyChangeSomething) {
+    ProgressBar progress(Point{0, 0}, 10, 0, 100);
+    yxfp_test::ParentProbe parent;
+    parent.attach(progress);
+    progress.setValue(50);
+    int const draws = parent.draws;
+    EXPECT_FALSE(progress.setMin(0));
+    EXPECT_FALSE(progress.setMax(100));
+    EXPECT_EQ(parent.draws, draws);
+    EXPECT_TRUE(progress.setMax(200));
+    EXPECT_EQ(parent.draws, draws + 1);
+    EXPECT_EQ(progress.getText(), bar(2, 10));
+    EXPECT_TRUE(progress.setMin(-200));
+    EXPECT_EQ(parent.draws, draws + 2);
+    EXPECT_EQ(progress.getText(), bar(6, 10));
+}
+
+TEST(ProgressBarTest, FillCountIsTruncatedNotRounded) {
+    ProgressBar progress(Point{0, 0}, 3, 0, 10);
+    progress.setValue(6);  // 1.8 cells
+    EXPECT_EQ(progress.createBar(), bar(1, 3));
+}
+
 }  // namespace

@@ -210,4 +210,41 @@ TEST(ScrollableLabelAddScrollbarTest, PadsAShortLineBeforeWritingTheIndicator) {
     EXPECT_EQ(line.getString(), u"ab   ");
 }
 
+TEST_F(ScrollableLabelTest, GainingTheFocusAgainRedraws) {
+    view_.setFocus(true);
+    view_.setText(u"text", TextAllignment::Left);
+    view_.setFocus(true);
+    EXPECT_EQ(provider_.drawCount(), 2U);
+}
+
+TEST(ScrollableLabelPanelTest, TwentyOneColumnsWrapAtTwenty) {
+    RecordingProvider provider(21, 4);
+    ScrollableLabel view(provider);
+    view.setFocus(true);
+    view.setText(u"aaaa bbbb cccc ddddd eeee", TextAllignment::Left);
+    EXPECT_EQ(view.getLines(), (std::vector<std::u16string>{u"aaaa bbbb cccc ddddd", u"eeee"}));
+    EXPECT_EQ(provider.line(0), u"aaaa bbbb cccc ddddd ");
+}
+
+TEST(ScrollableLabelPanelTest, PanelWithoutLinesNeverDraws) {
+    RecordingProvider provider(20, 0);
+    ScrollableLabel view(provider);
+    view.setFocus(true);
+    view.setText(u"a\nb", TextAllignment::Left);
+    view.moveDown();  // no line is visible, so every text line counts as hidden below
+    EXPECT_EQ(view.getFirstLine(), 1U);
+    view.moveUp();
+    EXPECT_EQ(provider.drawCount(), 0U);
+}
+
+TEST(ScrollableLabelPanelTest, PanelWithoutColumnsKeepsTheIndicatorColumn) {
+    RecordingProvider provider(0, 2);
+    ScrollableLabel view(provider);
+    view.setFocus(true);
+    view.setText(u"a b\nc", TextAllignment::Left);
+    ASSERT_EQ(provider.drawCount(), 1U);
+    EXPECT_EQ(provider.lastFrame().getChars(), 1U);
+    EXPECT_EQ(provider.screen(), (std::vector<std::u16string>{u" ", std::u16string(1, kDown)}));
+}
+
 }  // namespace

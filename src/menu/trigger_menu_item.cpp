@@ -1,0 +1,79 @@
+#include <yxfrontpanel/text_constants.h>
+#include <yxfrontpanel/trigger_menu_item.h>
+#include <yxfrontpanel/user_dialog.h>
+
+namespace yxfrontpanel {
+
+namespace {
+constexpr char16_t kSuccessMark = 0x00FB;
+}  // namespace
+
+TriggerMenuItem::TriggerMenuItem(std::u16string const& text, std::chrono::milliseconds hintDuration)
+    : MenuItem(text), hintDuration_(hintDuration) {}
+
+TriggerMenuItem::~TriggerMenuItem() {
+    // Nothing may reach the dialog through the base's form pointer once it is gone.
+    setForm(nullptr);
+    dialog_.reset();
+}
+
+bool TriggerMenuItem::enter() {
+    // An item without an action stays silent, even outside local mode.
+    if (!action) {
+        return false;
+    }
+    if (!local_.load()) {
+        std::u16string const name = getText();
+        showHint(kOnlyInLocalModeText, name, hintDuration_);
+        return false;
+    }
+    if (dialog()) {
+        return true;  // the action waits for the confirmation
+    }
+    if (!getAvailable()) {
+        return false;
+    }
+    if (!action()) {
+        return false;
+    }
+    std::u16string const name = getText();
+    showHint(name + u' ' + kSuccessMark, name, hintDuration_);
+    return false;
+}
+
+void TriggerMenuItem::setLocal(bool local) { local_.store(local); }
+
+bool TriggerMenuItem::left() { return false; }
+
+bool TriggerMenuItem::right() { return false; }
+
+bool TriggerMenuItem::up() { return false; }
+
+bool TriggerMenuItem::down() { return false; }
+
+void TriggerMenuItem::enableUserDialog(IDrawingProvider const& provider,
+                                       std::string const& firstLine, std::string const& secondLine,
+                                       std::string const& okText) {
+    auto fresh = std::make_unique<UserDialog>(provider, firstLine, secondLine, okText);
+    dialog_ = std::move(fresh);  // destroys the earlier dialog
+    setForm(dialog_.get());
+}
+
+bool TriggerMenuItem::dialog() {
+    if (!dialog_) {
+        return false;
+    }
+    if (!MenuItem::getFocus()) {
+        // True even when an unavailable item refuses to open: the action waits all the same.
+        MenuItem::enter();
+        return true;
+    }
+    MenuItem::exit();
+    return false;
+}
+
+UserDialog* TriggerMenuItem::getDialog() const { return dialog_.get(); }
+
+bool TriggerMenuItem::getLocal() const { return local_.load(); }
+
+}  // namespace yxfrontpanel
