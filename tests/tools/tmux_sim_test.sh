@@ -1,6 +1,7 @@
 #!/bin/sh
 # Starts frontpanel-sim inside tmux, presses real keys with send-keys and checks the captured
-# screen: the menu, moving the cursor, opening and closing a sub-menu, local/remote and quit.
+# screen: the menu, the cursor in reverse video, a sub-menu, the IP editor, back by Escape,
+# local/remote and quit.
 set -eu
 sim=$1
 session="yxfp-sim-$$"
@@ -30,11 +31,29 @@ expect "LOCAL"
 expect "Network"
 tmux send-keys -t "$session" Down
 expect "┌"
+# The selected line is shown in reverse video: ESC [7m right before its text.
+tries=0
+while ! tmux capture-pane -p -e -t "$session" | grep -q "$(printf '\033')\[7mNetwork"; do
+    tries=$((tries + 1))
+    if [ $tries -gt 100 ]; then
+        echo "FAILED: the cursor line 'Network' is not in reverse video:"
+        tmux capture-pane -p -e -t "$session" | cat -v
+        exit 1
+    fi
+    sleep 0.1
+done
 tmux send-keys -t "$session" Enter
 expect "DHCP: Off"
 expect "IP address"
-tmux send-keys -t "$session" BSpace
-expect "Display"
+tmux send-keys -t "$session" Down Enter
+expect ">> IP address <<"
+expect "192.168.  1.100"
+tmux send-keys -t "$session" Up
+expect "255.168.  1.100"
+tmux send-keys -t "$session" Enter
+expect "DHCP: Off"
+tmux send-keys -t "$session" Escape
+expect "System"
 tmux send-keys -t "$session" l
 expect "REMOTE"
 tmux send-keys -t "$session" q

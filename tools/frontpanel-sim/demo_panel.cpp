@@ -13,7 +13,8 @@ constexpr double kDefaultVolts = 5.0;
 constexpr double kMaxVolts = 30.0;
 constexpr double kDefaultAmps = 0.5;
 constexpr double kMaxAmps = 5.0;
-constexpr double kLoadOhms = 10.0;  // the simulated load on the output
+constexpr double kLoadOhms = 10.0;    // the simulated load on the output
+constexpr double kRatedWatts = 20.0;  // full scale of the status screen's power bar
 constexpr int kOff = 0;
 constexpr int kOn = 1;
 
@@ -64,7 +65,7 @@ void DemoPanel::buildOutputMenu() {
         voltageVisible_, voltageEditable_);
 
     auto current =
-        add<yxfrontpanel::ValueEditorMenuItem>(*menu, provider_, u"Current limit", 0.0, kMaxAmps);
+        add<yxfrontpanel::ValueEditorMenuItem>(*menu, provider_, u"Current", 0.0, kMaxAmps);
     current->setPrecision(3);
     current->setUnit(u"A");
     yxfrontpanel::itemconnector::valueEditor(
@@ -80,7 +81,7 @@ void DemoPanel::buildOutputMenu() {
     measured_ = add<yxfrontpanel::ReadOnlyMenuItem>(*menu, provider_, u"Measured");
     measured_->setValue(0.0, 3);
     status_ = add<StatusMenuItem>(*menu, provider_, u"Status");
-    status_->form().show(0.0, 0.0, kMaxVolts * kMaxAmps);
+    status_->form().show(0.0, 0.0, kRatedWatts);
 }
 
 void DemoPanel::buildNetworkMenu() {
@@ -141,7 +142,9 @@ void DemoPanel::buildSystemMenu() {
     save->action = [] { return true; };
 
     auto reset = add<yxfrontpanel::TriggerMenuItem>(*menu, u"Reset defaults", 1000ms);
-    reset->enableUserDialog(provider_, "Reset settings", "to defaults?", "Reset");
+    // The confirm hint is as wide as half the panel and starts right of its middle, so on an
+    // even-width panel its last column falls off the edge: a trailing blank keeps "Yes" whole.
+    reset->enableUserDialog(provider_, "Reset settings", "to defaults?", "Yes ");
     reset->action = [this] {
         resetToDefaults();
         return true;
@@ -205,7 +208,7 @@ void DemoPanel::tick() {
     double const volts = outputOn_ ? std::max(0.0, voltage_.get() + ripple) : 0.0;
     double const amps = outputOn_ ? std::min(current_.get(), volts / kLoadOhms) : 0.0;
     measured_->setValue(volts, 3);
-    status_->form().show(volts, amps, kMaxVolts * kMaxAmps);
+    status_->form().show(volts, amps, kRatedWatts);
 }
 
 yxfrontpanel::IMenuTree& DemoPanel::root() { return *root_; }

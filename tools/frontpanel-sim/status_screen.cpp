@@ -50,7 +50,7 @@ void StatusForm::show(double volts, double amps, double maxWatts) {
     bool const focused = getFocus();
     Form::setFocus(false);
     power_.setValue(percent, yxfrontpanel::stringhelper::toU16(fixed(watts, 1) + " W"));
-    readings_.setText(fixed(volts, 2) + " V  " + fixed(amps, 3) + " A");
+    readings_.setText(fixed(volts, 3) + " V " + fixed(amps, 3) + " A");
     Form::setFocus(focused);
 }
 
