@@ -1,0 +1,19 @@
+# One test per scripted walk in this folder: tests/golden/NAME.keys against NAME.expected.
+if(TARGET frontpanel-sim)
+    file(GLOB golden_scripts CONFIGURE_DEPENDS ${CMAKE_CURRENT_LIST_DIR}/*.keys)
+    foreach(script IN LISTS golden_scripts)
+        get_filename_component(name ${script} NAME_WE)
+        add_test(NAME golden.${name}
+            COMMAND ${CMAKE_COMMAND} -DSIM=$<TARGET_FILE:frontpanel-sim> -DKEYS=${script}
+                -DEXPECTED=${CMAKE_CURRENT_LIST_DIR}/${name}.expected
+                -P ${CMAKE_CURRENT_LIST_DIR}/run_golden.cmake)
+    endforeach()
+
+    # The real program in a real terminal: tmux runs it, sends keys, reads the screen.
+    find_program(YXFP_TMUX tmux)
+    if(YXFP_TMUX)
+        add_test(NAME simulator.tmux
+            COMMAND sh ${CMAKE_CURRENT_LIST_DIR}/../tools/tmux_sim_test.sh
+                $<TARGET_FILE:frontpanel-sim>)
+    endif()
+endif()

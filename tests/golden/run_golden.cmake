@@ -1,0 +1,36 @@
+# Runs one scripted walk of frontpanel-sim and compares the printed frames with the checked-in
+# expectation. Variables: SIM (the program), KEYS (the .keys file), EXPECTED (the .expected
+# file). A line "# options: ..." in the key script adds command-line options (e.g. --size 16x2).
+# With the environment variable YXFP_UPDATE_GOLDEN=1 the expectation is rewritten instead.
+file(STRINGS ${KEYS} option_lines REGEX "^# options:")
+set(options "")
+foreach(line IN LISTS option_lines)
+    string(REGEX REPLACE "^# options:[ ]*" "" line "${line}")
+    separate_arguments(line_options UNIX_COMMAND "${line}")
+    list(APPEND options ${line_options})
+endforeach()
+
+execute_process(
+    COMMAND ${SIM} --keys-file ${KEYS} --print all ${options}
+    OUTPUT_VARIABLE actual
+    ERROR_VARIABLE errors
+    RESULT_VARIABLE status)
+if(NOT status EQUAL 0)
+    message(FATAL_ERROR "frontpanel-sim failed (${status}): ${errors}")
+endif()
+
+if("$ENV{YXFP_UPDATE_GOLDEN}" STREQUAL "1")
+    file(WRITE ${EXPECTED} "${actual}")
+    message(STATUS "rewrote ${EXPECTED}")
+    return()
+endif()
+
+file(READ ${EXPECTED} expected)
+if(NOT actual STREQUAL expected)
+    get_filename_component(name ${KEYS} NAME_WE)
+    set(actual_file ${CMAKE_CURRENT_BINARY_DIR}/${name}.actual)
+    file(WRITE ${actual_file} "${actual}")
+    execute_process(COMMAND diff -u ${EXPECTED} ${actual_file})
+    message(FATAL_ERROR "the frames differ from ${EXPECTED} (actual output in ${actual_file}; "
+                        "YXFP_UPDATE_GOLDEN=1 ctest -R golden rewrites the expectations)")
+endif()

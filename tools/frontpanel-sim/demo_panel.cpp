@@ -1,0 +1,216 @@
+#include "demo_panel.h"
+
+#include <chrono>
+
+namespace frontpanelsim {
+
+namespace {
+
+using namespace std::chrono_literals;
+using yxfrontpanel::drawing::TextAllignment;
+
+constexpr double kDefaultVolts = 5.0;
+constexpr double kMaxVolts = 30.0;
+constexpr double kDefaultAmps = 0.5;
+constexpr double kMaxAmps = 5.0;
+constexpr double kLoadOhms = 10.0;    // the simulated load on the output
+constexpr double kRatedWatts = 20.0;  // full scale of the status screen's power bar
+constexpr int kOff = 0;
+constexpr int kOn = 1;
+
+std::u16string const kHelpText =
+    u"Arrow keys move through the menu. Enter opens an entry, applies an edit or confirms. "
+    u"Back closes the open screen. In a number or address editor, left and right pick the "
+    u"digit and up and down change it. Edits need LOCAL mode.";
+
+template <class Item, class... Args>
+std::shared_ptr<Item> add(yxfrontpanel::TreeMenuItem& menu, Args&&... args) {
+    auto item = std::make_shared<Item>(std::forward<Args>(args)...);
+    menu.addItem(item);
+    return item;
+}
+
+}  // namespace
+
+DemoPanel::DemoPanel(yxfrontpanel::IDrawingProvider const& provider)
+    : provider_(provider), root_(yxfrontpanel::MenuTreeFactory().create(provider)) {
+    voltage_.value = kDefaultVolts;
+    voltageMin_.value = 0.0;
+    voltageMax_.value = kMaxVolts;
+    current_.value = kDefaultAmps;
+    currentMin_.value = 0.0;
+    currentMax_.value = kMaxAmps;
+    buildOutputMenu();
+    buildNetworkMenu();
+    buildDisplayMenu();
+    buildSystemMenu();
+    root_->setLocal(local_);
+}
+
+DemoPanel::~DemoPanel() {
+    // The items go before the settings their connectors point into.
+    root_->clearItems();
+}
+
+void DemoPanel::buildOutputMenu() {
+    auto menu = std::make_shared<yxfrontpanel::TreeMenuItem>(provider_, u"Output");
+    root_->addItem(menu);
+
+    auto voltage =
+        add<yxfrontpanel::ValueEditorMenuItem>(*menu, provider_, u"Voltage", 0.0, kMaxVolts);
+    voltage->setPrecision(2);
+    voltage->setUnit(u"V");
+    yxfrontpanel::itemconnector::valueEditor(
+        voltage_, voltageMin_, voltageMax_, [this](double volts) { voltage_.set(volts); }, *voltage,
+        voltageVisible_, voltageEditable_);
+
+    auto current =
+        add<yxfrontpanel::ValueEditorMenuItem>(*menu, provider_, u"Current", 0.0, kMaxAmps);
+    current->setPrecision(3);
+    current->setUnit(u"A");
+    yxfrontpanel::itemconnector::valueEditor(
+        current_, currentMin_, currentMax_, [this](double amps) { current_.set(amps); }, *current,
+        currentVisible_, currentEditable_);
+
+    outputMode_ = add<yxfrontpanel::InlineEditorMenuItem>(*menu, u"Output");
+    outputMode_->addValue(kOff, u"Off");
+    outputMode_->addValue(kOn, u"On");
+    outputMode_->valueCallback = [this](int mode) { outputOn_ = mode == kOn; };
+    setOutputMode_ = yxfrontpanel::itemconnector::inlineEditor(*outputMode_);
+
+    measured_ = add<yxfrontpanel::ReadOnlyMenuItem>(*menu, provider_, u"Measured");
+    measured_->setValue(0.0, 3);
+    status_ = add<StatusMenuItem>(*menu, provider_, u"Status");
+    status_->form().show(0.0, 0.0, kRatedWatts);
+}
+
+void DemoPanel::buildNetworkMenu() {
+    auto menu = std::make_shared<yxfrontpanel::TreeMenuItem>(provider_, u"Network");
+    root_->addItem(menu);
+
+    dhcp_ = add<yxfrontpanel::InlineEditorMenuItem>(*menu, u"DHCP");
+    dhcp_->addValue(kOff, u"Off");
+    dhcp_->addValue(kOn, u"On");
+    dhcp_->valueCallback = [this](int dhcp) { showDhcp(dhcp == kOn); };
+
+    address_ = add<yxfrontpanel::IpAddressEditorMenuItem>(*menu, provider_, u"IP address");
+    address_->setValue("192.168.1.100");
+    address_->connectEditor([](std::string const& /*address*/) {});
+    gateway_ = add<yxfrontpanel::IpAddressEditorMenuItem>(*menu, provider_, u"Gateway");
+    gateway_->setValue("192.168.1.1");
+    gateway_->connectEditor([](std::string const& /*address*/) {});
+    netmask_ = add<yxfrontpanel::IpMaskEditor>(*menu, provider_, u"Netmask");
+    netmask_->setValue(24);
+}
+
+void DemoPanel::showDhcp(bool dhcp) {
+    // With DHCP the server hands out the addresses, so the entries to type them disappear.
+    address_->setVisible(!dhcp);
+    gateway_->setVisible(!dhcp);
+    netmask_->setVisible(!dhcp);
+}
+
+void DemoPanel::buildDisplayMenu() {
+    auto menu = std::make_shared<yxfrontpanel::TreeMenuItem>(provider_, u"Display");
+    root_->addItem(menu);
+
+    unsigned const captionWidth = provider_.getChars() >= 20 ? 4 : 3;
+    unsigned const barWidth = std::min(provider_.getChars() - 2 * captionWidth, 16U);
+    brightness_ = add<yxfrontpanel::SliderMenuItem>(*menu, provider_, u"Brightness", u"Dim", u"Max",
+                                                    captionWidth, barWidth, 0);
+    brightness_->setValue(static_cast<int>(barWidth) / 2);
+    brightness_->connectSlider([](int /*level*/) {});
+
+    contrast_ = add<yxfrontpanel::RadioTreeMenuItem>(*menu, provider_, u"Contrast");
+    contrast_->addItem(std::make_shared<yxfrontpanel::RadioMenuItem>(u"Low", 0));
+    contrast_->addItem(std::make_shared<yxfrontpanel::RadioMenuItem>(u"Medium", 1));
+    contrast_->addItem(std::make_shared<yxfrontpanel::RadioMenuItem>(u"High", 2));
+    contrast_->setValue(1);
+}
+
+void DemoPanel::buildSystemMenu() {
+    auto menu = std::make_shared<yxfrontpanel::TreeMenuItem>(provider_, u"System");
+    root_->addItem(menu);
+
+    add<yxfrontpanel::ReadOnlyMenuItem>(*menu, provider_, u"Firmware")->setText("1.4.2");
+    add<yxfrontpanel::ReadOnlyMenuItem>(*menu, provider_, u"Serial number")
+        ->setText("YX-2026-00042");
+    add<yxfrontpanel::ScrollLabelMenuItem>(*menu, provider_, u"Help")
+        ->setText(kHelpText, TextAllignment::Left);
+
+    auto save = add<yxfrontpanel::TriggerMenuItem>(*menu, u"Save settings", 1000ms);
+    save->action = [] { return true; };
+
+    auto reset = add<yxfrontpanel::TriggerMenuItem>(*menu, u"Reset defaults", 1000ms);
+    // The confirm hint is as wide as half the panel and starts right of its middle, so on an
+    // even-width panel its last column falls off the edge: a trailing blank keeps "Yes" whole.
+    reset->enableUserDialog(provider_, "Reset settings", "to defaults?", "Yes ");
+    reset->action = [this] {
+        resetToDefaults();
+        return true;
+    };
+
+    auto calibrate = add<yxfrontpanel::TriggerMenuItem>(*menu, u"Calibrate", 1000ms);
+    calibrate->action = [] { return true; };
+    calibrate->setAvailable(false);
+}
+
+void DemoPanel::resetToDefaults() {
+    voltage_.set(kDefaultVolts);
+    current_.set(kDefaultAmps);
+    setOutputMode_(kOff);
+    outputOn_ = false;
+    dhcp_->setValue(kOff);
+    showDhcp(false);
+    address_->setValue("192.168.1.100");
+    gateway_->setValue("192.168.1.1");
+    netmask_->setValue(24);
+    contrast_->setValue(1);
+}
+
+void DemoPanel::start() { root_->setFocus(true); }
+
+void DemoPanel::press(frontpanelhw::PanelKey key) {
+    using frontpanelhw::PanelKey;
+    switch (key) {
+        case PanelKey::Up:
+            root_->moveUp();
+            break;
+        case PanelKey::Down:
+            root_->moveDown();
+            break;
+        case PanelKey::Left:
+            root_->left();
+            break;
+        case PanelKey::Right:
+            root_->right();
+            break;
+        case PanelKey::Enter:
+            root_->action();
+            break;
+        case PanelKey::Back:
+            root_->backToMenu();
+            break;
+    }
+}
+
+void DemoPanel::setLocal(bool local) {
+    local_ = local;
+    root_->setLocal(local);
+}
+
+bool DemoPanel::isLocal() const { return local_; }
+
+void DemoPanel::tick() {
+    ++ticks_;
+    // A few millivolts of ripple make the update visible.
+    double const ripple = 0.001 * static_cast<double>(static_cast<int>(ticks_ % 5) - 2);
+    double const volts = outputOn_ ? std::max(0.0, voltage_.get() + ripple) : 0.0;
+    double const amps = outputOn_ ? std::min(current_.get(), volts / kLoadOhms) : 0.0;
+    measured_->setValue(volts, 3);
+    status_->form().show(volts, amps, kRatedWatts);
+}
+
+yxfrontpanel::IMenuTree& DemoPanel::root() { return *root_; }
+
+}  // namespace frontpanelsim

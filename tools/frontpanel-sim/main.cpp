@@ -1,0 +1,30 @@
+// frontpanel-sim: the demo instrument panel in a terminal, or headless from a key script.
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "demo_panel.h"
+#include "runners.h"
+#include "sim_options.h"
+
+int main(int argc, char** argv) {
+    using namespace frontpanelsim;
+    SimOptions options;
+    try {
+        options = parseOptions(std::vector<std::string>(argv + 1, argv + argc));
+    } catch (UsageError const& error) {
+        std::cerr << "frontpanel-sim: " << error.what() << '\n';
+        return 2;
+    }
+    if (options.help) {
+        std::cout << usage();
+        return 0;
+    }
+    AppFactory const makeApp = [](yxfrontpanel::IDrawingProvider const& provider) {
+        return std::make_unique<DemoPanel>(provider);
+    };
+    if (options.keyScript) {
+        return runHeadless(options, makeApp, std::cout, std::cerr);
+    }
+    return runInteractive(options, makeApp, std::cerr);
+}

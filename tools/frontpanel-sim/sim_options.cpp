@@ -1,0 +1,139 @@
+#include "sim_options.h"
+
+#include <fstream>
+#include <sstream>
+#include <tuple>
+#include <utility>
+
+#include "demo_limits.h"
+#include "key_script.h"
+
+namespace frontpanelsim {
+
+namespace {
+
+// "20x4" -> {20, 4}; anything else is a usage error.
+std::pair<unsigned, unsigned> parseSize(std::string const& text) {
+    std::istringstream stream(text);
+    unsigned chars = 0;
+    unsigned lines = 0;
+    char separator = 0;
+    if (!(stream >> chars >> separator >> lines) || (separator != 'x' && separator != 'X') ||
+        stream.peek() != std::char_traits<char>::eof() || text.find('-') != std::string::npos) {
+        throw UsageError("--size wants COLSxLINES, e.g. 20x4; got '" + text + "'");
+    }
+    std::string const problem = demoSizeProblem(chars, lines);
+    if (!problem.empty()) {
+        throw UsageError("--size " + text + ": " + problem);
+    }
+    return {chars, lines};
+}
+
+std::string readFile(std::string const& path) {
+    std::ifstream file(path, std::ios::binary);
+    if (!file) {
+        throw UsageError("--keys-file: cannot read '" + path + "'");
+    }
+    std::ostringstream content;
+    content << file.rdbuf();
+    return content.str();
+}
+
+PrintMode parsePrintMode(std::string const& text) {
+    if (text == "all") {
+        return PrintMode::All;
+    }
+    if (text == "last") {
+        return PrintMode::Last;
+    }
+    throw UsageError("--print wants 'all' or 'last'; got '" + text + "'");
+}
+
+}  // namespace
+
+SimOptions parseOptions(std::vector<std::string> const& arguments) {
+    SimOptions options;
+    for (std::size_t index = 0; index < arguments.size(); ++index) {
+        std::string const& argument = arguments[index];
+        std::string name = argument;
+        std::optional<std::string> value;
+        if (auto const equals = argument.find('=');
+            argument.rfind("--", 0) == 0 && equals != std::string::npos) {
+            name = argument.substr(0, equals);
+            value = argument.substr(equals + 1);
+        }
+        auto const takeValue = [&]() -> std::string {
+            if (value) {
+                return *value;
+            }
+            if (index + 1 >= arguments.size()) {
+                throw UsageError(name + " needs a value");
+            }
+            return arguments[++index];
+        };
+        if (name == "--help" || name == "-h") {
+            options.help = true;
+        } else if (name == "--size") {
+            std::tie(options.chars, options.lines) = parseSize(takeValue());
+        } else if (name == "--keys") {
+            if (options.keyScript) {
+                throw UsageError("give either --keys or --keys-file, once");
+            }
+            options.keyScript = takeValue();
+            options.keyScriptSource = "--keys";
+        } else if (name == "--keys-file") {
+            if (options.keyScript) {
+                throw UsageError("give either --keys or --keys-file, once");
+            }
+            options.keyScriptSource = takeValue();
+            options.keyScript = readFile(options.keyScriptSource);
+        } else if (name == "--print") {
+            options.print = parsePrintMode(takeValue());
+        } else {
+            throw UsageError("unknown option '" + argument + "' (see --help)");
+        }
+    }
+    if (options.print != PrintMode::None && !options.keyScript) {
+        throw UsageError("--print needs a key script (--keys or --keys-file)");
+    }
+    return options;
+}
+
+std::string usage() {
+    return "Usage: frontpanel-sim [--size COLSxLINES] [--keys \"KEYS\" | --keys-file FILE]\n"
+           "                      [--print all|last] [--help]\n"
+           "\n"
+           "Shows the front panel of a demo bench power supply, built with\n"
+           "libYxFrontPanelToolbox, and lets you drive it with the keyboard.\n"
+           "\n"
+           "Interactive keys:\n"
+           "    arrow keys          up, down, left, right\n"
+           "    Enter               enter (the action key: open, apply, confirm)\n"
+           "    Backspace, Escape   back (close the open screen)\n"
+           "    l                   toggle LOCAL / REMOTE mode (edits need LOCAL)\n"
+           "    q                   quit\n"
+           "\n"
+           "Options:\n"
+           "    --size COLSxLINES   panel size, default 20x4; e.g. 16x2, 20x4, 40x4\n"
+           "                        (" +
+           demoSizeRange() +
+           ")\n"
+           "    --keys \"KEYS\"       run headless: apply the words of KEYS in order\n"
+           "    --keys-file FILE    run headless with the key script in FILE\n"
+           "    --print all|last    write every frame, or only the last, as text\n"
+           "    --help              show this help\n"
+           "\n"
+           "Key script words (separated by blanks or line ends; '#' starts a comment):\n" +
+           keyScriptHelp() +
+           "\n"
+           "Printed frames: each panel line between '|' borders in a '+---+' frame, the\n"
+           "panel's glyphs as UTF-8 (0x1E ▲, 0x1F ▼, 0xDB █, 0xB0 ░, 0xF8 °, 0xFB √).\n"
+           "A line with inverted cells ends in \" < inverted\" and their columns, counted\n"
+           "from 0, e.g. \" < inverted 0-18\". Every frame starts with a line\n"
+           "\"frame N after step S: WORD\" (step 0 is the start).\n"
+           "\n"
+           "The run starts in LOCAL mode. Exit status: 0 on success, 1 when the key\n"
+           "script fails, 2 for a bad command line.\n";
+}
+
+}  // namespace frontpanelsim

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace frontpanelsim {
+
+/** Which frames a headless run writes to standard output. */
+enum class PrintMode { None, All, Last };
+
+/** The command line of frontpanel-sim. */
+struct SimOptions {
+    unsigned chars = 20;
+    unsigned lines = 4;
+    /** The key script (from --keys or --keys-file); set means a headless run. */
+    std::optional<std::string> keyScript;
+    /** Where the key script came from, for messages ("--keys" or the file name). */
+    std::string keyScriptSource;
+    PrintMode print = PrintMode::None;
+    bool help = false;
+};
+
+/** A command line that cannot be used; the message says what is wrong. */
+class UsageError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/** Parses the arguments after the program name. Reads the file of --keys-file.
+ *  @throws UsageError for unknown options, missing or bad values and unreadable files. */
+SimOptions parseOptions(std::vector<std::string> const& arguments);
+
+/** The text of --help. */
+std::string usage();
+
+}  // namespace frontpanelsim
