@@ -46,8 +46,9 @@ std::unique_ptr<yxfrontpanel::IMenuTree> plainMenu(yxfrontpanel::IDrawingProvide
                                                    std::size_t count) {
     auto menu = yxfrontpanel::MenuTreeFactory().create(provider);
     for (std::size_t index = 1; index <= count; ++index) {
-        menu->addItem(std::make_shared<PlainItem>(
-            u"Item " + std::u16string(std::to_string(index).begin(), std::to_string(index).end())));
+        std::string const digits = std::to_string(index);
+        menu->addItem(
+            std::make_shared<PlainItem>(u"Item " + std::u16string(digits.begin(), digits.end())));
     }
     menu->setFocus(true);
     return menu;

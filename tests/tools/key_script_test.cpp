@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace {
 
 using frontpanelsim::parseKeyScript;
@@ -10,10 +12,9 @@ using frontpanelsim::ScriptError;
 
 TEST(KeyScriptTest, ParsesEveryWordInOrder) {
     auto const steps = parseKeyScript("up down left right enter back local remote tick");
-    std::vector<ScriptAction> actions;
-    for (auto const& step : steps) {
-        actions.push_back(step.action);
-    }
+    std::vector<ScriptAction> actions(steps.size());
+    std::transform(steps.begin(), steps.end(), actions.begin(),
+                   [](auto const& step) { return step.action; });
     EXPECT_EQ(actions, (std::vector<ScriptAction>{
                            ScriptAction::Up, ScriptAction::Down, ScriptAction::Left,
                            ScriptAction::Right, ScriptAction::Enter, ScriptAction::Back,
