@@ -134,13 +134,15 @@ protected:
     void setOwnText(std::u16string const& text);
 
 private:
+    // The small members first: they fit into the tail padding of the Control part, which keeps
+    // every item of a large menu a few bytes smaller.
+    std::atomic<bool> selected_{false};
+    std::atomic<bool> available_{true};
+    unsigned int lineLength_ = 0;
     FocusChangedCallback focusChanged_;
     VisibleChangedCallback visibleChanged_;
     std::u16string menuText_;
     IForm* form_ = nullptr;
-    unsigned int lineLength_ = 0;
-    std::atomic<bool> selected_{false};
-    std::atomic<bool> available_{true};
     // Null while the item shows the default "(N/A)": most items never change it, and a menu may
     // hold a great many items.
     std::unique_ptr<std::u16string> notAvailableText_;

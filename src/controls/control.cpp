@@ -41,7 +41,9 @@ void Control::setText(std::u16string const& text) {
     if (text == text_) {
         return;
     }
-    text_ = text;
+    // A fresh copy has exactly the text's capacity (assignment may round it up): a menu holds
+    // one such text per item.
+    text_ = std::u16string(text);
     draw(true);
 }
 

@@ -74,7 +74,7 @@ void MenuItem::createMenuText() {
     std::u16string const previous = menuText_;
     if (available_.load()) {
         if (menuText_.empty()) {
-            menuText_ = getText();
+            menuText_ = std::u16string(getText());  // exact capacity, as in Control::setText
         }
     } else {
         menuText_ = getText() + u" " + getNotAvailableText();
