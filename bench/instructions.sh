@@ -32,3 +32,5 @@ per_press() {  # label probe items
 
 per_press "menu key press, 1,000 items, 20x4" menu 1000
 per_press "value editor key press (step a digit), 20x4" value-editor 0
+printf '%-48s %s\n' "menu of 1,000,000 plain items" \
+    "$("$build/bench/instructions_probe" memory 1000000 | sed 's/resident bytes per item: //') resident bytes per item"

@@ -1,4 +1,6 @@
 // Menu benchmarks: key presses, sub-menus, visibility changes and building, at several sizes.
+// Resident memory per item is measured in a fresh process by `instructions_probe memory N`
+// (see bench/instructions.sh), where freed memory of earlier benchmarks cannot hide it.
 #include <frontpanelhw/display.h>
 
 #include "bench_support.h"
@@ -87,11 +89,9 @@ void BM_AddItem(benchmark::State& state) {
     DiscardingProvider const provider(20, 4);
     auto const count = static_cast<std::size_t>(state.range(0));
     std::size_t allocations = 0;
-    double bytesPerItem = 0;
     for (auto _ : state) {
         state.PauseTiming();
         auto menu = yxfrontpanel::MenuTreeFactory().create(provider);
-        std::size_t const residentBefore = yxfp_bench::residentBytes();
         std::size_t const allocationsBefore = yxfp_bench::allocationCount();
         state.ResumeTiming();
         for (std::size_t index = 0; index < count; ++index) {
@@ -99,15 +99,12 @@ void BM_AddItem(benchmark::State& state) {
         }
         state.PauseTiming();
         allocations += yxfp_bench::allocationCount() - allocationsBefore;
-        bytesPerItem = static_cast<double>(yxfp_bench::residentBytes() - residentBefore) /
-                       static_cast<double>(count);
         menu.reset();
         state.ResumeTiming();
     }
     state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()) * state.range(0));
     state.counters["allocs/item"] =
         static_cast<double>(allocations) / static_cast<double>(state.iterations() * count);
-    state.counters["resident/item"] = bytesPerItem;
 }
 
 }  // namespace
