@@ -42,6 +42,26 @@ void reportAllocations(benchmark::State& state, std::size_t startCount) {
         static_cast<double>(allocationCount() - startCount), benchmark::Counter::kAvgIterations);
 }
 
+std::unique_ptr<yxfrontpanel::ValueEditor> openVoltageEditor(
+    yxfrontpanel::IDrawingProvider const& provider) {
+    auto editor = std::make_unique<yxfrontpanel::ValueEditor>(provider, u"Voltage", 0.0, 30.0);
+    editor->setPrecision(2);
+    editor->setUnit(u"V");
+    editor->setValue(12.5);
+    editor->setFocus(true);
+    editor->setEditorMode(true);
+    return editor;
+}
+
+std::unique_ptr<yxfrontpanel::IpAddressEditor> openAddressEditor(
+    yxfrontpanel::IDrawingProvider const& provider) {
+    auto editor = std::make_unique<yxfrontpanel::IpAddressEditor>(provider, u"IP address");
+    editor->setValue(std::string("192.168.1.100"));
+    editor->setFocus(true);
+    editor->setEditorMode(true);
+    return editor;
+}
+
 std::unique_ptr<yxfrontpanel::IMenuTree> plainMenu(yxfrontpanel::IDrawingProvider const& provider,
                                                    std::size_t count) {
     auto menu = yxfrontpanel::MenuTreeFactory().create(provider);

@@ -47,6 +47,14 @@ public:
     bool down() override { return false; }
 };
 
+/** A voltage editor (0..30 V, two decimals) showing 12.50 V, focused and editable. */
+std::unique_ptr<yxfrontpanel::ValueEditor> openVoltageEditor(
+    yxfrontpanel::IDrawingProvider const& provider);
+
+/** An address editor showing 192.168.1.100, focused and editable. */
+std::unique_ptr<yxfrontpanel::IpAddressEditor> openAddressEditor(
+    yxfrontpanel::IDrawingProvider const& provider);
+
 /** A focused root menu of `count` plain items named "Item 1".."Item N". */
 std::unique_ptr<yxfrontpanel::IMenuTree> plainMenu(yxfrontpanel::IDrawingProvider const& provider,
                                                    std::size_t count);

@@ -8,16 +8,11 @@ using yxfp_bench::DiscardingProvider;
 
 void BM_ValueEditorChangeValue(benchmark::State& state) {
     DiscardingProvider const provider(20, 4);
-    yxfrontpanel::ValueEditor editor(provider, u"Voltage", 0.0, 30.0);
-    editor.setPrecision(2);
-    editor.setUnit(u"V");
-    editor.setValue(12.5);
-    editor.setFocus(true);
-    editor.setEditorMode(true);
+    auto const editor = yxfp_bench::openVoltageEditor(provider);
     int direction = 1;
     std::size_t const allocationsBefore = yxfp_bench::allocationCount();
     for (auto _ : state) {
-        editor.changeValue(direction);
+        editor->changeValue(direction);
         direction = -direction;
     }
     yxfp_bench::reportAllocations(state, allocationsBefore);
@@ -25,29 +20,21 @@ void BM_ValueEditorChangeValue(benchmark::State& state) {
 
 void BM_ValueEditorMoveMarker(benchmark::State& state) {
     DiscardingProvider const provider(20, 4);
-    yxfrontpanel::ValueEditor editor(provider, u"Voltage", 0.0, 30.0);
-    editor.setPrecision(2);
-    editor.setUnit(u"V");
-    editor.setValue(12.5);
-    editor.setFocus(true);
-    editor.setEditorMode(true);
+    auto const editor = yxfp_bench::openVoltageEditor(provider);
     std::size_t const allocationsBefore = yxfp_bench::allocationCount();
     for (auto _ : state) {
-        editor.moveMarker(1);
+        editor->moveMarker(1);
     }
     yxfp_bench::reportAllocations(state, allocationsBefore);
 }
 
 void BM_IpEditorChangeValue(benchmark::State& state) {
     DiscardingProvider const provider(20, 4);
-    yxfrontpanel::IpAddressEditor editor(provider, u"IP address");
-    editor.setValue(std::string("192.168.1.100"));
-    editor.setFocus(true);
-    editor.setEditorMode(true);
+    auto const editor = yxfp_bench::openAddressEditor(provider);
     int direction = 1;
     std::size_t const allocationsBefore = yxfp_bench::allocationCount();
     for (auto _ : state) {
-        editor.changeValue(direction);
+        editor->changeValue(direction);
         direction = -direction;
     }
     yxfp_bench::reportAllocations(state, allocationsBefore);
@@ -55,13 +42,10 @@ void BM_IpEditorChangeValue(benchmark::State& state) {
 
 void BM_IpEditorMoveMarker(benchmark::State& state) {
     DiscardingProvider const provider(20, 4);
-    yxfrontpanel::IpAddressEditor editor(provider, u"IP address");
-    editor.setValue(std::string("192.168.1.100"));
-    editor.setFocus(true);
-    editor.setEditorMode(true);
+    auto const editor = yxfp_bench::openAddressEditor(provider);
     std::size_t const allocationsBefore = yxfp_bench::allocationCount();
     for (auto _ : state) {
-        editor.moveMarker(1);
+        editor->moveMarker(1);
     }
     yxfp_bench::reportAllocations(state, allocationsBefore);
 }

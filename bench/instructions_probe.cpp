@@ -43,14 +43,9 @@ int main(int argc, char** argv) {
         return 0;
     }
     if (what == "value-editor") {
-        yxfrontpanel::ValueEditor editor(provider, u"Voltage", 0.0, 30.0);
-        editor.setPrecision(2);
-        editor.setUnit(u"V");
-        editor.setValue(12.5);
-        editor.setFocus(true);
-        editor.setEditorMode(true);
+        auto const editor = yxfp_bench::openVoltageEditor(provider);
         for (long press = 0; press < presses; ++press) {
-            editor.changeValue(press % 2 == 0 ? 1 : -1);
+            editor->changeValue(press % 2 == 0 ? 1 : -1);
         }
         return 0;
     }

@@ -44,8 +44,7 @@ struct AddressMenu : TestMenu {
     Screen menuScreen() const { return {line(u"Address"), line(u"Other"), line(u""), line(u"")}; }
     // The editor screen showing `value` with the caret at `caret` (none: read-only).
     static Screen editorScreen(std::u16string const& value, std::optional<unsigned> caret) {
-        return {centred(u">> Address <<", kChars), centred(value, kChars),
-                caret ? caretLine(*caret, kChars) : centred(u"", kChars), centred(u"", kChars)};
+        return yxfp_test::editorScreen(u"Address", value, caret, kChars);
     }
 
     std::shared_ptr<IpAddressEditorMenuItem> address =

@@ -43,8 +43,7 @@ struct VoltageMenu : TestMenu {
     Screen menuScreen() const { return {line(u"Voltage"), line(u"Other"), line(u""), line(u"")}; }
     // The editor screen showing `value` with the caret at `caret` (none: read-only).
     static Screen editorScreen(std::u16string const& value, std::optional<unsigned> caret) {
-        return {centred(u">> Voltage <<", kChars), centred(value, kChars),
-                caret ? caretLine(*caret, kChars) : centred(u"", kChars), centred(u"", kChars)};
+        return yxfp_test::editorScreen(u"Voltage", value, caret, kChars);
     }
 
     std::shared_ptr<ValueEditorMenuItem> voltage =

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,19 @@ using Screen = std::vector<std::u16string>;
 inline std::u16string centred(std::u16string const& text, std::size_t width) {
     std::size_t const start = text.size() < width ? (width - text.size()) / 2 : 0;
     return padded(std::u16string(start, u' ') + text, width);
+}
+
+/** The screen of an editor `width` wide with the headline `title` framed by ">> " and " <<",
+ *  `value` centred below and the caret "^" in column `caret` on the third line (no caret: the
+ *  editor is read-only). */
+inline Screen editorScreen(std::u16string const& title, std::u16string const& value,
+                           std::optional<unsigned> caret, std::size_t width) {
+    std::u16string caretRow(width, u' ');
+    if (caret && *caret < width) {
+        caretRow[*caret] = u'^';
+    }
+    return {centred(u">> " + title + u" <<", width), centred(value, width), caretRow,
+            std::u16string(width, u' ')};
 }
 
 /** Replaces sleeping while it lives and keeps the screen shown during each sleep, so a test
