@@ -3,6 +3,8 @@
 // Shared pieces of the fuzz targets: an invariant check that stops the run with a message, and
 // a reader that takes typed values off the front of the fuzzer's input.
 
+#include <frontpanelhw/display.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -54,6 +56,18 @@ private:
     uint8_t const* data_;
     size_t size_;
     size_t position_ = 0;
+};
+
+/** A memory display that checks every frame it is shown against its own size. */
+class SizeCheckingDisplay : public frontpanelhw::MemoryDisplay {
+public:
+    SizeCheckingDisplay(unsigned chars, unsigned lines) : MemoryDisplay(chars, lines) {}
+
+    bool draw(frontpanelhw::drawing::DisplayBuffer const& buffer) override {
+        check(buffer.getChars() == getChars() && buffer.getLineCount() == getLines(),
+              "frame size differs from the panel");
+        return MemoryDisplay::draw(buffer);
+    }
 };
 
 }  // namespace yxfp_fuzz
