@@ -30,6 +30,7 @@ void checkAddress(ip::IpV4Address const& address) {
 
 }  // namespace
 
+// NOLINTNEXTLINE(readability-identifier-naming): the name is libFuzzer's entry point
 extern "C" int LLVMFuzzerTestOneInput(uint8_t const* data, size_t size) {
     std::string const text(reinterpret_cast<char const*>(data), size);
     check(ip::split(text, '.').size() == getlinePieces(text, '.'), "split count differs");

@@ -175,6 +175,7 @@ void step(FuzzMenu& menu, yxfp_fuzz::InputReader& input) {
 
 }  // namespace
 
+// NOLINTNEXTLINE(readability-identifier-naming): the name is libFuzzer's entry point
 extern "C" int LLVMFuzzerTestOneInput(uint8_t const* data, size_t size) {
     // Hints would otherwise really wait.
     yxbase2::system::this_thread::setSleepHook([](std::chrono::nanoseconds) {});

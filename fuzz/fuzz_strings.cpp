@@ -42,6 +42,7 @@ std::u16string codeUnits(std::string const& bytes) {
 
 }  // namespace
 
+// NOLINTNEXTLINE(readability-identifier-naming): the name is libFuzzer's entry point
 extern "C" int LLVMFuzzerTestOneInput(uint8_t const* data, size_t size) {
     yxfp_fuzz::InputReader input(data, size);
     unsigned const width = input.byte() % 48u;

@@ -61,6 +61,7 @@ void pressKey(yxfrontpanel::ValueEditor& editor, yxfp_fuzz::InputReader& input) 
 
 }  // namespace
 
+// NOLINTNEXTLINE(readability-identifier-naming): the name is libFuzzer's entry point
 extern "C" int LLVMFuzzerTestOneInput(uint8_t const* data, size_t size) {
     yxfp_fuzz::InputReader input(data, size);
     yxfp_fuzz::SizeCheckingDisplay display(20u, 4u);
