@@ -32,26 +32,36 @@ struct DrivenSlider {
 
 TEST(SliderValueReadsTest, AnotherThreadSeesTheCommittedValueOnlyGrowWhileTheKeyThreadSteps) {
     DrivenSlider driven;
-    std::atomic<int> last{0};
+    // Odd while the key thread puts the slider back to 0; the reader compares only values read
+    // within one even epoch.
+    std::atomic<unsigned> epoch{0};
+    unsigned lastEpoch = 1;
+    int last = 0;
     std::atomic<bool> wentBack{false};
     BackgroundLoop reader([&] {
+        unsigned const before = epoch.load();
         int const value = driven.slider.getValue();
-        if (value < last.load()) {
+        if (before % 2 != 0 || epoch.load() != before) {
+            return;
+        }
+        if (before == lastEpoch && value < last) {
             wentBack = true;
         }
+        lastEpoch = before;
         last = value;
     });
 
     for (int round = 0; round < 50; ++round) {
+        epoch.fetch_add(1);
         driven.slider.setValue(0);
+        epoch.fetch_add(1);
+        driven.stepAndCommit(11);
         reader.awaitFullRound();
-        last = 0;
-        driven.stepAndCommit(10);
     }
     reader.stop();
 
     EXPECT_FALSE(wentBack.load());
-    EXPECT_EQ(driven.slider.getValue(), 10);
+    EXPECT_EQ(last, 11);
 }
 
 TEST(SliderValueReadsTest, AnotherThreadReadsOnlyValuesInsideTheRange) {
