@@ -74,7 +74,7 @@ struct PublishingMenu {
     }
 
     // Moves up and down among the plain items while the publishers run.
-    void moveAround() {
+    void moveAround() const {
         for (int round = 0; round < 200; ++round) {
             press(*menu.tree, {Key::Down, Key::Down, Key::Down, Key::Up, Key::Up, Key::Up});
         }
@@ -85,15 +85,15 @@ struct PublishingMenu {
     std::array<std::unique_ptr<PublishedValue>, 2> values;
 };
 
-TEST(CallbackValuePublishingTest, EveryPublicationFromThreeThreadsReachesTheItemOnce) {
-    PublishingMenu panel;
-    int const initialValues = panel.items[0]->values;
-
+// Runs `publish(thread, index)` for every index on each of the publisher threads while the key
+// thread moves around the menu; returns once all are done.
+void publishWhileMoving(PublishingMenu const& panel, std::function<void(int, int)> const& publish) {
     std::vector<std::thread> publishers;
+    publishers.reserve(kPublishers);
     for (int thread = 0; thread < kPublishers; ++thread) {
-        publishers.emplace_back([&panel, thread] {
+        publishers.emplace_back([&publish, thread] {
             for (int i = 0; i < kPublicationsEach; ++i) {
-                panel.values[0]->value.set(publication(thread, i));
+                publish(thread, i);
             }
         });
     }
@@ -101,6 +101,14 @@ TEST(CallbackValuePublishingTest, EveryPublicationFromThreeThreadsReachesTheItem
     for (auto& publisher : publishers) {
         publisher.join();
     }
+}
+
+TEST(CallbackValuePublishingTest, EveryPublicationFromThreeThreadsReachesTheItemOnce) {
+    PublishingMenu panel;
+    int const initialValues = panel.items[0]->values;
+
+    publishWhileMoving(
+        panel, [&panel](int thread, int i) { panel.values[0]->value.set(publication(thread, i)); });
 
     EXPECT_EQ(panel.items[0]->values, initialValues + kPublishers * kPublicationsEach);
 }
@@ -108,18 +116,9 @@ TEST(CallbackValuePublishingTest, EveryPublicationFromThreeThreadsReachesTheItem
 TEST(CallbackValuePublishingTest, TheEditorHoldsTheLastValueStoredInTheCallbackValue) {
     PublishingMenu panel;
 
-    std::vector<std::thread> publishers;
-    for (int thread = 0; thread < kPublishers; ++thread) {
-        publishers.emplace_back([&panel, thread] {
-            for (int i = 0; i < kPublicationsEach; ++i) {
-                panel.values[static_cast<std::size_t>(i % 2)]->value.set(publication(thread, i));
-            }
-        });
-    }
-    panel.moveAround();
-    for (auto& publisher : publishers) {
-        publisher.join();
-    }
+    publishWhileMoving(panel, [&panel](int thread, int i) {
+        panel.values[static_cast<std::size_t>(i % 2)]->value.set(publication(thread, i));
+    });
 
     for (std::size_t i = 0; i < panel.items.size(); ++i) {
         double const last = panel.values[i]->value.get();
