@@ -94,7 +94,8 @@ public:
      *  to date when a visibility changed meanwhile (the cursor returns to the top), clears
      *  `itemHasFocus()` and draws; losing it draws nothing. */
     void setFocus(bool focus) override;
-    /** Whether the tree itself is the active screen. */
+    /** Whether the tree itself is the active screen. A plain flag: key thread only, unlike
+     *  `Form::getFocus` (other threads may watch the items' selected and shown flags). */
     bool getFocus() const override;
 
     /** Adds `item` at the end of all items and, when visible, of the visible items; the first
