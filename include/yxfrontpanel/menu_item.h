@@ -35,7 +35,9 @@ YXFP_EXPORT void sleep_for(  // NOLINT(readability-identifier-naming)
  *  and the item's form has the focus.
  *
  *  Threads: `selected` and `available` are atomic, as are the inherited visible and shown flags,
- *  so other threads may read and switch them; everything else belongs to the key thread. */
+ *  so other threads may read them at any time. Switching availability or visibility also
+ *  rebuilds the menu text and may redraw, so do it from another thread only while nothing draws
+ *  or presses keys on the same menu; everything else belongs to the key thread. */
 class YXFP_EXPORT MenuItem : public Control {
 public:
     using FocusChangedCallback = std::function<void(bool)>;
