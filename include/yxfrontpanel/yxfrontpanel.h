@@ -6,10 +6,12 @@
 #include <frontpanelhw/display.h>
 #include <frontpanelhw/display_types.h>
 #include <frontpanelhw/frame_diff.h>
+#include <frontpanelhw/key_source.h>
 #include <frontpanelhw/terminal_display.h>
 #include <frontpanelhw/terminal_keys.h>
 #include <yxbase2/log.h>
 #include <yxbase2/this_thread.h>
+#include <yxfrontpanel/apply_key.h>
 #include <yxfrontpanel/base_editor.h>
 #include <yxfrontpanel/control.h>
 #include <yxfrontpanel/drawing.h>

@@ -170,29 +170,7 @@ void DemoPanel::resetToDefaults() {
 
 void DemoPanel::start() { root_->setFocus(true); }
 
-void DemoPanel::press(frontpanelhw::PanelKey key) {
-    using frontpanelhw::PanelKey;
-    switch (key) {
-        case PanelKey::Up:
-            root_->moveUp();
-            break;
-        case PanelKey::Down:
-            root_->moveDown();
-            break;
-        case PanelKey::Left:
-            root_->left();
-            break;
-        case PanelKey::Right:
-            root_->right();
-            break;
-        case PanelKey::Enter:
-            root_->action();
-            break;
-        case PanelKey::Back:
-            root_->backToMenu();
-            break;
-    }
-}
+void DemoPanel::press(frontpanelhw::PanelKey key) { yxfrontpanel::applyKey(*root_, key); }
 
 void DemoPanel::setLocal(bool local) {
     local_ = local;

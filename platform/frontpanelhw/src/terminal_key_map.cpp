@@ -4,12 +4,6 @@
 
 namespace frontpanelhw {
 
-bool operator==(KeyEvent const& lhs, KeyEvent const& rhs) {
-    return lhs.kind == rhs.kind && lhs.panelKey == rhs.panelKey && lhs.character == rhs.character;
-}
-
-bool operator!=(KeyEvent const& lhs, KeyEvent const& rhs) { return !(lhs == rhs); }
-
 namespace {
 
 constexpr int kBackspace = 8;

@@ -74,6 +74,8 @@ TerminalKeySource::TerminalKeySource(TerminalDisplay const& display) : session_(
 
 TerminalKeySource::~TerminalKeySource() = default;
 
+int TerminalKeySource::waitDescriptor() const { return session_->inputDescriptor(); }
+
 std::optional<KeyEvent> TerminalKeySource::poll(std::chrono::milliseconds timeout) {
     auto const deadline = Clock::now() + std::min(timeout, kLongestWait);
     while (true) {
