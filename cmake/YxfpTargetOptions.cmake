@@ -31,3 +31,20 @@ function(yxfp_setup_library target include_dir)
         RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
     install(DIRECTORY ${include_dir}/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 endfunction()
+
+# An optional library: the option `option_name` is ON by default when pkg-config found
+# `prefix` (its _FOUND variable), a clear status line says what is built, and asking for it
+# without the library stops the configuration with the Debian package to install.
+function(yxfp_optional_dependency option_name prefix module debian_package what)
+    option(${option_name} "${what} (needs ${module})" ${${prefix}_FOUND})
+    if(${option_name} AND NOT ${prefix}_FOUND)
+        message(FATAL_ERROR "${option_name} is ON but ${module} was not found. Install it "
+            "(Debian: apt-get install ${debian_package}) or configure with -D${option_name}=OFF.")
+    endif()
+    if(${option_name})
+        message(STATUS "YxFrontPanel: ${what}: ON (${module} ${${prefix}_VERSION})")
+    else()
+        message(STATUS "YxFrontPanel: ${what}: OFF (${module} not found; Debian package "
+            "${debian_package}; ${option_name}=ON requires it)")
+    endif()
+endfunction()
