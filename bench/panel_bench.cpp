@@ -159,6 +159,7 @@ void BM_PanelCoalescedPublications(benchmark::State& state) {
     for (auto _ : state) {
         std::atomic<bool> go{false};
         std::vector<std::thread> threads;
+        threads.reserve(kThreads);
         for (int thread = 0; thread < kThreads; ++thread) {
             threads.emplace_back([&running, &go, perThread, thread] {
                 std::string const key = "reading " + std::to_string(thread);

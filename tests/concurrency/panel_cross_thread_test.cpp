@@ -153,6 +153,7 @@ TEST(PanelCrossThreadTest, PostsPublicationsAndKeysFromManyThreads) {
 
     std::atomic<int> publishersDone{0};
     std::vector<std::thread> publishers;
+    publishers.reserve(kThreads);
     for (int thread = 0; thread < kThreads; ++thread) {
         publishers.emplace_back([&, thread] {
             std::string const key = "reading " + std::to_string(thread);
