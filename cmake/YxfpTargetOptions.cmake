@@ -25,6 +25,11 @@ function(yxfp_setup_library target include_dir)
         # Installed libraries find their siblings next to themselves, wherever the tree lands.
         INSTALL_RPATH "$ORIGIN")
     yxfp_set_warnings(${target})
+    if(YXFP_STRICT_WARNINGS)
+        # Opt-in: implicit narrowing, shadowed names, C casts and hidden overloads.
+        target_compile_options(${target} PRIVATE
+            -Wshadow -Wconversion -Wold-style-cast -Woverloaded-virtual)
+    endif()
     install(TARGETS ${target} EXPORT YxFrontPanelToolboxTargets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}

@@ -28,7 +28,8 @@ std::string fixed(double value, int decimals) {
 StatusForm::StatusForm(yxfrontpanel::IDrawingProvider const& provider)
     : Form(provider),
       headline_(yxfrontpanel::drawing::Point{0, 0}, provider.getChars(),
-                yxfrontpanel::kMarkerOpen + u"Status" + yxfrontpanel::kMarkerClose),
+                std::u16string(yxfrontpanel::kMarkerOpen) + u"Status" +
+                    std::u16string(yxfrontpanel::kMarkerClose)),
       power_(yxfrontpanel::drawing::Point{0, 1}, barWidthFor(provider.getChars()), kReadingWidth, 0,
              100, kPowerSymbol, u""),
       readings_(yxfrontpanel::drawing::Point{0, 2}, provider.getChars(), u"") {

@@ -7,6 +7,7 @@
 #include <iostream>
 #include <memory>
 #include <mutex>
+#include <utility>
 
 namespace yxbase2::system::log {
 
@@ -67,10 +68,20 @@ void log(int level, std::string const& category, std::ostringstream const& messa
     }
 }
 
-void setSink(Sink sink) {
+Sink setSink(Sink sink) {
     auto replacement = sink ? std::make_shared<Sink const>(std::move(sink)) : nullptr;
-    std::lock_guard<std::mutex> lock(sinkMutex);
-    currentSink = std::move(replacement);
+    std::shared_ptr<Sink const> previous;
+    {
+        std::lock_guard<std::mutex> lock(sinkMutex);
+        previous = std::exchange(currentSink, std::move(replacement));
+    }
+    if (!previous) {
+        return {};
+    }
+    // Forwards to the very object replaced, so that a sink with state is not duplicated.
+    return [previous](int level, std::string const& category, std::string const& message) {
+        (*previous)(level, category, message);
+    };
 }
 
 std::string levelName(int level) {

@@ -3,6 +3,7 @@
 #include <memory>
 #include <mutex>
 #include <thread>
+#include <utility>
 
 namespace yxbase2::system::this_thread {
 
@@ -25,10 +26,18 @@ void sleep_for(std::chrono::nanoseconds const& duration) {
     }
 }
 
-void setSleepHook(SleepHook hook) {
+SleepHook setSleepHook(SleepHook hook) {
     auto replacement = hook ? std::make_shared<SleepHook const>(std::move(hook)) : nullptr;
-    std::lock_guard<std::mutex> lock(hookMutex);
-    currentHook = std::move(replacement);
+    std::shared_ptr<SleepHook const> previous;
+    {
+        std::lock_guard<std::mutex> lock(hookMutex);
+        previous = std::exchange(currentHook, std::move(replacement));
+    }
+    if (!previous) {
+        return {};
+    }
+    // Forwards to the very object replaced, so that a hook with state is not duplicated.
+    return [previous](std::chrono::nanoseconds duration) { (*previous)(duration); };
 }
 
 }  // namespace yxbase2::system::this_thread
