@@ -65,14 +65,6 @@ StatusMenuItem::~StatusMenuItem() = default;
 
 void StatusMenuItem::setLocal(bool /*local*/) {}
 
-bool StatusMenuItem::left() { return false; }
-
-bool StatusMenuItem::right() { return false; }
-
-bool StatusMenuItem::up() { return false; }
-
-bool StatusMenuItem::down() { return false; }
-
 StatusForm& StatusMenuItem::form() { return *form_; }
 
 }  // namespace frontpanelsim
