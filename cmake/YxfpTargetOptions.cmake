@@ -37,6 +37,15 @@ function(yxfp_setup_library target include_dir)
     install(DIRECTORY ${include_dir}/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 endfunction()
 
+# An installed program: it finds the installed libraries relative to itself, so the tree runs
+# from any prefix without LD_LIBRARY_PATH.
+function(yxfp_install_program target)
+    file(RELATIVE_PATH libdir_from_bindir
+        ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+    set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN/${libdir_from_bindir}")
+    install(TARGETS ${target} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+endfunction()
+
 # An optional library: the option `option_name` is ON by default when pkg-config found
 # `prefix` (its _FOUND variable), a clear status line says what is built, and asking for it
 # without the library stops the configuration with the Debian package to install.
