@@ -89,7 +89,8 @@ unsigned int BaseEditor::getEndOfNumberInLbl() const { return valueLabel_->getEn
 
 bool BaseEditor::isPointAt(int index) const {
     std::u16string const& text = valueLabel_->getText();
-    return index >= 0 && static_cast<std::size_t>(index) < text.size() && text[index] == u'.';
+    auto const place = static_cast<std::size_t>(index);
+    return index >= 0 && place < text.size() && text[place] == u'.';
 }
 
 void BaseEditor::moveMarker(int direction) {

@@ -8,6 +8,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <type_traits>
 
 #include "editor_screen.h"
 #include "recording_provider.h"
@@ -76,8 +77,16 @@ protected:
     std::unique_ptr<Editor> editor_ = Kind::make(provider_);
 };
 
+// Names the instantiations after the editors ("EditorContractTest/ValueEditor.…").
+struct EditorName {
+    template <class Kind>
+    static std::string GetName(int /*index*/) {  // NOLINT(readability-identifier-naming)
+        return std::is_same_v<Kind, NumberEditor> ? "ValueEditor" : "IpAddressEditor";
+    }
+};
+
 using EditorKinds = ::testing::Types<NumberEditor, AddressEditor>;
-TYPED_TEST_SUITE(EditorContractTest, EditorKinds);
+TYPED_TEST_SUITE(EditorContractTest, EditorKinds, EditorName);
 
 TYPED_TEST(EditorContractTest, EditorModePutsTheCaretOnTheFirstPlace) {
     this->open();
