@@ -9,6 +9,8 @@
 #include <mutex>
 #include <utility>
 
+#include "installed_function.h"
+
 namespace yxbase2::system::log {
 
 namespace {
@@ -56,11 +58,7 @@ void log(int level, std::string const& category, std::ostringstream const& messa
     if (!detail::isEnabled(level)) {
         return;
     }
-    std::shared_ptr<Sink const> sink;
-    {
-        std::lock_guard<std::mutex> lock(sinkMutex);
-        sink = currentSink;
-    }
+    std::shared_ptr<Sink const> const sink = system::detail::installed(sinkMutex, currentSink);
     if (sink) {
         (*sink)(level, category, message.str());
     } else {
@@ -69,19 +67,7 @@ void log(int level, std::string const& category, std::ostringstream const& messa
 }
 
 Sink setSink(Sink sink) {
-    auto replacement = sink ? std::make_shared<Sink const>(std::move(sink)) : nullptr;
-    std::shared_ptr<Sink const> previous;
-    {
-        std::lock_guard<std::mutex> lock(sinkMutex);
-        previous = std::exchange(currentSink, std::move(replacement));
-    }
-    if (!previous) {
-        return {};
-    }
-    // Forwards to the very object replaced, so that a sink with state is not duplicated.
-    return [previous](int level, std::string const& category, std::string const& message) {
-        (*previous)(level, category, message);
-    };
+    return system::detail::exchangeInstalled(sinkMutex, currentSink, std::move(sink));
 }
 
 std::string levelName(int level) {

@@ -5,6 +5,8 @@
 #include <thread>
 #include <utility>
 
+#include "installed_function.h"
+
 namespace yxbase2::system::this_thread {
 
 namespace {
@@ -14,11 +16,7 @@ std::shared_ptr<SleepHook const> currentHook;
 }  // namespace
 
 void sleep_for(std::chrono::nanoseconds const& duration) {
-    std::shared_ptr<SleepHook const> hook;
-    {
-        std::lock_guard<std::mutex> lock(hookMutex);
-        hook = currentHook;
-    }
+    std::shared_ptr<SleepHook const> const hook = system::detail::installed(hookMutex, currentHook);
     if (hook) {
         (*hook)(duration);
     } else {
@@ -27,17 +25,7 @@ void sleep_for(std::chrono::nanoseconds const& duration) {
 }
 
 SleepHook setSleepHook(SleepHook hook) {
-    auto replacement = hook ? std::make_shared<SleepHook const>(std::move(hook)) : nullptr;
-    std::shared_ptr<SleepHook const> previous;
-    {
-        std::lock_guard<std::mutex> lock(hookMutex);
-        previous = std::exchange(currentHook, std::move(replacement));
-    }
-    if (!previous) {
-        return {};
-    }
-    // Forwards to the very object replaced, so that a hook with state is not duplicated.
-    return [previous](std::chrono::nanoseconds duration) { (*previous)(duration); };
+    return system::detail::exchangeInstalled(hookMutex, currentHook, std::move(hook));
 }
 
 }  // namespace yxbase2::system::this_thread
