@@ -93,13 +93,12 @@ struct EditingMenu : yxfp_test::TestMenu {
 // Changes something the way the application might between two keys.
 void changeSomething(EditingMenu& menu, std::mt19937& random) {
     auto pick = [&random](std::size_t count) { return yxfp_test::pick(random, count); };
-    switch (pick(9)) {
-        case 0:
-        case 1:
-        case 2:
-            yxfp_test::flipVisibilityAvailabilityOrLocal(
-                *menu.tree, *menu.items[pick(menu.items.size())], static_cast<unsigned>(pick(4)));
-            break;
+    std::size_t const what = pick(9);
+    if (what < 3) {
+        yxfp_test::flipAtRandom(random, *menu.tree, *menu.items[pick(menu.items.size())]);
+        return;
+    }
+    switch (what) {
         case 3:
             menu.editorModeSetters[pick(2)](pick(2) == 0);
             break;

@@ -102,8 +102,7 @@ struct MixedMenu : yxfp_test::TestMenu {
 // Changes one item the way an application thread might between two keys.
 void changeSomething(MixedMenu& menu, std::mt19937& random) {
     auto& item = *menu.all[yxfp_test::pick(random, menu.all.size())];
-    yxfp_test::flipVisibilityAvailabilityOrLocal(*menu.tree, item,
-                                                 static_cast<unsigned>(yxfp_test::pick(random, 4)));
+    yxfp_test::flipAtRandom(random, *menu.tree, item);
 }
 
 // Runs `steps` random steps on a fresh menu: mostly keys, now and then a change of visibility,

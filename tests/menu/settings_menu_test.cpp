@@ -174,6 +174,22 @@ protected:
         root->setFocus(true);
     }
 
+    // One key and the whole panel expected after it.
+    struct Step {
+        Key key;
+        Screen screen;
+        int cursor;
+    };
+
+    // Presses the keys in order and compares the whole panel after each.
+    void walk(std::vector<Step> const& steps) {
+        for (std::size_t i = 0; i < steps.size(); ++i) {
+            SCOPED_TRACE(::testing::Message() << "step " << i + 1 << ": " << steps[i].key);
+            press(*root, steps[i].key);
+            expectPanel(provider, steps[i].screen, steps[i].cursor);
+        }
+    }
+
     // From the root menu into the output sub-menu, its first line selected.
     void openOutput() {
         press(*root, {Key::Down, Key::Enter});
@@ -192,31 +208,26 @@ protected:
 TEST_F(SettingsMenuTest, StartsOnTheRootMenu) { expectPanel(provider, kRootScreen, 0); }
 
 TEST_F(SettingsMenuTest, NetworkEditsTheAddressDigitByDigit) {
-    press(*root, Key::Enter);
-    expectPanel(provider, kNetworkScreen, 0);
-    press(*root, Key::Enter);
-    expectPanel(provider, editor(u"IP address", u"192.168.  1. 20", 3), kNoCursor);
-    press(*root, Key::Left);
-    expectPanel(provider, editor(u"IP address", u"192.168.  1. 20", 17), kNoCursor);
-    press(*root, Key::Left);
-    expectPanel(provider, editor(u"IP address", u"192.168.  1. 20", 16), kNoCursor);
-    press(*root, Key::Up);
-    expectPanel(provider, editor(u"IP address", u"192.168.  1. 30", 16), kNoCursor);
-    press(*root, Key::Enter);
-    expectPanel(provider, kNetworkScreen, 0);
+    walk({
+        {Key::Enter, kNetworkScreen, 0},
+        {Key::Enter, editor(u"IP address", u"192.168.  1. 20", 3), kNoCursor},
+        {Key::Left, editor(u"IP address", u"192.168.  1. 20", 17), kNoCursor},
+        {Key::Left, editor(u"IP address", u"192.168.  1. 20", 16), kNoCursor},
+        {Key::Up, editor(u"IP address", u"192.168.  1. 30", 16), kNoCursor},
+        {Key::Enter, kNetworkScreen, 0},
+    });
     EXPECT_EQ(instrument.events, (std::vector<std::string>{"address 192.168.1.30"}));
 }
 
 TEST_F(SettingsMenuTest, NetworkChoosesTheMaskFromTheList) {
-    press(*root, Key::Enter);
-    expectPanel(provider, kNetworkScreen, 0);
-    press(*root, Key::Down);
-    expectPanel(provider, kNetworkScreen, 1);
-    press(*root, Key::Enter);
-    expectPanel(provider,
-                {item(u" 0.0.0.0 | /0"), item(u" 240.0.0.0 | /4"), item(u" 255.0.0.0 | /8"),
-                 item(u" 255.240.0.0 | /12", kDown)},
-                0);
+    walk({
+        {Key::Enter, kNetworkScreen, 0},
+        {Key::Down, kNetworkScreen, 1},
+        {Key::Enter,
+         Screen{item(u" 0.0.0.0 | /0"), item(u" 240.0.0.0 | /4"), item(u" 255.0.0.0 | /8"),
+                item(u" 255.240.0.0 | /12", kDown)},
+         0},
+    });
     for (int i = 0; i < 12; ++i) {
         press(*root, Key::Down);
     }
@@ -224,40 +235,32 @@ TEST_F(SettingsMenuTest, NetworkChoosesTheMaskFromTheList) {
                 {item(u" 255.255.248.0 | /21", kUp), item(u" 255.255.252.0 | /22"),
                  item(u" 255.255.254.0 | /23"), item(u">255.255.255.0 | /24", kDown)},
                 3);
-    press(*root, Key::Down);
-    expectPanel(provider,
-                {item(u" 255.255.252.0 | /22", kUp), item(u" 255.255.254.0 | /23"),
-                 item(u">255.255.255.0 | /24"), item(u" 255.255.255.128 | /", kDown)},
-                3);
-    press(*root, Key::Enter);
-    expectPanel(provider,
-                {item(u" 255.255.252.0 | /22", kUp), item(u" 255.255.254.0 | /23"),
-                 item(u" 255.255.255.0 | /24"), item(u">255.255.255.128 | /", kDown)},
-                3);
-    press(*root, Key::Back);
-    expectPanel(provider, kNetworkScreen, 1);
-    press(*root, Key::Back);
-    expectPanel(provider, kRootScreen, 0);
+    walk({
+        {Key::Down,
+         Screen{item(u" 255.255.252.0 | /22", kUp), item(u" 255.255.254.0 | /23"),
+                item(u">255.255.255.0 | /24"), item(u" 255.255.255.128 | /", kDown)},
+         3},
+        {Key::Enter,
+         Screen{item(u" 255.255.252.0 | /22", kUp), item(u" 255.255.254.0 | /23"),
+                item(u" 255.255.255.0 | /24"), item(u">255.255.255.128 | /", kDown)},
+         3},
+        {Key::Back, kNetworkScreen, 1},
+        {Key::Back, kRootScreen, 0},
+    });
     EXPECT_EQ(instrument.events, (std::vector<std::string>{"mask 25"}));
 }
 
 TEST_F(SettingsMenuTest, OutputEditsAndAppliesTheVoltage) {
-    press(*root, Key::Down);
-    expectPanel(provider, kRootScreen, 1);
-    press(*root, Key::Enter);
-    expectPanel(provider, outputScreen(u"CV"), 0);
-    press(*root, Key::Enter);
-    expectPanel(provider, editor(u"Voltage", u"12.00 V", 7), kNoCursor);
-    press(*root, Key::Right);
-    expectPanel(provider, editor(u"Voltage", u"12.00 V", 8), kNoCursor);
-    press(*root, Key::Up);
-    expectPanel(provider, editor(u"Voltage", u"13.00 V", 8), kNoCursor);
-    press(*root, Key::Right);
-    expectPanel(provider, editor(u"Voltage", u"13.00 V", 10), kNoCursor);
-    press(*root, Key::Up);
-    expectPanel(provider, editor(u"Voltage", u"13.10 V", 10), kNoCursor);
-    press(*root, Key::Enter);
-    expectPanel(provider, outputScreen(u"CV"), 0);
+    walk({
+        {Key::Down, kRootScreen, 1},
+        {Key::Enter, outputScreen(u"CV"), 0},
+        {Key::Enter, editor(u"Voltage", u"12.00 V", 7), kNoCursor},
+        {Key::Right, editor(u"Voltage", u"12.00 V", 8), kNoCursor},
+        {Key::Up, editor(u"Voltage", u"13.00 V", 8), kNoCursor},
+        {Key::Right, editor(u"Voltage", u"13.00 V", 10), kNoCursor},
+        {Key::Up, editor(u"Voltage", u"13.10 V", 10), kNoCursor},
+        {Key::Enter, outputScreen(u"CV"), 0},
+    });
     EXPECT_EQ(instrument.voltage.get(), 13.1);
     EXPECT_EQ(instrument.events, (std::vector<std::string>{"voltage 13.1"}));
     EXPECT_EQ(instrument.voltageMax.get(), 30.0);
@@ -267,24 +270,22 @@ TEST_F(SettingsMenuTest, OutputShowsAVoltageTheInstrumentPublishes) {
     openOutput();
     instrument.voltage.set(9.5);
     expectPanel(provider, outputScreen(u"CV"), 0);
-    press(*root, Key::Enter);
-    expectPanel(provider, editor(u"Voltage", u"09.50 V", 7), kNoCursor);
-    press(*root, Key::Back);
-    expectPanel(provider, outputScreen(u"CV"), 0);
+    walk({
+        {Key::Enter, editor(u"Voltage", u"09.50 V", 7), kNoCursor},
+        {Key::Back, outputScreen(u"CV"), 0},
+    });
     EXPECT_EQ(instrument.voltage.get(), 9.5);
     EXPECT_TRUE(instrument.events.empty());
 }
 
 TEST_F(SettingsMenuTest, OutputDropsACurrentEditLeftByTheBackKey) {
     openOutput();
-    press(*root, Key::Down);
-    expectPanel(provider, outputScreen(u"CV"), 1);
-    press(*root, Key::Enter);
-    expectPanel(provider, editor(u"Current", u"1.500 A", 7), kNoCursor);
-    press(*root, Key::Down);
-    expectPanel(provider, editor(u"Current", u"0.500 A", 7), kNoCursor);
-    press(*root, Key::Back);
-    expectPanel(provider, outputScreen(u"CV"), 1);
+    walk({
+        {Key::Down, outputScreen(u"CV"), 1},
+        {Key::Enter, editor(u"Current", u"1.500 A", 7), kNoCursor},
+        {Key::Down, editor(u"Current", u"0.500 A", 7), kNoCursor},
+        {Key::Back, outputScreen(u"CV"), 1},
+    });
     EXPECT_EQ(instrument.current.get(), 1.5);
     EXPECT_TRUE(instrument.events.empty());
 }
@@ -293,12 +294,11 @@ TEST_F(SettingsMenuTest, OutputShowsALockedCurrentReadOnly) {
     openOutput();
     press(*root, Key::Down);
     instrument.currentEditable(false);
-    press(*root, Key::Enter);
-    expectPanel(provider, editor(u"Current", u"1.500 A", kNoCursor), kNoCursor);
-    press(*root, Key::Up);
-    expectPanel(provider, editor(u"Current", u"1.500 A", kNoCursor), kNoCursor);
-    press(*root, Key::Enter);
-    expectPanel(provider, outputScreen(u"CV"), 1);
+    walk({
+        {Key::Enter, editor(u"Current", u"1.500 A", kNoCursor), kNoCursor},
+        {Key::Up, editor(u"Current", u"1.500 A", kNoCursor), kNoCursor},
+        {Key::Enter, outputScreen(u"CV"), 1},
+    });
     EXPECT_EQ(instrument.current.get(), 1.5);
     EXPECT_TRUE(instrument.events.empty());
 }
@@ -306,12 +306,11 @@ TEST_F(SettingsMenuTest, OutputShowsALockedCurrentReadOnly) {
 TEST_F(SettingsMenuTest, OutputStepsTheModeInPlace) {
     openOutput();
     press(*root, Key::Down);
-    press(*root, Key::Down);
-    expectPanel(provider, outputScreen(u"CV"), 2);
-    press(*root, Key::Enter);
-    expectPanel(provider, outputScreen(u"CC"), 2);
-    press(*root, Key::Enter);
-    expectPanel(provider, outputScreen(u"CP"), 2);
+    walk({
+        {Key::Down, outputScreen(u"CV"), 2},
+        {Key::Enter, outputScreen(u"CC"), 2},
+        {Key::Enter, outputScreen(u"CP"), 2},
+    });
     instrument.showMode(0);
     expectPanel(provider, outputScreen(u"CV"), 2);
     EXPECT_EQ(instrument.events, (std::vector<std::string>{"mode 1", "mode 2"}));
@@ -346,18 +345,14 @@ TEST_F(SettingsMenuTest, OutsideLocalModeTheModeShowsTheHintAndStays) {
 }
 
 TEST_F(SettingsMenuTest, RangeChoosesHigh) {
-    press(*root, Key::Down);
-    expectPanel(provider, kRootScreen, 1);
-    press(*root, Key::Down);
-    expectPanel(provider, kRootScreen, 2);
-    press(*root, Key::Enter);
-    expectPanel(provider, {item(u">Low"), item(u" High"), item(u" Auto"), item(u"")}, 0);
-    press(*root, Key::Down);
-    expectPanel(provider, {item(u">Low"), item(u" High"), item(u" Auto"), item(u"")}, 1);
-    press(*root, Key::Enter);
-    expectPanel(provider, {item(u" Low"), item(u">High"), item(u" Auto"), item(u"")}, 1);
-    press(*root, Key::Back);
-    expectPanel(provider, kRootScreen, 2);
+    walk({
+        {Key::Down, kRootScreen, 1},
+        {Key::Down, kRootScreen, 2},
+        {Key::Enter, Screen{item(u">Low"), item(u" High"), item(u" Auto"), item(u"")}, 0},
+        {Key::Down, Screen{item(u">Low"), item(u" High"), item(u" Auto"), item(u"")}, 1},
+        {Key::Enter, Screen{item(u" Low"), item(u">High"), item(u" Auto"), item(u"")}, 1},
+        {Key::Back, kRootScreen, 2},
+    });
     EXPECT_TRUE(press(*root, Key::Back));
     expectPanel(provider, kRootScreen, 2);
     EXPECT_EQ(instrument.events, (std::vector<std::string>{"range 2"}));

@@ -90,21 +90,15 @@ struct ItemsMenu : yxfp_test::TestMenu {
 // Changes the menu the way an application thread might between two keys.
 void changeSomething(ItemsMenu& menu, std::mt19937& random) {
     auto& item = *menu.all[yxfp_test::pick(random, menu.all.size())];
-    switch (yxfp_test::pick(random, 5)) {
-        case 0:
-        case 1:
-        case 2:
-            yxfp_test::flipVisibilityAvailabilityOrLocal(
-                *menu.tree, item, static_cast<unsigned>(yxfp_test::pick(random, 4)));
-            break;
-        case 3:
-            menu.voltage->setValue(static_cast<double>(yxfp_test::pick(random, 2001)) - 1e3,
-                                   static_cast<unsigned>(yxfp_test::pick(random, 5)));
-            break;
-        default:
-            // The same text again: a shorter one while scrolled would make its drawing throw.
-            menu.help->setText(kHelpText, TextAllignment::Center);
-            break;
+    std::size_t const what = yxfp_test::pick(random, 5);
+    if (what < 3) {
+        yxfp_test::flipAtRandom(random, *menu.tree, item);
+    } else if (what == 3) {
+        menu.voltage->setValue(static_cast<double>(yxfp_test::pick(random, 2001)) - 1e3,
+                               static_cast<unsigned>(yxfp_test::pick(random, 5)));
+    } else {
+        // The same text again: a shorter one while scrolled would make its drawing throw.
+        menu.help->setText(kHelpText, TextAllignment::Center);
     }
 }
 

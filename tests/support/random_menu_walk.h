@@ -55,6 +55,12 @@ inline void flipVisibilityAvailabilityOrLocal(yxfrontpanel::IMenuTree& tree,
     }
 }
 
+/** `flipVisibilityAvailabilityOrLocal` with the change drawn from `random`. */
+inline void flipAtRandom(std::mt19937& random, yxfrontpanel::IMenuTree& tree,
+                         yxfrontpanel::MenuItem& item) {
+    flipVisibilityAvailabilityOrLocal(tree, item, static_cast<unsigned>(pick(random, 4)));
+}
+
 /** Every form of a menu: the tree, each item's form, and recursively the forms inside the
  *  sub-menus (a trigger's dialog is its item's form once enabled). */
 inline void collectForms(yxfrontpanel::IMenuTree& tree,
