@@ -125,31 +125,17 @@ protected:
 
         // Output: two numbers bound to the instrument's values, and the regulation mode.
         auto const output = std::make_shared<TreeMenuItem>(provider, u"Output");
-        auto const voltage = std::make_shared<ValueEditorMenuItem>(provider, u"Voltage", 0.0, 1.0);
-        voltage->setPrecision(2);
-        voltage->setUnit(u"V");
         instrument.voltageMax.set(30.0);
         instrument.voltage.set(12.0);
-        itemconnector::valueEditor(
-            instrument.voltage, instrument.voltageMin, instrument.voltageMax,
-            [this](double value) {
-                instrument.record("voltage", value);
-                instrument.voltage.set(value);
-            },
-            *voltage, instrument.voltageVisible, instrument.voltageEditable);
-        auto const current = std::make_shared<ValueEditorMenuItem>(provider, u"Current", 0.0, 1.0);
-        current->setPrecision(3);
-        current->setUnit(u"A");
+        auto const voltage = boundNumber(u"Voltage", 2, u"V", "voltage", instrument.voltage,
+                                         instrument.voltageMin, instrument.voltageMax,
+                                         instrument.voltageVisible, instrument.voltageEditable);
         instrument.currentMax.set(5.0);
         instrument.current.set(1.5);
         // The current's visibility never changes: its setter goes to the default sink.
-        itemconnector::valueEditor(
-            instrument.current, instrument.currentMin, instrument.currentMax,
-            [this](double value) {
-                instrument.record("current", value);
-                instrument.current.set(value);
-            },
-            *current, itemconnector::voidBoolDefault, instrument.currentEditable);
+        auto const current = boundNumber(
+            u"Current", 3, u"A", "current", instrument.current, instrument.currentMin,
+            instrument.currentMax, itemconnector::voidBoolDefault, instrument.currentEditable);
         auto const mode = std::make_shared<InlineEditorMenuItem>(u"Mode");
         mode->addValue(0, u"CV");
         mode->addValue(1, u"CC");
@@ -172,6 +158,26 @@ protected:
         root->addItem(range);
         root->setLocal(true);
         root->setFocus(true);
+    }
+
+    // A number editor named `name` bound to the instrument's value and bounds; applying records
+    // `event` with the value and publishes it.
+    std::shared_ptr<ValueEditorMenuItem> boundNumber(
+        std::u16string const& name, unsigned precision, std::u16string const& unit,
+        std::string const& event, CallbackValue<double>& value, CallbackValue<double>& minValue,
+        CallbackValue<double>& maxValue, std::function<void(bool)>& visible,
+        std::function<void(bool)>& editable) {
+        auto item = std::make_shared<ValueEditorMenuItem>(provider, name, 0.0, 1.0);
+        item->setPrecision(precision);
+        item->setUnit(unit);
+        itemconnector::valueEditor(
+            value, minValue, maxValue,
+            [this, event, &value](double applied) {
+                instrument.record(event, applied);
+                value.set(applied);
+            },
+            *item, visible, editable);
+        return item;
     }
 
     // One key and the whole panel expected after it.
