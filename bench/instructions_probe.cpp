@@ -66,7 +66,8 @@ int main(int argc, char** argv) {
     }
     if (mode == "allocations") {
         if (argc < 4) {
-            std::cerr << "usage: instructions_probe allocations menu|value-editor PRESSES [ITEMS]\n";
+            std::cerr
+                << "usage: instructions_probe allocations menu|value-editor PRESSES [ITEMS]\n";
             return 2;
         }
         long const presses = std::atol(argv[3]);
