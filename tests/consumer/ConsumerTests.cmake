@@ -28,6 +28,26 @@ add_test(NAME consumer.pkg_config
 set_tests_properties(consumer.pkg_config PROPERTIES
     FIXTURES_REQUIRED yxfp_installed PASS_REGULAR_EXPRESSION "consumer OK: 192.168.1.2")
 
+# The installed simulator starts from the prefix on its own (no LD_LIBRARY_PATH): the program's
+# run path leads to the installed libraries.
+if(TARGET frontpanel-sim)
+    add_test(NAME consumer.installed_simulator
+        COMMAND ${CMAKE_COMMAND} -E env --unset=LD_LIBRARY_PATH
+            ${YXFP_CONSUMER_PREFIX}/${CMAKE_INSTALL_BINDIR}/frontpanel-sim
+            --keys "down up" --print last)
+    set_tests_properties(consumer.installed_simulator PROPERTIES
+        FIXTURES_REQUIRED yxfp_installed PASS_REGULAR_EXPRESSION "Network")
+endif()
+
+# The pkg-config flags leave the language standard to the product build: a C++20 build that
+# uses them stays C++20.
+add_test(NAME consumer.pkg_config_cxx20
+    COMMAND sh ${YXFP_CONSUMER_DIR}/pkg_config_consumer.sh ${YXFP_CONSUMER_PREFIX}
+        ${CMAKE_CXX_COMPILER} "${CMAKE_CXX_FLAGS} -std=c++20 -DYXFP_EXPECT_CXX20"
+        ${YXFP_CONSUMER_DIR}/consumer_main.cpp ${YXFP_CONSUMER_WORK}/pkg_config_cxx20)
+set_tests_properties(consumer.pkg_config_cxx20 PROPERTIES
+    FIXTURES_REQUIRED yxfp_installed PASS_REGULAR_EXPRESSION "consumer OK: 192.168.1.2")
+
 add_test(NAME consumer.add_subdirectory
     COMMAND ${CMAKE_CTEST_COMMAND}
         --build-and-test ${YXFP_CONSUMER_DIR}/add_subdirectory

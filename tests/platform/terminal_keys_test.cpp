@@ -14,6 +14,7 @@
 #include <string>
 
 #include "locale_guard.h"
+#include "terminal_key_map.h"
 #include <curses.h>
 #include <fcntl.h>
 #include <pty.h>

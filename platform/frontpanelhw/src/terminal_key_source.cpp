@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "terminal_key_map.h"
 #include "terminal_session.h"
 #include <poll.h>
 #include <sys/ioctl.h>
