@@ -12,6 +12,7 @@
 #include <frontpanelhw/hd44780_gpio.h>
 #include <frontpanelhw/hd44780_i2c.h>
 #include <frontpanelhw/key_source.h>
+#include <frontpanelhw/screen_text.h>
 #include <frontpanelhw/terminal_display.h>
 #include <frontpanelhw/terminal_keys.h>
 #include <yxbase2/log.h>
