@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "display_spec.h"
+
 namespace frontpanelsim {
 
 /** Which frames a headless run writes to standard output. */
@@ -25,6 +27,8 @@ struct SimOptions {
     std::optional<std::chrono::milliseconds> idle;
     /** --headless: run without a terminal until SIGINT or SIGTERM. */
     bool headless = false;
+    /** --display: where the panel draws (the terminal by default, or an HD44780 module). */
+    DisplaySpec display;
     bool help = false;
 };
 
