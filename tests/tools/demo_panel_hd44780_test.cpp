@@ -60,18 +60,22 @@ TEST_P(DemoPanelHd44780Test, ModuleShowsEveryFrameOfARandomWalk) {
     TeeDisplay tee(rig.display());
     yxfrontpanel::DrawingProvider provider(tee);
     frontpanelsim::DemoPanel demo(provider);
-    demo.start();
+    demo.root().setFocus(true);
     std::mt19937 random(20261124U + module.chars * 10 + static_cast<unsigned>(module.rom));
-    std::uniform_int_distribution<int> pick(0, 9);
+    std::uniform_int_distribution<int> pick(0, 10);
     std::set<char32_t> seen;
+    unsigned sample = 0;
     for (int step = 0; step < 2000; ++step) {
         int const choice = pick(random);
         if (choice < 7) {
-            demo.press(static_cast<PanelKey>(choice % 6));
+            yxfrontpanel::applyKey(demo.root(), static_cast<PanelKey>(choice % 6));
         } else if (choice == 7) {
             demo.setLocal(!demo.isLocal());
+        } else if (choice == 8) {
+            demo.drawHomeScreen(provider);  // the status screen after the idle time
+            demo.root().setFocus(true);     // a key brings the menu back
         } else {
-            demo.tick();
+            demo.acquire(++sample)();
         }
         auto const screen = rig.screen();
         ASSERT_EQ(screen, Hd44780Rig::meant(tee.last())) << describe(module) << " step " << step;
@@ -110,21 +114,21 @@ TEST(DemoPanelHd44780WalkTest, EveryItemTypeShowsOnTheModule) {
         TeeDisplay tee(rig.display());
         yxfrontpanel::DrawingProvider provider(tee);
         frontpanelsim::DemoPanel demo(provider);
-        demo.start();
+        demo.root().setFocus(true);
         auto const check = [&](char const* where) {
             ASSERT_EQ(rig.screen(), Hd44780Rig::meant(tee.last())) << where;
             ASSERT_EQ(rig.model().cursorCell(), Hd44780Rig::firstInverted(tee.last())) << where;
         };
         auto const keys = [&](std::initializer_list<PanelKey> sequence, char const* where) {
             for (PanelKey const key : sequence) {
-                demo.press(key);
+                yxfrontpanel::applyKey(demo.root(), key);
                 check(where);
             }
         };
         using K = PanelKey;
         keys({K::Enter, K::Enter, K::Up, K::Right, K::Up, K::Enter}, "value editor");
         keys({K::Down, K::Down, K::Down, K::Enter, K::Back}, "output menu items");
-        demo.tick();
+        demo.acquire(1)();
         check("measurement");
         keys({K::Back, K::Down, K::Enter, K::Down, K::Enter, K::Up, K::Left, K::Back, K::Back},
              "ip editor");
