@@ -308,7 +308,7 @@ void Hd44780Display::initialise() {
     instruction(kEntryModeIncrement, timings.instruction);
     displayControl_ = kDisplayControl;
     addressCounter_ = 0x00;
-    shown_.assign(geometry_.chars * geometry_.lines, kBlankCode);
+    shown_.assign(std::size_t{geometry_.chars} * geometry_.lines, kBlankCode);
 }
 
 void Hd44780Display::instruction(std::uint8_t code, std::chrono::nanoseconds executionTime) {

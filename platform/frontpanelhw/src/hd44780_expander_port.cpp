@@ -2,8 +2,8 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <string>
+#include <system_error>
 
 #include <fcntl.h>
 #include <linux/i2c-dev.h>
@@ -21,7 +21,7 @@ std::string hexAddress(std::uint8_t address) {
     return text;
 }
 
-std::string reason(int error) { return std::strerror(error); }
+std::string reason(int error) { return std::generic_category().message(error); }
 
 /** Owns a file descriptor and writes transfers to it: one write(2) per transfer for an I2C
  *  adapter (the kernel makes it one bus transaction), as many as it takes for a file. */

@@ -122,7 +122,7 @@ private:
     struct Plan;
 
     Plan plan(drawing::DisplayBuffer const& buffer);
-    void send(Plan const& plan);
+    void send(Plan const& next);
     void initialise();
     void instruction(std::uint8_t code, std::chrono::nanoseconds executionTime);
     void data(std::uint8_t code);

@@ -3,8 +3,8 @@
 
 #include <array>
 #include <cerrno>
-#include <cstring>
 #include <string>
+#include <system_error>
 
 #include <gpiod.h>
 
@@ -13,6 +13,8 @@ namespace frontpanelhw {
 namespace {
 
 constexpr unsigned kLineCount = 6;  // RS, E, D4-D7, in the order of the hd44780_lines bits
+
+std::string reason(int error) { return std::generic_category().message(error); }
 
 class GpiodLines : public IHd44780LineOutput {
 public:
@@ -30,8 +32,7 @@ public:
         }
         chip_ = ::gpiod_chip_open_lookup(chipName_.c_str());
         if (chip_ == nullptr) {
-            throw Hd44780BusError("cannot open GPIO chip " + chipName_ + ": " +
-                                  std::strerror(errno));
+            throw Hd44780BusError("cannot open GPIO chip " + chipName_ + ": " + reason(errno));
         }
         if (::gpiod_chip_get_lines(chip_, offsets.data(), kLineCount, &bulk_) != 0) {
             fail("cannot get lines of GPIO chip ");
@@ -53,11 +54,11 @@ public:
     void setLevels(std::uint8_t levels) override {
         std::array<int, kLineCount> values{};
         for (unsigned i = 0; i < kLineCount; ++i) {
-            values[i] = (levels >> i) & 1U;
+            values[i] = static_cast<int>((levels >> i) & 1U);
         }
         if (::gpiod_line_set_value_bulk(&bulk_, values.data()) != 0) {
             throw Hd44780BusError("setting the lines of GPIO chip " + chipName_ +
-                                  " failed: " + std::strerror(errno));
+                                  " failed: " + reason(errno));
         }
     }
 
@@ -65,7 +66,7 @@ private:
     [[noreturn]] void fail(std::string const& what) {
         int const error = errno;
         ::gpiod_chip_close(chip_);
-        throw Hd44780BusError(what + chipName_ + ": " + std::strerror(error));
+        throw Hd44780BusError(what + chipName_ + ": " + reason(error));
     }
 
     std::string chipName_;
