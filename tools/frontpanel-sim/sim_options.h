@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "display_spec.h"
+#include "endpoint.h"
 
 namespace frontpanelsim {
 
@@ -29,6 +30,10 @@ struct SimOptions {
     bool headless = false;
     /** --display: where the panel draws (the terminal by default, or an HD44780 module). */
     DisplaySpec display;
+    /** --web: where to serve the panel to browsers. */
+    std::optional<Endpoint> web;
+    /** --web-token: pages that do not present it only watch. */
+    std::string webToken;
     bool help = false;
 };
 
