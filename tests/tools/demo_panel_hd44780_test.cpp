@@ -65,7 +65,7 @@ TEST_P(DemoPanelHd44780Test, ModuleShowsEveryFrameOfARandomWalk) {
     std::uniform_int_distribution<int> pick(0, 10);
     std::set<char32_t> seen;
     unsigned sample = 0;
-    for (int step = 0; step < 2000; ++step) {
+    for (int step = 0; step < 1200; ++step) {
         int const choice = pick(random);
         if (choice < 7) {
             yxfrontpanel::applyKey(demo.root(), static_cast<PanelKey>(choice % 6));
