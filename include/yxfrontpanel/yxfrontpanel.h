@@ -6,6 +6,11 @@
 #include <frontpanelhw/display.h>
 #include <frontpanelhw/display_types.h>
 #include <frontpanelhw/frame_diff.h>
+#include <frontpanelhw/hd44780_bus.h>
+#include <frontpanelhw/hd44780_charset.h>
+#include <frontpanelhw/hd44780_display.h>
+#include <frontpanelhw/hd44780_gpio.h>
+#include <frontpanelhw/hd44780_i2c.h>
 #include <frontpanelhw/key_source.h>
 #include <frontpanelhw/screen_text.h>
 #include <frontpanelhw/terminal_display.h>

@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "measurement_feed.h"
+#include "module_display.h"
 #include "runners.h"
 
 namespace frontpanelsim {
@@ -12,8 +13,9 @@ int runHeadless(SimOptions const& options, AppFactory const& makeApp, Attachment
                 std::ostream& err) {
     try {
         frontpanelhw::MemoryDisplay display(options.chars, options.lines);
-        Session session(display, panelOptionsFor(options, RunKind::Headless, attachments), nullptr,
-                        makeApp, options, RunKind::Headless);
+        auto const panelDisplay = makeDisplay(options.display, display);
+        Session session(*panelDisplay, panelOptionsFor(options, RunKind::Headless, attachments),
+                        nullptr, makeApp, options, RunKind::Headless);
         attachments.insert(attachments.begin(), std::make_unique<AcquisitionThread>(kSamplePeriod));
         session.attach(std::move(attachments));
         SignalStop const signalStop(session.panel());

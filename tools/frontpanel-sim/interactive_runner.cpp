@@ -7,6 +7,7 @@
 #include <string>
 
 #include "measurement_feed.h"
+#include "module_display.h"
 #include "runners.h"
 
 namespace frontpanelsim {
@@ -32,7 +33,8 @@ int runInteractive(SimOptions const& options, AppFactory const& makeApp, Attachm
     try {
         frontpanelhw::TerminalDisplay display(options.chars, options.lines,
                                               frontpanelhw::TerminalOrigin{1, 2});
-        Session session(display, panelOptionsFor(options, RunKind::Interactive, attachments),
+        auto const panelDisplay = makeDisplay(options.display, display);
+        Session session(*panelDisplay, panelOptionsFor(options, RunKind::Interactive, attachments),
                         nullptr, makeApp, options, RunKind::Interactive);
         auto& panel = session.panel();
         auto& app = session.app();

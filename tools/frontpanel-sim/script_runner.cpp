@@ -11,6 +11,7 @@
 #include "frame_printer.h"
 #include "key_script.h"
 #include "measurement_feed.h"
+#include "module_display.h"
 #include "runners.h"
 
 namespace frontpanelsim {
@@ -115,12 +116,19 @@ int runKeyScript(SimOptions const& options, AppFactory const& makeApp, Attachmen
     }
 
     FrameLog display(options.chars, options.lines);
+    std::unique_ptr<frontpanelhw::IDisplay> panelDisplay;
+    try {
+        panelDisplay = makeDisplay(options.display, display);
+    } catch (std::exception const& error) {
+        err << "frontpanel-sim: --display: " << error.what() << '\n';
+        return 1;
+    }
     auto const clock = std::make_shared<ManualClock>();
     InstantSleep const instantSleep;
     std::size_t failedStep = 0;
     try {
-        Session session(display, panelOptionsFor(options, RunKind::KeyScript, attachments), clock,
-                        makeApp, options, RunKind::KeyScript);
+        Session session(*panelDisplay, panelOptionsFor(options, RunKind::KeyScript, attachments),
+                        clock, makeApp, options, RunKind::KeyScript);
         attachments.insert(attachments.begin(), std::make_unique<ClockedAcquisition>());
         session.attach(std::move(attachments));
         auto& panel = session.panel();

@@ -107,6 +107,8 @@ SimOptions parseOptions(std::vector<std::string> const& arguments) {
             options.idle = parseIdle(takeValue());
         } else if (name == "--headless") {
             options.headless = true;
+        } else if (name == "--display") {
+            options.display = parseDisplaySpec(takeValue());
         } else if (name == "--web") {
             options.web = parseEndpoint("--web", takeValue());
         } else if (name == "--web-token") {
@@ -135,6 +137,7 @@ SimOptions parseOptions(std::vector<std::string> const& arguments) {
 std::string usage() {
     return "Usage: frontpanel-sim [--size COLSxLINES] [--keys \"KEYS\" | --keys-file FILE]\n"
            "                      [--print all|last] [--idle SECONDS] [--headless]\n"
+           "                      [--display DISPLAY]\n"
            "                      [--web HOST:PORT [--web-token TOKEN]] [--help]\n"
            "\n"
            "Shows the front panel of a demo bench power supply, built with\n"
@@ -159,6 +162,15 @@ std::string usage() {
            "                        without a key (0: never); default 60, off in a key\n"
            "                        script (there wait:SECONDS lets the time pass)\n"
            "    --headless          run without a terminal until SIGINT or SIGTERM\n"
+           "    --display DISPLAY   where the panel draws (default terminal):\n"
+           "                        hd44780[:a00|a02]  what an HD44780 character module\n"
+           "                          with that character ROM (default a00) would show,\n"
+           "                          from a model of its controller; the inverted cells\n"
+           "                          show as the module's cursor on the first of them\n"
+           "                        hd44780-i2c:PATH[@ADDRESS][:a00|a02]  also drive a real\n"
+           "                          module behind a PCF8574 I2C backpack at PATH\n"
+           "                          (/dev/i2c-1; address default 0x27); a regular file\n"
+           "                          or a FIFO at PATH receives the raw expander bytes\n"
            "    --web HOST:PORT     serve the panel to browsers at http://HOST:PORT/\n"
            "                        (e.g. 127.0.0.1:8080; port 0 picks a free one)\n"
            "    --web-token TOKEN   only pages opened with ?token=TOKEN may press keys;\n"

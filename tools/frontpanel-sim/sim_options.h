@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "display_spec.h"
 #include "endpoint.h"
 
 namespace frontpanelsim {
@@ -27,6 +28,8 @@ struct SimOptions {
     std::optional<std::chrono::milliseconds> idle;
     /** --headless: run without a terminal until SIGINT or SIGTERM. */
     bool headless = false;
+    /** --display: where the panel draws (the terminal by default, or an HD44780 module). */
+    DisplaySpec display;
     /** --web: where to serve the panel to browsers. */
     std::optional<Endpoint> web;
     /** --web-token: pages that do not present it only watch. */

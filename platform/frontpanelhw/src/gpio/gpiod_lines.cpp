@@ -1,0 +1,83 @@
+// The six module lines through libgpiod's v1 API (Debian's libgpiod-dev 1.6).
+#include <frontpanelhw/hd44780_gpio.h>
+
+#include <array>
+#include <cerrno>
+#include <string>
+#include <system_error>
+
+#include <gpiod.h>
+
+namespace frontpanelhw {
+
+namespace {
+
+constexpr unsigned kLineCount = 6;  // RS, E, D4-D7, in the order of the hd44780_lines bits
+
+std::string reason(int error) { return std::generic_category().message(error); }
+
+class GpiodLines : public IHd44780LineOutput {
+public:
+    explicit GpiodLines(GpioLineConfig const& config) : chipName_(config.chip) {
+        std::array<unsigned, kLineCount> offsets = {config.rs, config.enable, config.d4,
+                                                    config.d5, config.d6,     config.d7};
+        for (unsigned i = 0; i < kLineCount; ++i) {
+            for (unsigned j = i + 1; j < kLineCount; ++j) {
+                if (offsets[i] == offsets[j]) {
+                    throw Hd44780BusError("GPIO chip " + chipName_ + ": line " +
+                                          std::to_string(offsets[i]) +
+                                          " is given to two module pins");
+                }
+            }
+        }
+        chip_ = ::gpiod_chip_open_lookup(chipName_.c_str());
+        if (chip_ == nullptr) {
+            throw Hd44780BusError("cannot open GPIO chip " + chipName_ + ": " + reason(errno));
+        }
+        if (::gpiod_chip_get_lines(chip_, offsets.data(), kLineCount, &bulk_) != 0) {
+            fail("cannot get lines of GPIO chip ");
+        }
+        std::array<int, kLineCount> const low{};
+        if (::gpiod_line_request_bulk_output(&bulk_, "yxfrontpanel", low.data()) != 0) {
+            fail("cannot request output lines of GPIO chip ");
+        }
+    }
+
+    ~GpiodLines() override {
+        ::gpiod_line_release_bulk(&bulk_);
+        ::gpiod_chip_close(chip_);
+    }
+
+    GpiodLines(GpiodLines const&) = delete;
+    GpiodLines& operator=(GpiodLines const&) = delete;
+
+    void setLevels(std::uint8_t levels) override {
+        std::array<int, kLineCount> values{};
+        for (unsigned i = 0; i < kLineCount; ++i) {
+            values[i] = static_cast<int>((levels >> i) & 1U);
+        }
+        if (::gpiod_line_set_value_bulk(&bulk_, values.data()) != 0) {
+            throw Hd44780BusError("setting the lines of GPIO chip " + chipName_ +
+                                  " failed: " + reason(errno));
+        }
+    }
+
+private:
+    [[noreturn]] void fail(std::string const& what) {
+        int const error = errno;
+        ::gpiod_chip_close(chip_);
+        throw Hd44780BusError(what + chipName_ + ": " + reason(error));
+    }
+
+    std::string chipName_;
+    ::gpiod_chip* chip_ = nullptr;
+    ::gpiod_line_bulk bulk_{};
+};
+
+}  // namespace
+
+std::unique_ptr<IHd44780LineOutput> openGpioLines(GpioLineConfig const& config) {
+    return std::make_unique<GpiodLines>(config);
+}
+
+}  // namespace frontpanelhw
