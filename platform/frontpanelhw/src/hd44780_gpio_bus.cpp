@@ -5,10 +5,6 @@
 
 namespace frontpanelhw {
 
-Hd44780BusError::~Hd44780BusError() = default;
-
-IHd44780Bus::~IHd44780Bus() = default;
-
 IHd44780LineOutput::~IHd44780LineOutput() = default;
 
 GpioHd44780Bus::GpioHd44780Bus(std::unique_ptr<IHd44780LineOutput> lines)

@@ -1,0 +1,9 @@
+#include <frontpanelhw/hd44780_bus.h>
+
+namespace frontpanelhw {
+
+Hd44780BusError::~Hd44780BusError() = default;
+
+IHd44780Bus::~IHd44780Bus() = default;
+
+}  // namespace frontpanelhw
