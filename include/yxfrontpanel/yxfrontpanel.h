@@ -5,7 +5,11 @@
 #include <frontpanelhw/code_page.h>
 #include <frontpanelhw/display.h>
 #include <frontpanelhw/display_types.h>
+#include <frontpanelhw/evdev_key_source.h>
 #include <frontpanelhw/frame_diff.h>
+#include <frontpanelhw/gpio_key_source.h>
+#include <frontpanelhw/input_errors.h>
+#include <frontpanelhw/input_key_map.h>
 #include <frontpanelhw/key_source.h>
 #include <frontpanelhw/terminal_display.h>
 #include <frontpanelhw/terminal_keys.h>
