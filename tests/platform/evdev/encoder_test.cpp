@@ -186,6 +186,20 @@ TEST_F(EncoderTest, DroppedEventsForgetAPartialStep) {
     EXPECT_EQ(events(), steps("up", 1));
 }
 
+TEST_F(EncoderTest, StepOfAHeldKeyIsLeftOut) {
+    start();
+    pipe_.key(KEY_UP, 1);
+    turn(1);
+    turn(-1);
+    pipe_.key(KEY_UP, 0);
+    Events expected{"press up"};
+    for (auto const& event : steps("down", 1)) {
+        expected.push_back(event);
+    }
+    expected.push_back("release up");
+    EXPECT_EQ(events(), expected);
+}
+
 TEST_F(EncoderTest, PushSwitchIsEnter) {
     start();
     pipe_.key(KEY_ENTER, 1);

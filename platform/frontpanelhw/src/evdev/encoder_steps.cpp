@@ -37,13 +37,12 @@ unsigned EncoderSteps::acceleratedSteps(bool up, std::chrono::microseconds time)
         std::clamp<unsigned long long>(factor, 1, options_.maxAcceleratedSteps));
 }
 
-void EncoderSteps::addCounts(int counts, std::chrono::microseconds time,
-                             std::deque<KeyEvent>& out) {
+EncoderStep EncoderSteps::addCounts(int counts, std::chrono::microseconds time) {
     pendingCounts_ += options_.reverse ? -static_cast<long long>(counts) : counts;
     long long const detents = options_.detentsPerStep;
     long long const steps = pendingCounts_ / detents;  // rounds toward zero: partial turns wait
     if (steps == 0) {
-        return;
+        return {};
     }
     pendingCounts_ -= steps * detents;
     bool const up = steps > 0;
@@ -51,23 +50,17 @@ void EncoderSteps::addCounts(int counts, std::chrono::microseconds time,
     // infinitely fast.
     unsigned long long const total =
         static_cast<unsigned long long>(up ? steps : -steps) * acceleratedSteps(up, time);
-    PanelKey const key = up ? PanelKey::Up : PanelKey::Down;
-    // Bounded so that a garbage count cannot flood the queue.
-    constexpr unsigned long long kMostStepsPerEvent = 64;
-    for (unsigned long long i = 0; i < std::min(total, kMostStepsPerEvent); ++i) {
-        out.push_back(KeyEvent::panel(key));
-        out.push_back(KeyEvent::release(key));
-    }
     lastStepTime_ = time;
     lastStepUp_ = up;
+    return {up ? PanelKey::Up : PanelKey::Down,
+            static_cast<unsigned>(std::min<unsigned long long>(total, kMostStepsPerEvent))};
 }
 
-void EncoderSteps::addPosition(int axis, int value, std::chrono::microseconds time,
-                               std::deque<KeyEvent>& out) {
+EncoderStep EncoderSteps::addPosition(int axis, int value, std::chrono::microseconds time) {
     auto const previous = positions_.find(axis);
     if (previous == positions_.end()) {
         positions_[axis] = value;
-        return;
+        return {};
     }
     long long delta = static_cast<long long>(value) - previous->second;
     previous->second = value;
@@ -80,7 +73,7 @@ void EncoderSteps::addPosition(int axis, int value, std::chrono::microseconds ti
         }
     }
     constexpr long long kLargestDelta = 1 << 20;
-    addCounts(static_cast<int>(std::clamp(delta, -kLargestDelta, kLargestDelta)), time, out);
+    return addCounts(static_cast<int>(std::clamp(delta, -kLargestDelta, kLargestDelta)), time);
 }
 
 void EncoderSteps::setAbsoluteRange(int axis, int minimum, int maximum) {

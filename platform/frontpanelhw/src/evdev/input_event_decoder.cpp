@@ -2,6 +2,7 @@
 
 #include <yxbase2/log.h>
 
+#include <algorithm>
 #include <cstring>
 #include <sstream>
 #include <utility>
@@ -17,8 +18,12 @@ constexpr int kWarning = 4;
 constexpr unsigned kMostSkipLogLines = 8;
 
 std::chrono::microseconds timeOf(input_event const& record) {
-    return std::chrono::seconds(record.input_event_sec) +
-           std::chrono::microseconds(record.input_event_usec);
+    // Clamped so that a garbage stamp cannot overflow the conversion; real stamps are far
+    // inside (2^40 seconds are some 35,000 years).
+    constexpr long long kLargest = 1LL << 40;
+    long long const seconds = std::clamp<long long>(record.input_event_sec, -kLargest, kLargest);
+    long long const micros = std::clamp<long long>(record.input_event_usec, -kLargest, kLargest);
+    return std::chrono::seconds(seconds) + std::chrono::microseconds(micros);
 }
 
 }  // namespace
@@ -100,12 +105,12 @@ void InputEventDecoder::handle(input_event const& record, std::deque<KeyEvent>& 
             return;
         case EV_REL:
             if (encoder_.isRelativeAxis(record.code)) {
-                encoder_.addCounts(record.value, timeOf(record), out);
+                addSteps(encoder_.addCounts(record.value, timeOf(record)), out);
             }
             return;
         case EV_ABS:
             if (encoder_.isAbsoluteAxis(record.code)) {
-                encoder_.addPosition(record.code, record.value, timeOf(record), out);
+                addSteps(encoder_.addPosition(record.code, record.value, timeOf(record)), out);
             }
             return;
         default:
@@ -122,6 +127,17 @@ void InputEventDecoder::handleKey(int code, int value, std::deque<KeyEvent>& out
         return;
     }
     setHeld(code, value == 1, out);
+}
+
+void InputEventDecoder::addSteps(EncoderStep step, std::deque<KeyEvent>& out) {
+    auto const holders = heldCodesPerKey_.find(step.key);
+    if (holders != heldCodesPerKey_.end() && holders->second > 0) {
+        return;  // the key is held: a step would release it while it is still down
+    }
+    for (unsigned i = 0; i < step.count; ++i) {
+        out.push_back(KeyEvent::panel(step.key));
+        out.push_back(KeyEvent::release(step.key));
+    }
 }
 
 void InputEventDecoder::setHeld(int code, bool down, std::deque<KeyEvent>& out) {

@@ -44,6 +44,7 @@ public:
 private:
     void handle(input_event const& record, std::deque<KeyEvent>& out);
     void handleKey(int code, int value, std::deque<KeyEvent>& out);
+    void addSteps(EncoderStep step, std::deque<KeyEvent>& out);
     void setHeld(int code, bool down, std::deque<KeyEvent>& out);
     void resynchronise(std::deque<KeyEvent>& out);
     void skipped(input_event const& record, char const* why);
