@@ -11,6 +11,7 @@
 #include <frontpanelhw/input_errors.h>
 #include <frontpanelhw/input_key_map.h>
 #include <frontpanelhw/key_source.h>
+#include <frontpanelhw/screen_text.h>
 #include <frontpanelhw/terminal_display.h>
 #include <frontpanelhw/terminal_keys.h>
 #include <yxbase2/log.h>
