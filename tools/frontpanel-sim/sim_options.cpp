@@ -107,12 +107,19 @@ SimOptions parseOptions(std::vector<std::string> const& arguments) {
             options.idle = parseIdle(takeValue());
         } else if (name == "--headless") {
             options.headless = true;
+        } else if (name == "--input") {
+            options.inputs.push_back(parseInputSpec(takeValue()));
         } else {
             throw UsageError("unknown option '" + argument + "' (see --help)");
         }
     }
-    if (options.print != PrintMode::None && !options.keyScript) {
-        throw UsageError("--print needs a key script (--keys or --keys-file)");
+    if (options.print != PrintMode::None && !options.keyScript &&
+        !(options.headless && !options.inputs.empty())) {
+        throw UsageError(
+            "--print needs a key script (--keys or --keys-file) or --headless with --input");
+    }
+    if (options.keyScript && !options.inputs.empty()) {
+        throw UsageError("--input cannot drive a key script; use --headless with --input");
     }
     if (options.headless && options.keyScript) {
         throw UsageError(
@@ -124,7 +131,8 @@ SimOptions parseOptions(std::vector<std::string> const& arguments) {
 
 std::string usage() {
     return "Usage: frontpanel-sim [--size COLSxLINES] [--keys \"KEYS\" | --keys-file FILE]\n"
-           "                      [--print all|last] [--idle SECONDS] [--headless] [--help]\n"
+           "                      [--print all|last] [--idle SECONDS] [--headless]\n"
+           "                      [--input evdev:PATH[:...] | gpio:CHIP:LINES]... [--help]\n"
            "\n"
            "Shows the front panel of a demo bench power supply, built with\n"
            "libYxFrontPanelToolbox, and lets you drive it with the keyboard.\n"
@@ -147,7 +155,8 @@ std::string usage() {
            "    --idle SECONDS      show the output status as home screen after SECONDS\n"
            "                        without a key (0: never); default 60, off in a key\n"
            "                        script (there wait:SECONDS lets the time pass)\n"
-           "    --headless          run without a terminal until SIGINT or SIGTERM\n"
+           "    --headless          run without a terminal until SIGINT or SIGTERM\n" +
+           inputSpecHelp() +
            "    --help              show this help\n"
            "\n"
            "Key script words (separated by blanks or line ends; '#' starts a comment):\n" +
@@ -165,7 +174,8 @@ std::string usage() {
            "the newest once per frame.\n"
            "\n"
            "The run starts in LOCAL mode. Exit status: 0 on success, 1 when the key\n"
-           "script or the run fails, 2 for a bad command line.\n";
+           "script or the run fails (e.g. an input device cannot be opened), 2 for a bad\n"
+           "command line.\n";
 }
 
 }  // namespace frontpanelsim

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "input_spec.h"
+
 namespace frontpanelsim {
 
 /** Which frames a headless run writes to standard output. */
@@ -25,6 +27,8 @@ struct SimOptions {
     std::optional<std::chrono::milliseconds> idle;
     /** --headless: run without a terminal until SIGINT or SIGTERM. */
     bool headless = false;
+    /** --input: key devices beside the terminal's keys, in the order given. */
+    std::vector<InputSpec> inputs;
     bool help = false;
 };
 

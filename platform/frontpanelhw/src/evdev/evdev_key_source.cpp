@@ -22,6 +22,7 @@ using TimePoint = std::chrono::steady_clock::time_point;
 
 constexpr int kWarning = 4;
 constexpr int kInfo = 6;
+constexpr int kDebug = 7;
 // Longer waits are cut to this, so that the deadline can never overflow the clock.
 constexpr std::chrono::milliseconds kLongestWait = std::chrono::hours(24);
 // Records read at once: enough for every key of a keypad changing in one report.
@@ -111,8 +112,9 @@ public:
 private:
     /** Sets up a freshly opened descriptor. @throws InputDeviceError when it is unusable. */
     void adopt(int descriptor) {
+        bool isDevice = false;
         try {
-            bool const isDevice = detail::checkInputDescriptor(descriptor, name_);
+            isDevice = detail::checkInputDescriptor(descriptor, name_);
             if (isDevice && options_.grab) {
                 detail::grabInputDevice(descriptor, name_);
             }
@@ -139,6 +141,7 @@ private:
             throw;
         }
         descriptor_ = descriptor;
+        isDevice_ = isDevice;
     }
 
     /** Waits up to `wait` for the descriptor and reads what it has; false when nothing came.
@@ -173,7 +176,8 @@ private:
             nextReopen_ = options_.clock() + options_.reopenInterval;
             logLine(kInfo, name_ + " has closed; opening it again when it is back");
         } else {
-            logLine(kInfo, name_ + " has closed");
+            // The end of a pipe or file is the expected end of a replay, not news.
+            logLine(isDevice_ ? kInfo : kDebug, name_ + " has closed");
         }
     }
 
@@ -204,6 +208,7 @@ private:
     bool canReopen_;
     detail::InputEventDecoder decoder_;
     int descriptor_ = -1;
+    bool isDevice_ = false;
     bool repeats_ = false;
     TimePoint nextReopen_{};
     std::deque<KeyEvent> pending_;
