@@ -25,6 +25,7 @@ std::vector<std::string> split(std::string const& text, char separator) {
     }
 }
 
+#if defined(YXFP_HAVE_EVDEV)
 unsigned detents(std::string const& value, std::string const& text) {
     unsigned number = 0;
     bool valid = !value.empty() && value.size() <= 3;
@@ -38,6 +39,7 @@ unsigned detents(std::string const& value, std::string const& text) {
     }
     return number;
 }
+#endif
 
 void parseEvdev(InputSpec& spec, std::vector<std::string> const& pieces) {
 #if defined(YXFP_HAVE_EVDEV)
