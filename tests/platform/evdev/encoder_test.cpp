@@ -36,7 +36,7 @@ class EncoderTest : public ::testing::Test {
 protected:
     void start(EncoderOptions encoder = {}) {
         EvdevOptions options;
-        options.encoder = encoder;
+        options.encoder = std::move(encoder);
         source_ = std::make_unique<EvdevKeySource>(pipe_.releaseReadEnd(), options);
     }
     void turn(int counts, long milliseconds = 0, std::uint16_t axis = REL_DIAL) {

@@ -84,7 +84,7 @@ public:
      *  @throws KeyMapError when `options` name no line or one line twice; InputDeviceError
      *  naming the chip or line and what to do when the chip does not exist, may not be opened,
      *  has no such line or the line is in use. */
-    GpioKeySource(std::string const& chip, GpioKeyOptions options);
+    GpioKeySource(std::string const& chip, GpioKeyOptions const& options);
     /** Reads the edges of `edges`, which it owns.
      *  @throws KeyMapError as above; InputDeviceError when a line's level cannot be read. */
     GpioKeySource(std::unique_ptr<IGpioEdgeSource> edges, GpioKeyOptions options);

@@ -3,9 +3,9 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <deque>
 #include <sstream>
+#include <system_error>
 #include <utility>
 
 #include "input_device.h"
@@ -37,6 +37,18 @@ void logLine(int level, std::string const& text) {
 std::chrono::milliseconds ceilMilliseconds(std::chrono::steady_clock::duration duration) {
     return std::max(std::chrono::milliseconds(0),
                     std::chrono::ceil<std::chrono::milliseconds>(duration));
+}
+
+/** An opener that gives `descriptor` once and then fails as a device that is gone. */
+EvdevKeySource::Opener givenOnce(int descriptor) {
+    return [descriptor, first = true]() mutable {
+        if (!first || descriptor < 0) {
+            errno = first ? EBADF : ENOENT;
+            return -1;
+        }
+        first = false;
+        return descriptor;
+    };
 }
 
 }  // namespace
@@ -162,7 +174,8 @@ private:
             return false;
         }
         if (size < 0) {
-            logLine(kWarning, name_ + ": " + std::strerror(errno));
+            int const error = errno;
+            logLine(kWarning, name_ + ": " + std::system_category().message(error));
         }
         inputEnded();
         return true;
@@ -219,16 +232,9 @@ EvdevKeySource::EvdevKeySource(std::string const& path, EvdevOptions options)
                                    std::move(options), true)) {}
 
 EvdevKeySource::EvdevKeySource(int descriptor, EvdevOptions options)
-    : impl_(std::make_unique<Impl>(
-          [descriptor, first = true]() mutable {
-              if (!first || descriptor < 0) {
-                  errno = first ? EBADF : ENOENT;
-                  return -1;
-              }
-              first = false;
-              return descriptor;
-          },
-          "descriptor " + std::to_string(descriptor), std::move(options), false)) {}
+    : impl_(std::make_unique<Impl>(givenOnce(descriptor),
+                                   "descriptor " + std::to_string(descriptor), std::move(options),
+                                   false)) {}
 
 EvdevKeySource::EvdevKeySource(Opener opener, EvdevOptions options)
     : impl_(std::make_unique<Impl>(std::move(opener), "input device", std::move(options), true)) {}

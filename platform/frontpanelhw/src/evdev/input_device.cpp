@@ -3,7 +3,7 @@
 #include <frontpanelhw/input_errors.h>
 
 #include <cerrno>
-#include <cstring>
+#include <system_error>
 
 #include <fcntl.h>
 #include <linux/input.h>
@@ -31,14 +31,15 @@ std::string openErrorMessage(std::string const& name, int error) {
         case ENXIO:
             return name + " is gone (unplugged or its driver unbound)";
         default:
-            return "cannot open " + name + ": " + std::strerror(error);
+            return "cannot open " + name + ": " + std::system_category().message(error);
     }
 }
 
 bool checkInputDescriptor(int descriptor, std::string const& name) {
     struct stat status {};
     if (::fstat(descriptor, &status) != 0) {
-        throw InputDeviceError("cannot use " + name + ": " + std::strerror(errno));
+        int const error = errno;
+        throw InputDeviceError("cannot use " + name + ": " + std::system_category().message(error));
     }
     if (S_ISFIFO(status.st_mode) || S_ISREG(status.st_mode) || S_ISSOCK(status.st_mode)) {
         return false;
@@ -56,12 +57,13 @@ void grabInputDevice(int descriptor, std::string const& name) {
     if (::ioctl(descriptor, EVIOCGRAB, 1) == 0) {
         return;
     }
-    if (errno == EBUSY) {
+    int const error = errno;
+    if (error == EBUSY) {
         throw InputDeviceError("cannot grab " + name +
                                ": another program has grabbed it already; stop that program or "
                                "leave out the grab");
     }
-    throw InputDeviceError("cannot grab " + name + ": " + std::strerror(errno));
+    throw InputDeviceError("cannot grab " + name + ": " + std::system_category().message(error));
 }
 
 bool inputDeviceRepeats(int descriptor) {

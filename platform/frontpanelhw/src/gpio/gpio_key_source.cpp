@@ -49,7 +49,7 @@ std::vector<unsigned> offsetsOf(GpioKeyOptions const& options) {
 
 IGpioEdgeSource::~IGpioEdgeSource() = default;
 
-GpioKeySource::GpioKeySource(std::string const& chip, GpioKeyOptions options)
+GpioKeySource::GpioKeySource(std::string const& chip, GpioKeyOptions const& options)
     : GpioKeySource(
           detail::openGpioEdgeSource(chip, offsetsOf(options), options.bias, options.consumer),
           options) {}  // a copy: the arguments' order of evaluation is unspecified

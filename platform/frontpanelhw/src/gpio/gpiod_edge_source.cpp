@@ -2,9 +2,9 @@
 
 #include <cerrno>
 #include <cstdint>
-#include <cstring>
 #include <ctime>
 #include <deque>
+#include <system_error>
 
 #include <gpiod.h>
 #include <sys/epoll.h>
@@ -42,7 +42,7 @@ std::string chipOpenMessage(std::string const& chip, int error) {
                    "': run as root or give your user access to /dev/gpiochip* (a 'gpio' group "
                    "or a udev rule)";
         default:
-            return "cannot open GPIO chip '" + chip + "': " + std::strerror(error);
+            return "cannot open GPIO chip '" + chip + "': " + std::system_category().message(error);
     }
 }
 
@@ -62,7 +62,7 @@ public:
             int const error = errno;
             release();
             throw InputDeviceError("cannot wait for GPIO events: " +
-                                   std::string(std::strerror(error)));
+                                   std::system_category().message(error));
         }
         for (unsigned const offset : offsets) {
             request(offset, bias, consumer);
@@ -90,8 +90,10 @@ public:
             if (line.offset == offset) {
                 int const value = ::gpiod_line_get_value(line.line);
                 if (value < 0) {
+                    int const error = errno;
                     throw InputDeviceError("cannot read GPIO line " + std::to_string(offset) +
-                                           " of " + name_ + ": " + std::strerror(errno));
+                                           " of " + name_ + ": " +
+                                           std::system_category().message(error));
                 }
                 return value != 0;
             }
@@ -125,7 +127,7 @@ private:
                           (holder != nullptr ? holder : "another program") +
                           "': free it (gpioinfo shows who holds it) or choose another line"
                     : "cannot request GPIO line " + std::to_string(offset) + " of " + name_ + ": " +
-                          std::strerror(error);
+                          std::system_category().message(error);
             release();
             throw InputDeviceError(message);
         }
@@ -137,16 +139,17 @@ private:
             int const error = errno;
             release();
             throw InputDeviceError("cannot wait for GPIO events: " +
-                                   std::string(std::strerror(error)));
+                                   std::system_category().message(error));
         }
     }
 
     void collect() {
         epoll_event ready[8];
         int const count = ::epoll_wait(epoll_, ready, 8, 0);
-        if (count < 0 && errno != EINTR) {
+        int const error = errno;
+        if (count < 0 && error != EINTR) {
             throw InputDeviceError("waiting for GPIO events of " + name_ +
-                                   " failed: " + std::strerror(errno));
+                                   " failed: " + std::system_category().message(error));
         }
         for (int i = 0; i < count; ++i) {
             Line const& line = lines_.at(ready[i].data.u32);
@@ -156,8 +159,10 @@ private:
             }
             gpiod_line_event event{};
             if (::gpiod_line_event_read(line.line, &event) != 0) {
+                int const readError = errno;
                 throw InputDeviceError("reading GPIO line " + std::to_string(line.offset) + " of " +
-                                       name_ + " failed: " + std::strerror(errno));
+                                       name_ +
+                                       " failed: " + std::system_category().message(readError));
             }
             waiting_.push_back(GpioEdge{
                 line.offset, event.event_type == GPIOD_LINE_EVENT_RISING_EDGE, timeOf(event.ts)});
