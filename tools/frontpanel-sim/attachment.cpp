@@ -4,6 +4,7 @@
 
 #include "input_devices.h"
 #include "printed_frames.h"
+#include "web_attachment.h"
 
 namespace frontpanelsim {
 
@@ -14,8 +15,10 @@ bool Attachment::keepsRunning() const { return false; }
 
 Attachments attachmentsFor(SimOptions const& options) {
     Attachments attachments;
-    // One entry per option that plugs something into the run, in the order they attach, e.g.
-    //     if (options.listen) attachments.push_back(std::make_unique<...>(*options.listen));
+    // One entry per option that plugs something into the run, in the order they attach.
+    if (options.web) {
+        attachments.push_back(std::make_unique<WebAttachment>(*options.web, options.webToken));
+    }
     if (!options.inputs.empty()) {
         attachments.push_back(std::make_unique<InputDevices>(options.inputs));
     }

@@ -107,6 +107,13 @@ SimOptions parseOptions(std::vector<std::string> const& arguments) {
             options.idle = parseIdle(takeValue());
         } else if (name == "--headless") {
             options.headless = true;
+        } else if (name == "--web") {
+            options.web = parseEndpoint("--web", takeValue());
+        } else if (name == "--web-token") {
+            options.webToken = takeValue();
+            if (options.webToken.empty()) {
+                throw UsageError("--web-token needs a token that is not empty");
+            }
         } else if (name == "--input") {
             options.inputs.push_back(parseInputSpec(takeValue()));
         } else {
@@ -121,6 +128,9 @@ SimOptions parseOptions(std::vector<std::string> const& arguments) {
     if (options.keyScript && !options.inputs.empty()) {
         throw UsageError("--input cannot drive a key script; use --headless with --input");
     }
+    if (!options.webToken.empty() && !options.web) {
+        throw UsageError("--web-token needs --web");
+    }
     if (options.headless && options.keyScript) {
         throw UsageError(
             "--headless runs until stopped; a key script runs headless already, "
@@ -132,7 +142,8 @@ SimOptions parseOptions(std::vector<std::string> const& arguments) {
 std::string usage() {
     return "Usage: frontpanel-sim [--size COLSxLINES] [--keys \"KEYS\" | --keys-file FILE]\n"
            "                      [--print all|last] [--idle SECONDS] [--headless]\n"
-           "                      [--input evdev:PATH[:...] | gpio:CHIP:LINES]... [--help]\n"
+           "                      [--input evdev:PATH[:...] | gpio:CHIP:LINES]...\n"
+           "                      [--web HOST:PORT [--web-token TOKEN]] [--help]\n"
            "\n"
            "Shows the front panel of a demo bench power supply, built with\n"
            "libYxFrontPanelToolbox, and lets you drive it with the keyboard.\n"
@@ -157,6 +168,10 @@ std::string usage() {
            "                        script (there wait:SECONDS lets the time pass)\n"
            "    --headless          run without a terminal until SIGINT or SIGTERM\n" +
            inputSpecHelp() +
+           "    --web HOST:PORT     serve the panel to browsers at http://HOST:PORT/\n"
+           "                        (e.g. 127.0.0.1:8080; port 0 picks a free one)\n"
+           "    --web-token TOKEN   only pages opened with ?token=TOKEN may press keys;\n"
+           "                        the others only watch\n"
            "    --help              show this help\n"
            "\n"
            "Key script words (separated by blanks or line ends; '#' starts a comment):\n" +

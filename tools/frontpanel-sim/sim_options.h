@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "endpoint.h"
 #include "input_spec.h"
 
 namespace frontpanelsim {
@@ -29,6 +30,10 @@ struct SimOptions {
     bool headless = false;
     /** --input: key devices beside the terminal's keys, in the order given. */
     std::vector<InputSpec> inputs;
+    /** --web: where to serve the panel to browsers. */
+    std::optional<Endpoint> web;
+    /** --web-token: pages that do not present it only watch. */
+    std::string webToken;
     bool help = false;
 };
 
