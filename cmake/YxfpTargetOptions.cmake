@@ -57,6 +57,9 @@ function(yxfp_optional_dependency option_name prefix module debian_package what)
     endif()
     if(${option_name})
         message(STATUS "YxFrontPanel: ${what}: ON (${module} ${${prefix}_VERSION})")
+    elseif(${prefix}_FOUND)
+        message(STATUS "YxFrontPanel: ${what}: OFF (${option_name}=OFF; ${module} "
+            "${${prefix}_VERSION} is installed)")
     else()
         message(STATUS "YxFrontPanel: ${what}: OFF (${module} not found; Debian package "
             "${debian_package}; ${option_name}=ON requires it)")

@@ -15,8 +15,8 @@ yxfrontpanel::runtime::PanelOptions panelOptionsFor(SimOptions const& options, R
                                                     Attachments const& attachments) {
     yxfrontpanel::runtime::PanelOptions panelOptions;
     bool const scripted = kind == RunKind::KeyScript;
-    if (scripted) {
-        panelOptions.framesPerSecond = 0;  // a script's frames are its output: keep each one
+    if (scripted || (kind == RunKind::Headless && options.print != PrintMode::None)) {
+        panelOptions.framesPerSecond = 0;  // the printed frames are the output: keep each one
     }
     panelOptions.idleTimeout =
         options.idle.value_or(scripted ? std::chrono::milliseconds{0} : kInteractiveIdle);

@@ -116,12 +116,19 @@ SimOptions parseOptions(std::vector<std::string> const& arguments) {
             if (options.webToken.empty()) {
                 throw UsageError("--web-token needs a token that is not empty");
             }
+        } else if (name == "--input") {
+            options.inputs.push_back(parseInputSpec(takeValue()));
         } else {
             throw UsageError("unknown option '" + argument + "' (see --help)");
         }
     }
-    if (options.print != PrintMode::None && !options.keyScript) {
-        throw UsageError("--print needs a key script (--keys or --keys-file)");
+    if (options.print != PrintMode::None && !options.keyScript &&
+        !(options.headless && !options.inputs.empty())) {
+        throw UsageError(
+            "--print needs a key script (--keys or --keys-file) or --headless with --input");
+    }
+    if (options.keyScript && !options.inputs.empty()) {
+        throw UsageError("--input cannot drive a key script; use --headless with --input");
     }
     if (!options.webToken.empty() && !options.web) {
         throw UsageError("--web-token needs --web");
@@ -138,6 +145,7 @@ std::string usage() {
     return "Usage: frontpanel-sim [--size COLSxLINES] [--keys \"KEYS\" | --keys-file FILE]\n"
            "                      [--print all|last] [--idle SECONDS] [--headless]\n"
            "                      [--display DISPLAY]\n"
+           "                      [--input evdev:PATH[:...] | gpio:CHIP:LINES]...\n"
            "                      [--web HOST:PORT [--web-token TOKEN]] [--help]\n"
            "\n"
            "Shows the front panel of a demo bench power supply, built with\n"
@@ -170,7 +178,8 @@ std::string usage() {
            "                        hd44780-i2c:PATH[@ADDRESS][:a00|a02]  also drive a real\n"
            "                          module behind a PCF8574 I2C backpack at PATH\n"
            "                          (/dev/i2c-1; address default 0x27); a regular file\n"
-           "                          or a FIFO at PATH receives the raw expander bytes\n"
+           "                          or a FIFO at PATH receives the raw expander bytes\n" +
+           inputSpecHelp() +
            "    --web HOST:PORT     serve the panel to browsers at http://HOST:PORT/\n"
            "                        (e.g. 127.0.0.1:8080; port 0 picks a free one)\n"
            "    --web-token TOKEN   only pages opened with ?token=TOKEN may press keys;\n"
@@ -192,7 +201,8 @@ std::string usage() {
            "the newest once per frame.\n"
            "\n"
            "The run starts in LOCAL mode. Exit status: 0 on success, 1 when the key\n"
-           "script or the run fails, 2 for a bad command line.\n";
+           "script or the run fails (e.g. an input device cannot be opened), 2 for a bad\n"
+           "command line.\n";
 }
 
 }  // namespace frontpanelsim

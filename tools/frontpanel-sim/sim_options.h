@@ -8,6 +8,7 @@
 
 #include "display_spec.h"
 #include "endpoint.h"
+#include "input_spec.h"
 
 namespace frontpanelsim {
 
@@ -30,6 +31,8 @@ struct SimOptions {
     bool headless = false;
     /** --display: where the panel draws (the terminal by default, or an HD44780 module). */
     DisplaySpec display;
+    /** --input: key devices beside the terminal's keys, in the order given. */
+    std::vector<InputSpec> inputs;
     /** --web: where to serve the panel to browsers. */
     std::optional<Endpoint> web;
     /** --web-token: pages that do not present it only watch. */
