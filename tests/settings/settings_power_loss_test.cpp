@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <cstdint>
 #include <cstdlib>
@@ -99,13 +101,15 @@ TEST(SettingsPowerLossTest, EveryKillLeavesOneCompleteVersion) {
     }
     int const kills = killCount();
     std::mt19937 random(20261124U);
-    // Saves to wait for before the kill, and how long to spin afterwards: together they put the
-    // kill anywhere in a save (writing the temporary file, syncing, renaming).
-    std::uniform_int_distribution<int> savesBefore(0, 2);
-    std::uniform_int_distribution<long> spin(0, 3'000'000);
+    // Saves to wait for before the kill, then a random part of one save's duration (measured
+    // from the child's reports as the run goes): together they put the kill anywhere in a save,
+    // while writing the temporary file, flushing it, renaming it or flushing the directory.
+    std::uniform_int_distribution<int> savesBefore(1, 2);
+    std::uniform_real_distribution<double> partOfASave(0.0, 1.2);
+    auto savePeriod = std::chrono::microseconds(2000);
     std::int64_t confirmed = 0;
     std::set<std::int64_t> versionsSeen;
-    int killedMidSave = 0;
+    int leftThePrevious = 0;
     for (int kill = 0; kill < kills; ++kill) {
         SCOPED_TRACE("kill " + std::to_string(kill));
         int pipeEnds[2];
@@ -119,13 +123,25 @@ TEST(SettingsPowerLossTest, EveryKillLeavesOneCompleteVersion) {
         ::close(pipeEnds[1]);
         int const wait = savesBefore(random);
         std::int64_t version = 0;
+        auto lastReport = std::chrono::steady_clock::now();
         for (int i = 0; i < wait && ::read(pipeEnds[0], &version, sizeof version) ==
                                         static_cast<ssize_t>(sizeof version);
              ++i) {
             confirmed = version;
+            auto const now = std::chrono::steady_clock::now();
+            if (i > 0) {
+                // A running mean of the time between two finished saves, capped at a second.
+                auto const period =
+                    std::chrono::duration_cast<std::chrono::microseconds>(now - lastReport);
+                savePeriod =
+                    std::min(std::chrono::microseconds(1'000'000), (savePeriod * 3 + period) / 4);
+            }
+            lastReport = now;
         }
-        long const spins = spin(random);
-        for (volatile long i = 0; i < spins; i = i + 1) {
+        // A bounded busy wait for the random moment; no assertion depends on its length.
+        auto const moment = lastReport + std::chrono::duration_cast<std::chrono::microseconds>(
+                                             savePeriod * partOfASave(random));
+        while (std::chrono::steady_clock::now() < moment) {
         }
         ::kill(child, SIGKILL);
         int status = 0;
@@ -145,15 +161,18 @@ TEST(SettingsPowerLossTest, EveryKillLeavesOneCompleteVersion) {
         std::int64_t const loaded = loadedVersion(*store);
         ASSERT_TRUE(loaded == confirmed || loaded == confirmed + 1)
             << "loaded " << loaded << ", last confirmed " << confirmed;
-        killedMidSave += loaded == confirmed ? 1 : 0;
+        leftThePrevious += loaded == confirmed ? 1 : 0;
         versionsSeen.insert(loaded);
         confirmed = loaded;
     }
     EXPECT_TRUE(yxfp_test::filesStartingWith(dir.path(), "settings.json.corrupt").empty());
     // The kills really fell at different moments: many versions were written in all.
     EXPECT_GT(versionsSeen.size(), static_cast<std::size_t>(kills) / 2);
-    std::printf("power loss: %d kills, %zu distinct versions loaded, %d kills left the last finished version\n",
-                kills, versionsSeen.size(), killedMidSave);
+    std::printf(
+        "power loss: %d kills, %zu distinct versions loaded, %d left the last finished version, "
+        "%d the one being written; mean save %lld us\n",
+        kills, versionsSeen.size(), leftThePrevious, kills - leftThePrevious,
+        static_cast<long long>(savePeriod.count()));
 }
 
 }  // namespace
