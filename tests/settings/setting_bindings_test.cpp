@@ -62,7 +62,7 @@ struct BoundMenu : TestMenu {
         tree->setFocus(true);
     }
     // What a second store finds in the file after saving.
-    std::unique_ptr<SettingsStore> savedAndReloaded() {
+    std::unique_ptr<SettingsStore> savedAndReloaded() const {
         EXPECT_TRUE(store->saveNow());
         return panelStore(path);
     }

@@ -38,7 +38,7 @@ constexpr int kDefaultKills = 60;
 constexpr std::int64_t kMaxSavesPerChild = 50;
 
 int killCount() {
-    char const* text = std::getenv("YXFP_POWER_LOSS_KILLS");
+    char const* text = std::getenv("YXFP_POWER_LOSS_KILLS");  // NOLINT(concurrency-mt-unsafe)
     if (text == nullptr || *text == '\0') {
         return kDefaultKills;
     }
@@ -48,6 +48,7 @@ int killCount() {
 
 std::unique_ptr<SettingsStore> versionStore(std::string const& path) {
     std::vector<SettingDefinition> definitions;
+    definitions.reserve(kValueCount);
     for (int i = 0; i < kValueCount; ++i) {
         definitions.push_back(SettingDefinition::integer("value" + std::to_string(i), kDefault,
                                                          kDefault, 1'000'000'000));

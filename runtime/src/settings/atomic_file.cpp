@@ -1,8 +1,8 @@
 #include "atomic_file.h"
 
 #include <cerrno>
-#include <cstring>
 #include <ctime>
+#include <system_error>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -13,7 +13,8 @@ namespace yxfrontpanel::settings::detail {
 namespace {
 
 std::string failure(char const* step, std::string const& file, int error) {
-    return std::string(step) + " " + file + " failed: " + std::strerror(error);
+    return std::string(step) + " " + file +
+           " failed: " + std::error_code(error, std::generic_category()).message();
 }
 
 // Closes a descriptor on every path out of a function.
@@ -182,7 +183,7 @@ std::string moveAside(std::string const& path, std::string& error) {
     std::string const base = path + ".corrupt-" + stamp;
     constexpr int kMaxSuffix = 1000;
     for (int suffix = 1; suffix <= kMaxSuffix; ++suffix) {
-        std::string const target = suffix == 1 ? base : base + "-" + std::to_string(suffix);
+        std::string target = suffix == 1 ? base : base + "-" + std::to_string(suffix);
         struct stat existing {};
         if (::lstat(target.c_str(), &existing) == 0) {
             continue;

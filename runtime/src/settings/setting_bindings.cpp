@@ -128,7 +128,7 @@ SettingBinding bindSetting(SettingsStore& store, std::string const& key, ValueEd
     }
     show(store.get(key));
     auto id = std::make_shared<SettingsStore::ListenerId>(0);
-    item.connectEditor([&store, key, id, show, onCommit](double value) {
+    item.connectEditor([&store, key, id, show, onCommit = std::move(onCommit)](double value) {
         commit(store, key, value, *id, show);
         if (onCommit) {
             onCommit(value);
@@ -146,17 +146,18 @@ SettingBinding bindSetting(SettingsStore& store, std::string const& key,
     };
     show(store.get(key));
     auto id = std::make_shared<SettingsStore::ListenerId>(0);
-    item.connectEditor([&store, key, id, show, onCommit](std::string const& text) {
-        if (auto const address = parseIpv4(text)) {
-            commit(store, key, *address, *id, show);
-        } else {
-            warn("'" + key + "': the editor applied \"" + text + "\", not an IPv4 address; kept " +
-                 toText(store.get(key)));
-        }
-        if (onCommit) {
-            onCommit(text);
-        }
-    });
+    item.connectEditor(
+        [&store, key, id, show, onCommit = std::move(onCommit)](std::string const& text) {
+            if (auto const address = parseIpv4(text)) {
+                commit(store, key, *address, *id, show);
+            } else {
+                warn("'" + key + "': the editor applied \"" + text +
+                     "\", not an IPv4 address; kept " + toText(store.get(key)));
+            }
+            if (onCommit) {
+                onCommit(text);
+            }
+        });
     return subscribe(store, key, id, show);
 }
 
@@ -167,7 +168,7 @@ SettingBinding bindSetting(SettingsStore& store, std::string const& key, InlineE
     auto show = [&item](SettingValue const& value) { item.setValue(toItemKey(value)); };
     show(store.get(key));
     auto id = std::make_shared<SettingsStore::ListenerId>(0);
-    item.valueCallback = [&store, key, type, id, show, onCommit](int choice) {
+    item.valueCallback = [&store, key, type, id, show, onCommit = std::move(onCommit)](int choice) {
         commit(store, key, fromItemKey(type, choice), *id, show);
         if (onCommit) {
             onCommit(choice);
@@ -183,7 +184,7 @@ SettingBinding bindSetting(SettingsStore& store, std::string const& key, RadioTr
     auto show = [&item](SettingValue const& value) { item.setValue(toItemKey(value)); };
     show(store.get(key));
     auto id = std::make_shared<SettingsStore::ListenerId>(0);
-    item.valueCallback = [&store, key, type, id, show, onCommit](int choice) {
+    item.valueCallback = [&store, key, type, id, show, onCommit = std::move(onCommit)](int choice) {
         commit(store, key, fromItemKey(type, choice), *id, show);
         if (onCommit) {
             onCommit(choice);
@@ -210,7 +211,7 @@ SettingBinding bindSetting(SettingsStore& store, std::string const& key, SliderM
         show(fallback);
     }
     auto id = std::make_shared<SettingsStore::ListenerId>(0);
-    item.connectSlider([&store, key, id, show, onCommit](int value) {
+    item.connectSlider([&store, key, id, show, onCommit = std::move(onCommit)](int value) {
         commit(store, key, std::int64_t{value}, *id, show);
         if (onCommit) {
             onCommit(value);

@@ -153,7 +153,7 @@ SettingDefinition SettingDefinition::text(std::string key, std::string defaultVa
     return definition;
 }
 
-SettingDefinition SettingDefinition::ipv4(std::string key, ip::IpV4Address defaultValue) {
+SettingDefinition SettingDefinition::ipv4(std::string key, ip::IpV4Address const& defaultValue) {
     return SettingDefinition(std::move(key), defaultValue);
 }
 

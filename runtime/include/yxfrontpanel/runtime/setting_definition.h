@@ -71,7 +71,7 @@ public:
     static SettingDefinition text(std::string key, std::string defaultValue,
                                   std::size_t maxLength = 256);
     /** An IPv4 address. @throws std::invalid_argument for an empty key. */
-    static SettingDefinition ipv4(std::string key, ip::IpV4Address defaultValue);
+    static SettingDefinition ipv4(std::string key, ip::IpV4Address const& defaultValue);
 
     std::string const& key() const;
     SettingType type() const;
