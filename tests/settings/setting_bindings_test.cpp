@@ -92,6 +92,7 @@ TEST(SettingBindingsTest, AValueEditorShowsCommitsAndFollowsTheStore) {
 
     menu.store->set("voltage", 3.25);
     EXPECT_EQ(item->getEditor().getValue(), 3.25);
+    yxfp_test::LogCapture const log;
     menu.store->resetToDefaults();
     EXPECT_EQ(item->getEditor().getValue(), 12.5);
 }

@@ -397,6 +397,7 @@ TEST(SettingsStoreTest, FactoryResetRestoresEveryDefaultAndSaves) {
     store->subscribe("channel", [&heard](SettingValue const& value) {
         heard.push_back(std::get<std::int64_t>(value));
     });
+    LogCapture const log;
     ASSERT_TRUE(store->resetToDefaults());
     expectDefaults(*store);
     EXPECT_EQ(heard, (std::vector<std::int64_t>{3}));

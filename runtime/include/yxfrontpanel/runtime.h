@@ -6,6 +6,7 @@
 #include <yxfrontpanel/runtime/clock.h>
 #include <yxfrontpanel/runtime/export.h>
 #include <yxfrontpanel/runtime/panel.h>
+#include <yxfrontpanel/runtime/panel_save_scheduler.h>
 #include <yxfrontpanel/runtime/setting_bindings.h>
 #include <yxfrontpanel/runtime/setting_definition.h>
 #include <yxfrontpanel/runtime/settings_store.h>
