@@ -105,6 +105,16 @@ SimOptions parseOptions(std::vector<std::string> const& arguments) {
             options.print = parsePrintMode(takeValue());
         } else if (name == "--idle") {
             options.idle = parseIdle(takeValue());
+        } else if (name == "--settings") {
+            options.settingsFile = takeValue();
+            if (options.settingsFile->empty()) {
+                throw UsageError("--settings needs a file name");
+            }
+#ifndef YXFP_HAVE_SETTINGS
+            throw UsageError(
+                "--settings: this build has no settings store (configure with nlohmann-json, "
+                "Debian package nlohmann-json3-dev)");
+#endif
         } else if (name == "--headless") {
             options.headless = true;
         } else {
@@ -124,7 +134,8 @@ SimOptions parseOptions(std::vector<std::string> const& arguments) {
 
 std::string usage() {
     return "Usage: frontpanel-sim [--size COLSxLINES] [--keys \"KEYS\" | --keys-file FILE]\n"
-           "                      [--print all|last] [--idle SECONDS] [--headless] [--help]\n"
+           "                      [--print all|last] [--idle SECONDS] [--settings FILE]\n"
+           "                      [--headless] [--help]\n"
            "\n"
            "Shows the front panel of a demo bench power supply, built with\n"
            "libYxFrontPanelToolbox, and lets you drive it with the keyboard.\n"
@@ -147,6 +158,11 @@ std::string usage() {
            "    --idle SECONDS      show the output status as home screen after SECONDS\n"
            "                        without a key (0: never); default 60, off in a key\n"
            "                        script (there wait:SECONDS lets the time pass)\n"
+           "    --settings FILE     keep the settings in FILE: edits are saved two seconds\n"
+           "                        after the first unsaved one and when the run ends,\n"
+           "                        \"Save settings\" saves at once, \"Reset defaults\"\n"
+           "                        resets and saves; default: none (every run starts\n"
+           "                        from the defaults, so scripted runs repeat exactly)\n"
            "    --headless          run without a terminal until SIGINT or SIGTERM\n"
            "    --help              show this help\n"
            "\n"
