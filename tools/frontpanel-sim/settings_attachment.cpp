@@ -8,7 +8,7 @@ namespace frontpanelsim {
 
 SettingsAttachment::SettingsAttachment(std::string path) : path_(std::move(path)) {}
 
-SettingsAttachment::~SettingsAttachment() { detach(); }
+SettingsAttachment::~SettingsAttachment() { unplug(); }
 
 void SettingsAttachment::attach(SimContext const& context) {
     yxfrontpanel::settings::SettingsStoreOptions options;
@@ -22,7 +22,9 @@ void SettingsAttachment::attach(SimContext const& context) {
     saving_ = std::make_unique<yxfrontpanel::settings::PanelSaveScheduler>(context.panel, *store_);
 }
 
-void SettingsAttachment::detach() noexcept {
+void SettingsAttachment::detach() noexcept { unplug(); }
+
+void SettingsAttachment::unplug() noexcept {
     // Unsaved changes first, while the application still holds its bindings.
     saving_.reset();
     if (app_ != nullptr) {

@@ -14,7 +14,7 @@ namespace frontpanelsim {
  *  missing one gives the defaults, a corrupt one is moved aside with a warning on stderr) and
  *  binds the application to it; changes are saved two seconds after the first unsaved one, on
  *  the panel's clock. Detaching writes what is still unsaved and unbinds the application. */
-class SettingsAttachment : public Attachment {
+class SettingsAttachment final : public Attachment {
 public:
     /** The application name written into the file. */
     static constexpr char const* kApplicationName = "frontpanel-sim demo";
@@ -29,6 +29,9 @@ public:
     void detach() noexcept override;
 
 private:
+    /** Writes what is unsaved, unbinds the application and closes the store; idempotent. */
+    void unplug() noexcept;
+
     std::string path_;
     PanelApp* app_ = nullptr;
     std::unique_ptr<yxfrontpanel::settings::SettingsStore> store_;

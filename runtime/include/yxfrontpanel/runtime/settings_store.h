@@ -132,7 +132,8 @@ public:
     /** Writes the file when there are unsaved changes; ok without writing otherwise. */
     SaveResult flush();
     /** Factory reset: every declared value back to its default (listeners notified), keys this
-     *  application does not know dropped, then `saveNow`. */
+     *  application does not know dropped, then `saveNow` (which a read-only store refuses: the
+     *  values are then reset in memory only). */
     SaveResult resetToDefaults();
 
     /** The value of `key`. @throws std::out_of_range for a key that was not declared. */
