@@ -6,6 +6,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <random>
@@ -115,6 +116,7 @@ TEST(SettingsPowerLossTest, EveryKillLeavesOneCompleteVersion) {
         SCOPED_TRACE("kill " + std::to_string(kill));
         int pipeEnds[2];
         ASSERT_EQ(::pipe(pipeEnds), 0);
+        std::fflush(nullptr);  // the child must not write the parent's buffered output again
         pid_t const child = ::fork();
         ASSERT_GE(child, 0);
         if (child == 0) {

@@ -4,6 +4,7 @@
 
 #include <csignal>
 #include <cstdint>
+#include <cstdio>
 #include <filesystem>
 #include <string>
 
@@ -76,7 +77,8 @@ TEST(SettingsWriteFailureTest, AFileSizeLimitLikeAFullDiskKeepsTheOldFile) {
     auto store = storeWithUnsavedChange(path);
     std::string const oldContent = readFile(path);
 
-    LogCapture log;  // the child's expected error line stays off the console
+    LogCapture log;        // the child's expected error line stays off the console
+    std::fflush(nullptr);  // the child must not write the parent's buffered output again
     pid_t const child = ::fork();
     ASSERT_GE(child, 0);
     if (child == 0) {

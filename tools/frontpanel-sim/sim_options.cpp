@@ -117,12 +117,22 @@ SimOptions parseOptions(std::vector<std::string> const& arguments) {
 #endif
         } else if (name == "--headless") {
             options.headless = true;
+        } else if (name == "--web") {
+            options.web = parseEndpoint("--web", takeValue());
+        } else if (name == "--web-token") {
+            options.webToken = takeValue();
+            if (options.webToken.empty()) {
+                throw UsageError("--web-token needs a token that is not empty");
+            }
         } else {
             throw UsageError("unknown option '" + argument + "' (see --help)");
         }
     }
     if (options.print != PrintMode::None && !options.keyScript) {
         throw UsageError("--print needs a key script (--keys or --keys-file)");
+    }
+    if (!options.webToken.empty() && !options.web) {
+        throw UsageError("--web-token needs --web");
     }
     if (options.headless && options.keyScript) {
         throw UsageError(
@@ -135,7 +145,7 @@ SimOptions parseOptions(std::vector<std::string> const& arguments) {
 std::string usage() {
     return "Usage: frontpanel-sim [--size COLSxLINES] [--keys \"KEYS\" | --keys-file FILE]\n"
            "                      [--print all|last] [--idle SECONDS] [--settings FILE]\n"
-           "                      [--headless] [--help]\n"
+           "                      [--headless] [--web HOST:PORT [--web-token TOKEN]] [--help]\n"
            "\n"
            "Shows the front panel of a demo bench power supply, built with\n"
            "libYxFrontPanelToolbox, and lets you drive it with the keyboard.\n"
@@ -164,6 +174,10 @@ std::string usage() {
            "                        resets and saves; default: none (every run starts\n"
            "                        from the defaults, so scripted runs repeat exactly)\n"
            "    --headless          run without a terminal until SIGINT or SIGTERM\n"
+           "    --web HOST:PORT     serve the panel to browsers at http://HOST:PORT/\n"
+           "                        (e.g. 127.0.0.1:8080; port 0 picks a free one)\n"
+           "    --web-token TOKEN   only pages opened with ?token=TOKEN may press keys;\n"
+           "                        the others only watch\n"
            "    --help              show this help\n"
            "\n"
            "Key script words (separated by blanks or line ends; '#' starts a comment):\n" +

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "endpoint.h"
+
 namespace frontpanelsim {
 
 /** Which frames a headless run writes to standard output. */
@@ -28,6 +30,10 @@ struct SimOptions {
     std::optional<std::string> settingsFile;
     /** --headless: run without a terminal until SIGINT or SIGTERM. */
     bool headless = false;
+    /** --web: where to serve the panel to browsers. */
+    std::optional<Endpoint> web;
+    /** --web-token: pages that do not present it only watch. */
+    std::string webToken;
     bool help = false;
 };
 

@@ -10,3 +10,4 @@
 #include <yxfrontpanel/runtime/setting_bindings.h>
 #include <yxfrontpanel/runtime/setting_definition.h>
 #include <yxfrontpanel/runtime/settings_store.h>
+#include <yxfrontpanel/runtime/web_panel.h>
