@@ -41,10 +41,6 @@ class PlainItem : public yxfrontpanel::MenuItem {
 public:
     using MenuItem::MenuItem;
     void setLocal(bool /*local*/) override {}
-    bool left() override { return false; }
-    bool right() override { return false; }
-    bool up() override { return false; }
-    bool down() override { return false; }
 };
 
 /** A voltage editor (0..30 V, two decimals) showing 12.50 V, focused and editable. */

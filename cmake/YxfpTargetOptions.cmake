@@ -25,11 +25,25 @@ function(yxfp_setup_library target include_dir)
         # Installed libraries find their siblings next to themselves, wherever the tree lands.
         INSTALL_RPATH "$ORIGIN")
     yxfp_set_warnings(${target})
+    if(YXFP_STRICT_WARNINGS)
+        # Opt-in: implicit narrowing, shadowed names, C casts and hidden overloads.
+        target_compile_options(${target} PRIVATE
+            -Wshadow -Wconversion -Wold-style-cast -Woverloaded-virtual)
+    endif()
     install(TARGETS ${target} EXPORT YxFrontPanelToolboxTargets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
         RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
     install(DIRECTORY ${include_dir}/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+endfunction()
+
+# An installed program: it finds the installed libraries relative to itself, so the tree runs
+# from any prefix without LD_LIBRARY_PATH.
+function(yxfp_install_program target)
+    file(RELATIVE_PATH libdir_from_bindir
+        ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+    set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN/${libdir_from_bindir}")
+    install(TARGETS ${target} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endfunction()
 
 # An optional library: the option `option_name` is ON by default when pkg-config found

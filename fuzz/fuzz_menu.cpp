@@ -14,10 +14,12 @@
 #include <yxfrontpanel/value_editor_menu_item.h>
 
 #include <chrono>
+#include <iterator>
 #include <memory>
 #include <vector>
 
 #include "fuzz_support.h"
+#include "random_menu_walk.h"
 
 namespace {
 
@@ -77,34 +79,9 @@ struct FuzzMenu {
     bool actionSucceeds = true;
 };
 
-/** An unavailable trigger with a dialog answers the enter key with true without opening the
- *  dialog: the menu hands it the keys while staying on screen, so no form of the chain holds the
- *  focus until the back key. That is the item's documented behaviour, not a lost focus. */
-bool isRefusedDialog(yf::MenuItem const& item) {
-    auto const* trigger = dynamic_cast<yf::TriggerMenuItem const*>(&item);
-    return trigger != nullptr && trigger->getDialog() != nullptr && !trigger->getFocus();
-}
-
-/** Walks the open chain from the root and counts the forms on it that hold the focus. */
+/** Exactly one form of the open chain holds the focus (see `yxfp_test::focusHolders`). */
 void checkOneFocus(yf::IMenuTree& root) {
-    int focused = 0;
-    yf::IMenuTree* tree = &root;
-    while (tree != nullptr) {
-        focused += tree->getFocus() ? 1 : 0;
-        auto const* menuTree = dynamic_cast<yf::MenuTree const*>(tree);
-        yf::MenuItem* item = menuTree == nullptr ? nullptr : menuTree->selectedItem();
-        if (tree->getFocus() || !tree->itemHasFocus() || item == nullptr) {
-            break;
-        }
-        if (auto* treeItem = dynamic_cast<yf::TreeMenuItem*>(item)) {
-            tree = treeItem->getSubTree();
-        } else {
-            focused += item->getForm() != nullptr && item->getForm()->getFocus() ? 1 : 0;
-            focused += isRefusedDialog(*item) ? 1 : 0;
-            tree = nullptr;
-        }
-    }
-    check(focused == 1, "not exactly one form of the open chain has the focus");
+    check(yxfp_test::focusHolders(root) == 1, "not exactly one form of the menu has the focus");
 }
 
 void updateValue(FuzzMenu& menu, yxfp_fuzz::InputReader& input) {
@@ -139,25 +116,12 @@ void step(FuzzMenu& menu, yxfp_fuzz::InputReader& input) {
     uint8_t const op = input.byte();
     bool const flag = (op & 0x80u) != 0u;
     yf::IMenuTree& root = *menu.root;
-    switch ((op & 0x7Fu) % 10u) {
-        case 0:
-            root.moveUp();
-            break;
-        case 1:
-            root.moveDown();
-            break;
-        case 2:
-            root.left();
-            break;
-        case 3:
-            root.right();
-            break;
-        case 4:
-            root.action();
-            break;
-        case 5:
-            root.backToMenu();
-            break;
+    unsigned const action = (op & 0x7Fu) % 10u;
+    if (action < std::size(yxfp_test::kAllKeys)) {
+        yxfp_test::press(root, yxfp_test::kAllKeys[action]);
+        return;
+    }
+    switch (action) {
         case 6:
             root.setLocal(flag);
             break;

@@ -26,6 +26,11 @@ class Label;
  *
  * Columns are unsigned screen columns. The column arithmetic below never has undefined
  * behaviour: results that do not fit an `int` are clamped to the `int` range.
+ *
+ * The rules every editor shares live here: the focus restarts the edit, `apply()` commits only
+ * in editor mode, and the caret steps, skips a point and wraps at both ends. A derived editor
+ * supplies what differs through `restartEdit()`, `commitEdit()`, `isPointAt()` and the start
+ * and end of its editable text.
  */
 class YXFP_EXPORT BaseEditor : public Form {
 public:
@@ -39,13 +44,30 @@ public:
     /** @brief Destroys the value, caret and headline labels, in that order, before the form. */
     ~BaseEditor() override;
 
-    /** @brief Commits the edited value. */
-    virtual void apply() = 0;
+    /** @brief Gaining the focus first restarts the edit (`restartEdit()`), then draws; losing
+     *  it only takes the focus (no draw). */
+    void setFocus(bool focus) override;
+    /** @brief In editor mode: commits the edited value (`commitEdit()`). Outside editor mode
+     *  nothing happens. Whatever `commitEdit()` throws passes through. */
+    virtual void apply();
     /** @brief The screen column where the editable characters start: the value label's start
      *  column as computed by its last draw. Derived editors may shift it. */
     virtual unsigned int getStartOfNumberInLbl() const;
-    /** @brief Moves the caret by one place (-1 left, +1 right). */
-    virtual void moveMarker(int direction) = 0;
+    /** @brief One past the screen column of the last editable character: the value label's end
+     *  column. Derived editors may shift it (to leave out a unit, for instance). */
+    virtual unsigned int getEndOfNumberInLbl() const;
+    /**
+     * @brief Moves the caret one place left (-1) or right (+1), with or without focus and editor
+     *        mode; redraws when the caret moved.
+     *
+     * A landing place for which `isPointAt(getMarkerInValuePosition(direction))` holds is jumped
+     * over; moving right past `getEndOfNumberInLbl()` wraps to `getStartOfNumberInLbl()`, left
+     * of the start wraps to the last editable column. Columns are unsigned: when the editable
+     * text starts at column 0 (it fills the line), moving left from the first place wraps the
+     * column to the largest unsigned value, which the right wrap turns back into the first
+     * place, so the caret stays on the first place.
+     */
+    virtual void moveMarker(int direction);
     /** @brief Changes the value at the caret (+1 up, -1 down). */
     virtual void changeValue(int delta) = 0;
 
@@ -98,6 +120,16 @@ public:
     Label const& getMarkerLabel() const;
 
 protected:
+    /** @brief Called by `setFocus(true)` before the form draws: shows the committed value
+     *  again. The default does nothing. */
+    virtual void restartEdit();
+    /** @brief Called by `apply()` in editor mode: makes the edited value the committed one and
+     *  reports it. The default does nothing. */
+    virtual void commitEdit();
+    /** @brief Whether the caret jumps over the character at `index` of the value text (an index
+     *  as `getMarkerInValuePosition` gives, possibly outside the text): by default, whether a
+     *  "." stands there. */
+    virtual bool isPointAt(int index) const;
     /** @brief The value label, for the derived editors to set the value text. */
     Label& valueLabel();
     /** @brief The caret label, for the derived editors to move the caret. */

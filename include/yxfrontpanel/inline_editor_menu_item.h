@@ -53,14 +53,6 @@ public:
     bool enter() override;
     /** @brief Stores the local-mode flag (atomic). */
     void setLocal(bool local) override;
-    /** @brief Does nothing; false. */
-    bool left() override;
-    /** @brief Does nothing; false. */
-    bool right() override;
-    /** @brief Does nothing; false. */
-    bool up() override;
-    /** @brief Does nothing; false. */
-    bool down() override;
     /** @brief Rebuilds the line for the current value (see the class comment for the three
      *  states) and, while shown, asks the menu to redraw, also when the text is unchanged. In
      *  the unknown state nothing happens. */

@@ -37,28 +37,6 @@ public:
     IpAddressEditor& operator=(IpAddressEditor&&) = delete;
     ~IpAddressEditor() override;
 
-    /** @brief Gaining the focus shows the committed address (`setValue(getValue())`), then
-     *  draws; losing it only takes the focus (no draw). */
-    void setFocus(bool focus) override;
-    /** @brief In editor mode: commits the edited address and calls the apply callback with its
-     *  dotted text. Outside editor mode nothing happens.
-     *  @throws std::bad_function_call in editor mode when no callback is set (the address has
-     *  already been committed then). */
-    void apply() override;
-    /**
-     * @brief Moves the caret one digit left (-1) or right (+1), with or without focus and
-     *        editor mode; redraws when the caret moved.
-     *
-     * A landing place that the point search takes for a point is jumped over; right from the
-     * last digit wraps to the first, left from the first to the last (with a value line
-     * starting at column 0, left from the first digit wraps the unsigned column around and the
-     * caret stays on the first digit). The point search falls back to the first blank of the
-     * text when no point follows, so with the first three octets at three digits and a last
-     * octet below 100 ("192.168.100.  4"), moving left from the middle digit of the last octet
-     * takes its leading blank for a point and lands on the point before it. `changeValue()`
-     * does nothing there.
-     */
-    void moveMarker(int direction) override;
     /**
      * @brief Steps the digit under the caret by `delta` times its place (100, 10 or 1) within
      *        its octet, clamps the octet to 0..255, then shows and commits the address
@@ -93,6 +71,25 @@ public:
     ip::IpV4Address getEditValue() const;
     /** @brief Replaces the callback that `apply()` hands the committed address text to. */
     void setApplyCallback(std::function<void(std::string const&)> const& callback);
+
+protected:
+    /** @brief Shows the committed address (`setValue(getValue())`). */
+    void restartEdit() override;
+    /** @brief Commits the edited address and calls the apply callback with its dotted text.
+     *  @throws std::bad_function_call when no callback is set (the address has already been
+     *  committed then). */
+    void commitEdit() override;
+    /**
+     * @brief Whether the caret jumps over the place at `index` (`BaseEditor::moveMarker`): when
+     *        the point search (`getDotPosition(index)`) lands on that very place.
+     *
+     * The point search falls back to the first blank of the text when no point follows, so
+     * with the first three octets at three digits and a last octet below 100
+     * ("192.168.100.  4"), moving left from the middle digit of the last octet takes its
+     * leading blank for a point and lands on the point before it. `changeValue()` does nothing
+     * there.
+     */
+    bool isPointAt(int index) const override;
 
 private:
     ip::IpV4Address value_;

@@ -69,14 +69,17 @@ public:
     virtual bool getFocus() const;
     /** Receives the tree's local-mode flag before `enter`. */
     virtual void setLocal(bool local) = 0;
-    /** The left key while the cursor is on the item or its form is open. */
-    virtual bool left() = 0;
-    /** The right key while the cursor is on the item or its form is open. */
-    virtual bool right() = 0;
-    /** The up key while the item's form is open. */
-    virtual bool up() = 0;
-    /** The down key while the item's form is open. */
-    virtual bool down() = 0;
+    /** The left key while the cursor is on the item or its form is open. The default, for
+     *  items that have no use for the key, does nothing and answers false. */
+    virtual bool left();
+    /** The right key while the cursor is on the item or its form is open. The default does
+     *  nothing and answers false. */
+    virtual bool right();
+    /** The up key while the item's form is open. The default does nothing and answers false. */
+    virtual bool up();
+    /** The down key while the item's form is open. The default does nothing and answers
+     *  false. */
+    virtual bool down();
     /** Stores the availability, empties the menu text and rebuilds it (`createMenuText`), so an
      *  unavailable item reads name, blank, not-available text and an available one its name. */
     virtual void setAvailable(bool available);

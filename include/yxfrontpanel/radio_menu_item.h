@@ -5,6 +5,7 @@
 #include <yxfrontpanel/menu_item.h>
 #include <yxfrontpanel/tree_menu_item.h>
 
+#include <atomic>
 #include <functional>
 #include <map>
 #include <memory>
@@ -24,7 +25,8 @@ namespace yxfrontpanel {
  *
  * `MenuItem::setAvailable` rebuilds the line from the bare name (the marker column disappears
  * until the next `check` with a changed state, `updateText` or selection); this is kept as it
- * is. All state belongs to the key thread.
+ * is. The local flag is atomic and may be set from any thread; all other state belongs to the
+ * key thread.
  */
 class YXFP_EXPORT RadioMenuItem : public MenuItem {
 public:
@@ -44,16 +46,8 @@ public:
      * otherwise nothing.
      */
     bool enter() override;
-    /** @brief Stores the local-mode flag; nothing else. */
+    /** @brief Stores the local-mode flag (atomic; any thread); nothing else. */
     void setLocal(bool local) override;
-    /** @brief Does nothing; false. */
-    bool left() override;
-    /** @brief Does nothing; false. */
-    bool right() override;
-    /** @brief Does nothing; false. */
-    bool up() override;
-    /** @brief Does nothing; false. */
-    bool down() override;
 
     /** @brief Checks or unchecks the choice: an unchanged state does nothing (no redraw);
      *  otherwise the line is rebuilt with the new marker, the menu is asked to redraw, and the
@@ -81,7 +75,7 @@ private:
     int id_;
     bool checked_ = false;
     bool editor_ = true;
-    bool local_ = false;
+    std::atomic<bool> local_{false};
 };
 
 /**

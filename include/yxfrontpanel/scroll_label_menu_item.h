@@ -41,10 +41,6 @@ public:
     bool enter() override;
     /** @brief Ignored. */
     void setLocal(bool local) override;
-    /** @brief Ignored; false. */
-    bool left() override;
-    /** @brief Ignored; false. */
-    bool right() override;
     /** @brief Scrolls the text one line up; always true (the key was handed on). */
     bool up() override;
     /** @brief Scrolls the text one line down; always true (the key was handed on). */

@@ -108,7 +108,8 @@ public:
     void initScaleLine(unsigned captionWidth, unsigned barWidth);
 
 private:
-    /** Takes `old` off the form, adds `fresh` and makes it the owned control. */
+    /** Takes the control held in `owned` off the form, adds `fresh` and makes it the owned
+     *  control. */
     template <class T>
     void replace(std::unique_ptr<T>& owned, std::unique_ptr<T> fresh);
 

@@ -46,10 +46,6 @@ public:
     bool left() override;
     /** @brief The slider's `moveRight()`: whether the shown value moved. */
     bool right() override;
-    /** @brief Does nothing; false. */
-    bool up() override;
-    /** @brief Does nothing; false. */
-    bool down() override;
 
     /** @brief Makes a copy of `callback` the slider's commit callback, replacing (and
      *  destroying) the previous one. It is called with the committed value. */

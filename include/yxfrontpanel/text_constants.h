@@ -1,18 +1,18 @@
 #pragma once
 
-#include <string>
+#include <string_view>
 
-// Texts shared by the whole toolkit. Each translation unit gets its own copy (internal
-// linkage), so they are usable even while other static objects are being initialised.
+// Texts shared by the whole toolkit. Constant views of string literals: one definition for the
+// whole program and nothing to initialise at start-up.
 namespace yxfrontpanel {
 
 /** The degree sign of the display's character set (0xF8) followed by "C". */
-const std::u16string kCelsiusUnitText{char16_t{0x00F8}, u'C'};
+inline constexpr std::u16string_view kCelsiusUnitText = u"\u00F8C";
 /** Opens the frame around a headline or a value that is pointed at. */
-const std::u16string kMarkerOpen = u">> ";
+inline constexpr std::u16string_view kMarkerOpen = u">> ";
 /** Closes that frame. */
-const std::u16string kMarkerClose = u" <<";
+inline constexpr std::u16string_view kMarkerClose = u" <<";
 /** Shown on an item's line when a change is refused outside local mode. */
-const std::u16string kOnlyInLocalModeText = u"Only in local mode!";
+inline constexpr std::u16string_view kOnlyInLocalModeText = u"Only in local mode!";
 
 }  // namespace yxfrontpanel

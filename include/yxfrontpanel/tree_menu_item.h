@@ -5,6 +5,7 @@
 #include <yxfrontpanel/menu_item.h>
 #include <yxfrontpanel/menu_tree.h>
 
+#include <atomic>
 #include <memory>
 #include <string>
 
@@ -39,7 +40,8 @@ public:
      *  false. Otherwise hands the back key to the sub-tree's `backToMenu()` and returns its
      *  answer. */
     bool exit() override;
-    /** Stores the flag; passes it on to the sub-tree only while the item is available. */
+    /** Stores the flag (atomic, as every item's local flag); passes it on to the sub-tree only
+     *  while the item is available, which belongs to the key thread. */
     void setLocal(bool local) override;
     /** The sub-tree's `left()`. */
     bool left() override;
@@ -64,7 +66,7 @@ public:
 
 private:
     std::unique_ptr<IMenuTree> subTree_;
-    bool local_ = false;
+    std::atomic<bool> local_{false};
 };
 
 }  // namespace yxfrontpanel

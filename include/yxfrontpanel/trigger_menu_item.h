@@ -53,14 +53,6 @@ public:
     bool enter() override;
     /** @brief Stores the local-mode flag (atomic; any thread). */
     void setLocal(bool local) override;
-    /** @brief Does nothing; false. */
-    bool left() override;
-    /** @brief Does nothing; false. */
-    bool right() override;
-    /** @brief Does nothing; false. */
-    bool up() override;
-    /** @brief Does nothing; false. */
-    bool down() override;
 
     /** @brief Creates the confirmation dialog `UserDialog(provider, firstLine, secondLine,
      *  okText)`, destroys an earlier one and makes the new one the item's form. Meant for an

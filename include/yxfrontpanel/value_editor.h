@@ -63,28 +63,13 @@ public:
     ValueEditor& operator=(ValueEditor&&) = delete;
     ~ValueEditor() override;
 
-    /** @brief Gaining the focus first restarts the edit from the committed value
-     *  (`setValue(getValue())`), then draws; losing it only takes the focus (no draw). */
-    void setFocus(bool focus) override;
-    /** @brief In editor mode: commits the edited value, then calls the apply callback with it.
-     *  Outside editor mode nothing happens.
-     *  @throws std::bad_function_call in editor mode when no callback is set (the value has
-     *  already been committed then). */
-    void apply() override;
     /** @brief The value label's start column, plus 1 while the edited value is negative (the
      *  minus sign is not editable). */
     unsigned int getStartOfNumberInLbl() const override;
-    /**
-     * @brief Moves the caret one digit left (-1) or right (+1), with or without focus and
-     *        editor mode; redraws when the caret moved.
-     *
-     * The decimal point is jumped over; moving right from the last digit wraps to the first
-     * digit, left from the first wraps to the last. Columns are unsigned: when the number starts
-     * at column 0 (it fills the line), moving left from the first digit wraps the column to the
-     * largest unsigned value, which the right wrap turns back into the first digit, so the caret
-     * stays on the first digit.
-     */
-    void moveMarker(int direction) override;
+    /** @brief The value label's end column less the unit with its blank and, while the edited
+     *  value is negative, less the trailing blank: the caret visits the digits only (the point
+     *  is jumped over). */
+    unsigned int getEndOfNumberInLbl() const override;
     /**
      * @brief Steps the digit under the caret: adds `delta` times 10 to the power of the caret
      *        digit's place, clamps to the maximum and then to the minimum (the lower bound wins
@@ -131,6 +116,14 @@ public:
     std::u16string const& getUnit() const;
     /** @brief Replaces the callback that `apply()` hands the committed value to. */
     void setApplyCallback(std::function<void(double)> const& callback);
+
+protected:
+    /** @brief Restarts the edit from the committed value (`setValue(getValue())`). */
+    void restartEdit() override;
+    /** @brief Commits the edited value, then calls the apply callback with it.
+     *  @throws std::bad_function_call when no callback is set (the value has already been
+     *  committed then). */
+    void commitEdit() override;
 
 private:
     unsigned int precision_ = 0;

@@ -5,6 +5,7 @@
 #include <yxfrontpanel/menu_item.h>
 #include <yxfrontpanel/value_editor.h>
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <string>
@@ -26,11 +27,12 @@ namespace yxfrontpanel {
  *
  * Bounds, value and unit are handed on to the editor unchanged. An action key on the open editor
  * while it is editable and no apply callback is connected throws `std::bad_function_call` (the
- * editor stays open). The item's own flags are plain and belong to the key thread; the editor's
- * focus and editor mode are atomic. `setValue`, `setMinValue` and `setMaxValue` may be called
- * from other threads while the editor is closed, when the calls are serialised with each other
- * (as a `CallbackValue` does) and not mixed with key handling on this item; they then draw
- * nothing on the panel. With the editor open they redraw it on the calling thread. Copy and
+ * editor stays open). The item's local flag is atomic, as in every item; its other flags are
+ * plain and belong to the key thread, like the switch of the editor's mode that `setLocal`
+ * makes; the editor's focus and editor mode are atomic. `setValue`, `setMinValue` and `setMaxValue`
+ * may be called from other threads while the editor is closed, when the calls are serialised with
+ * each other (as a `CallbackValue` does) and not mixed with key handling on this item; they then
+ * draw nothing on the panel. With the editor open they redraw it on the calling thread. Copy and
  * move are deleted.
  */
 class YXFP_EXPORT ValueEditorMenuItem : public MenuItem {
@@ -93,7 +95,7 @@ private:
     std::unique_ptr<ValueEditor> editor_;
     bool closeAfterApply_ = true;
     bool editorMode_ = true;
-    bool local_ = false;
+    std::atomic<bool> local_{false};
 };
 
 }  // namespace yxfrontpanel

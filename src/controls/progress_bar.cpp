@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <limits>
 
+#include "common/saturated_int.h"
+
 namespace yxfrontpanel {
 
 namespace {
@@ -11,16 +13,7 @@ constexpr char16_t kFilledCell = 0xDB;
 constexpr char16_t kEmptyCell = 0xB0;
 
 // The range rules step one past a bound (max - 1, min + 1); saturate instead of overflowing.
-int stepped(int bound, int step) {
-    std::int64_t const result = std::int64_t{bound} + step;
-    if (result > std::numeric_limits<int>::max()) {
-        return std::numeric_limits<int>::max();
-    }
-    if (result < std::numeric_limits<int>::min()) {
-        return std::numeric_limits<int>::min();
-    }
-    return static_cast<int>(result);
-}
+int stepped(int bound, int step) { return detail::saturatedInt(std::int64_t{bound} + step); }
 
 // Truncation toward zero of a product that may be negative, NaN or beyond unsigned.
 unsigned truncatedCount(float product) {

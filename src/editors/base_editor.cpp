@@ -2,9 +2,10 @@
 #include <yxfrontpanel/control.h>
 #include <yxfrontpanel/text_constants.h>
 
-#include <algorithm>
-#include <climits>
 #include <cstdint>
+
+#include "common/make_label.h"
+#include "common/saturated_int.h"
 
 namespace yxfrontpanel {
 
@@ -15,16 +16,12 @@ constexpr unsigned kValueLine = 1;
 constexpr unsigned kCaretLine = 2;
 
 // Column differences are worked out in 64 bits, where unsigned columns cannot overflow, and only
-// then brought into the int range, so that no out-of-range value is ever converted to int.
-int clampToInt(std::int64_t value) {
-    return static_cast<int>(std::clamp<std::int64_t>(value, INT_MIN, INT_MAX));
-}
+// then brought into the int range.
+using detail::saturatedInt;
 
 std::unique_ptr<Label> makeLabel(unsigned line, unsigned width, std::u16string const& text,
                                  drawing::TextAllignment alignment) {
-    auto label = std::make_unique<Label>(drawing::Point{0, line}, width, text);
-    label->setTextAllignment(alignment);
-    return label;
+    return detail::makeLabel(drawing::Point{0, line}, width, text, alignment);
 }
 
 }  // namespace
@@ -38,8 +35,9 @@ BaseEditor::BaseEditor(IDrawingProvider const& provider, std::u16string const& h
 BaseEditor::~BaseEditor() = default;
 
 void BaseEditor::init(unsigned int width, std::u16string const& headline) {
-    auto headlineLabel = makeLabel(kHeadlineLine, width, kMarkerOpen + headline + kMarkerClose,
-                                   drawing::TextAllignment::Center);
+    auto headlineLabel = makeLabel(
+        kHeadlineLine, width, std::u16string(kMarkerOpen) + headline + std::u16string(kMarkerClose),
+        drawing::TextAllignment::Center);
     auto valueLabel = makeLabel(kValueLine, width, u"", drawing::TextAllignment::Center);
     auto markerLabel = makeLabel(kCaretLine, 1, u"^", drawing::TextAllignment::Left);
     markerLabel->setVisible(false);
@@ -68,17 +66,61 @@ void BaseEditor::setEditorMode(bool on) {
 
 bool BaseEditor::getEditorMode() const { return editorMode_.load(); }
 
+void BaseEditor::setFocus(bool focus) {
+    if (focus) {
+        restartEdit();
+    }
+    Form::setFocus(focus);
+}
+
+void BaseEditor::apply() {
+    if (getEditorMode()) {
+        commitEdit();
+    }
+}
+
+void BaseEditor::restartEdit() {}
+
+void BaseEditor::commitEdit() {}
+
 unsigned int BaseEditor::getStartOfNumberInLbl() const { return valueLabel_->getStartColumn(); }
+
+unsigned int BaseEditor::getEndOfNumberInLbl() const { return valueLabel_->getEndColumn(); }
+
+bool BaseEditor::isPointAt(int index) const {
+    std::u16string const& text = valueLabel_->getText();
+    auto const place = static_cast<std::size_t>(index);
+    return index >= 0 && place < text.size() && text[place] == u'.';
+}
+
+void BaseEditor::moveMarker(int direction) {
+    // Unsigned column arithmetic throughout: the wrap of a column left of 0 to the largest
+    // unsigned value is what keeps the caret on the first place of a text at column 0.
+    auto const step = static_cast<unsigned>(direction);
+    unsigned column = markerLabel_->getLocation().x + step;
+    if (isPointAt(getMarkerInValuePosition(direction))) {
+        column += step;
+    }
+    unsigned const start = getStartOfNumberInLbl();
+    unsigned const end = getEndOfNumberInLbl();
+    if (column >= end) {
+        column = start;
+    }
+    if (column < start) {
+        column = end - 1U;
+    }
+    markerLabel_->setLocation(drawing::Point{column, markerLabel_->getLocation().y}, true);
+}
 
 int BaseEditor::getMarkerInValuePosition(int offset) const {
     bool const hasMinus = valueLabel_->getText().find(u'-') != std::u16string::npos;
-    return clampToInt(std::int64_t{markerLabel_->getLocation().x} + offset + (hasMinus ? 1 : 0) -
-                      std::int64_t{getStartOfNumberInLbl()});
+    return saturatedInt(std::int64_t{markerLabel_->getLocation().x} + offset + (hasMinus ? 1 : 0) -
+                        std::int64_t{getStartOfNumberInLbl()});
 }
 
 int BaseEditor::getPowerValue(unsigned int dotPosition, unsigned int markerPosition) const {
     std::int64_t const distance = std::int64_t{dotPosition} - std::int64_t{markerPosition};
-    return clampToInt(distance >= 1 ? distance - 1 : distance);
+    return saturatedInt(distance >= 1 ? distance - 1 : distance);
 }
 
 unsigned int BaseEditor::getDotPosition(unsigned int from) const {

@@ -33,40 +33,18 @@ IpAddressEditor::IpAddressEditor(IDrawingProvider const& provider, std::u16strin
 
 IpAddressEditor::~IpAddressEditor() = default;
 
-void IpAddressEditor::setFocus(bool focus) {
-    if (focus) {
-        setValue(value_);
-    }
-    Form::setFocus(focus);
-}
+void IpAddressEditor::restartEdit() { setValue(value_); }
 
-void IpAddressEditor::apply() {
-    if (!getEditorMode()) {
-        return;
-    }
+void IpAddressEditor::commitEdit() {
     value_ = editValue_;
     applyCallback_(ip::toString(value_));
 }
 
-void IpAddressEditor::moveMarker(int direction) {
-    // Unsigned column arithmetic, as in the number editor: a column left of 0 wraps around and
-    // is then caught by the right wrap.
-    unsigned const start = getStartOfNumberInLbl();
-    auto const step = static_cast<unsigned>(direction);
-    unsigned column = getMarkerLabel().getLocation().x + step;
-
-    auto const index = static_cast<unsigned>(getMarkerInValuePosition(direction));
-    if (getDotPosition(index) - start == index) {
-        column += step;
-    }
-    unsigned const end = getValueLabel().getEndColumn();
-    if (column >= end) {
-        column = start;
-    }
-    if (column < start) {
-        column = end - 1U;
-    }
-    markerLabel().setLocation(drawing::Point{column, getMarkerLabel().getLocation().y}, true);
+bool IpAddressEditor::isPointAt(int index) const {
+    // The point search, not the text: it also takes the blank that fills a short last octet
+    // for a point. A negative index wraps around and finds none.
+    auto const place = static_cast<unsigned>(index);
+    return getDotPosition(place) - getStartOfNumberInLbl() == place;
 }
 
 void IpAddressEditor::changeValue(int delta) {

@@ -68,17 +68,9 @@ ValueEditor::ValueEditor(IDrawingProvider const& provider, std::u16string const&
 
 ValueEditor::~ValueEditor() = default;
 
-void ValueEditor::setFocus(bool focus) {
-    if (focus) {
-        setValue(value_);
-    }
-    Form::setFocus(focus);
-}
+void ValueEditor::restartEdit() { setValue(value_); }
 
-void ValueEditor::apply() {
-    if (!getEditorMode()) {
-        return;
-    }
+void ValueEditor::commitEdit() {
     value_ = editValue_;
     applyCallback_(editValue_);
 }
@@ -87,26 +79,10 @@ unsigned int ValueEditor::getStartOfNumberInLbl() const {
     return BaseEditor::getStartOfNumberInLbl() + (editValue_ < 0 ? 1U : 0U);
 }
 
-void ValueEditor::moveMarker(int direction) {
-    // Unsigned column arithmetic throughout: the wrap of a column left of 0 to the largest
-    // unsigned value is what keeps the caret on the first digit of a number at column 0.
-    std::u16string const& text = getValueLabel().getText();
-    auto const step = static_cast<unsigned>(direction);
-    unsigned column = getMarkerLabel().getLocation().x + step;
-
-    int const index = getMarkerInValuePosition(direction);
-    if (index >= 0 && static_cast<std::size_t>(index) < text.size() && text[index] == u'.') {
-        column += step;
-    }
+unsigned int ValueEditor::getEndOfNumberInLbl() const {
+    // Neither the trailing blank that balances the sign nor the unit is editable.
     unsigned const unitWidth = unit_.empty() ? 0U : static_cast<unsigned>(unit_.size()) + 1U;
-    unsigned const end = getValueLabel().getEndColumn() - (editValue_ < 0 ? 1U : 0U) - unitWidth;
-    if (column >= end) {
-        column = getStartOfNumberInLbl();
-    }
-    if (column < getStartOfNumberInLbl()) {
-        column = end - 1U;
-    }
-    markerLabel().setLocation(drawing::Point{column, getMarkerLabel().getLocation().y}, true);
+    return BaseEditor::getEndOfNumberInLbl() - (editValue_ < 0 ? 1U : 0U) - unitWidth;
 }
 
 void ValueEditor::changeValue(int delta) {

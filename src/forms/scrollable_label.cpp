@@ -4,12 +4,10 @@
 
 #include <algorithm>
 
-namespace yxfrontpanel {
+#include "common/make_label.h"
+#include "common/scroll_indicator.h"
 
-namespace {
-constexpr char16_t kUpArrow = 0x1E;
-constexpr char16_t kDownArrow = 0x1F;
-}  // namespace
+namespace yxfrontpanel {
 
 ScrollableLabel::ScrollableLabel(IDrawingProvider const& provider)
     : provider_(provider),
@@ -72,14 +70,8 @@ void ScrollableLabel::addScrollbar(frontpanelhw::drawing::DisplayLine& line,
     while (line.size() <= textWidth_) {
         line.addCharacter(frontpanelhw::drawing::DisplayChar{u' ', false});
     }
-    char16_t indicator = u' ';
-    if (lineIndex == 0 && firstLine_ > 0) {
-        indicator = kUpArrow;
-    }
-    if (std::size_t{lineIndex} + 1 == visibleLines_ &&
-        std::size_t{lineIndex} + 1 + firstLine_ < lines_.size()) {
-        indicator = kDownArrow;
-    }
+    char16_t const indicator =
+        detail::scrollIndicator(lineIndex, visibleLines_, firstLine_, lines_.size());
     line.setCharacter(textWidth_, frontpanelhw::drawing::DisplayChar{indicator, false});
 }
 
@@ -91,12 +83,11 @@ void ScrollableLabel::createLblList() {
     for (unsigned index = 0; index < visibleLines_; ++index) {
         std::u16string const text =
             index < lines_.size() ? lines_.at(std::size_t{firstLine_} + index) : std::u16string();
-        auto label = std::make_unique<Label>(drawing::Point{0, index}, textWidth_, text);
+        auto label = detail::makeLabel(drawing::Point{0, index}, textWidth_, text, alignment_);
         label->onDrawCallback(
             [this](drawing::Point position, frontpanelhw::drawing::DisplayBuffer& rendered) {
                 buffer_.setLineContent(position.y, position.x, rendered.getLineString(0));
             });
-        label->setTextAllignment(alignment_);
         labels_.push_back(std::move(label));
     }
 }

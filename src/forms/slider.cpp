@@ -4,9 +4,12 @@
 #include <yxfrontpanel/text_constants.h>
 
 #include <cstdint>
-#include <limits>
 #include <stdexcept>
 #include <utility>
+
+#include "common/glyphs.h"
+#include "common/make_label.h"
+#include "common/saturated_int.h"
 
 namespace yxfrontpanel {
 
@@ -15,26 +18,16 @@ namespace {
 constexpr unsigned kHeadlineLine = 0;
 constexpr unsigned kBarLine = 1;
 constexpr unsigned kScaleLine = 2;
-constexpr char16_t kCursorCode = 0x1E;
+constexpr char16_t kCursorCode = detail::kUpArrowGlyph;
 constexpr char16_t kTickCode = 0x27;
 
 // Sums near the ends of `int` (a minimum close to INT_MAX, a bar value at INT_MIN) saturate
 // instead of overflowing.
-int saturated(std::int64_t value) {
-    if (value > std::numeric_limits<int>::max()) {
-        return std::numeric_limits<int>::max();
-    }
-    if (value < std::numeric_limits<int>::min()) {
-        return std::numeric_limits<int>::min();
-    }
-    return static_cast<int>(value);
-}
+using detail::saturatedInt;
 
 std::unique_ptr<Label> makeLabel(unsigned column, unsigned line, unsigned width,
                                  std::u16string const& text, drawing::TextAllignment alignment) {
-    auto label = std::make_unique<Label>(drawing::Point{column, line}, width, text);
-    label->setTextAllignment(alignment);
-    return label;
+    return detail::makeLabel(drawing::Point{column, line}, width, text, alignment);
 }
 
 }  // namespace
@@ -64,7 +57,8 @@ void Slider::replace(std::unique_ptr<T>& owned, std::unique_ptr<T> fresh) {
 }
 
 void Slider::initHeadline(unsigned width, std::u16string const& title) {
-    replace(headline_, makeLabel(0, kHeadlineLine, width, kMarkerOpen + title + kMarkerClose,
+    replace(headline_, makeLabel(0, kHeadlineLine, width,
+                                 std::u16string(kMarkerOpen) + title + std::u16string(kMarkerClose),
                                  drawing::TextAllignment::Center));
     draw();
 }
@@ -73,9 +67,10 @@ void Slider::initBarLine(unsigned captionWidth, unsigned barWidth, int minimum,
                          std::u16string const& minCaption, std::u16string const& maxCaption) {
     replace(minCaption_,
             makeLabel(0, kBarLine, captionWidth, minCaption, drawing::TextAllignment::Center));
-    auto bar = std::make_unique<ProgressBar>(drawing::Point{captionWidth, kBarLine}, barWidth,
-                                             minimum, saturated(std::int64_t{minimum} + barWidth));
-    bar->setValue(saturated(std::int64_t{minimum} + 1));
+    auto bar =
+        std::make_unique<ProgressBar>(drawing::Point{captionWidth, kBarLine}, barWidth, minimum,
+                                      saturatedInt(std::int64_t{minimum} + barWidth));
+    bar->setValue(saturatedInt(std::int64_t{minimum} + 1));
     replace(bar_, std::move(bar));
     replace(maxCaption_, makeLabel(captionWidth + barWidth, kBarLine, captionWidth, maxCaption,
                                    drawing::TextAllignment::Center));
@@ -132,13 +127,13 @@ bool Slider::moveCursor(int delta) {
         return false;
     }
     std::int64_t const target = std::int64_t{getBarValCorrected()} + delta;
-    if (target != saturated(target)) {
+    if (target != saturatedInt(target)) {
         return false;
     }
     return setValueInternal(static_cast<int>(target));
 }
 
-int Slider::getBarValCorrected() const { return saturated(std::int64_t{bar_->getValue()} - 1); }
+int Slider::getBarValCorrected() const { return saturatedInt(std::int64_t{bar_->getValue()} - 1); }
 
 void Slider::apply() {
     int const committed = getBarValCorrected();

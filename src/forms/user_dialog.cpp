@@ -2,6 +2,8 @@
 #include <yxfrontpanel/string_helper.h>
 #include <yxfrontpanel/user_dialog.h>
 
+#include "common/make_label.h"
+
 namespace yxfrontpanel {
 
 namespace {
@@ -16,18 +18,16 @@ const std::u16string kConfirmPrefix = u"OK: ";
 
 std::unique_ptr<Label> createLine(std::string const& text, drawing::Point position,
                                   unsigned width) {
-    auto label = std::make_unique<Label>(position, width, stringhelper::toU16(text));
-    label->setTextAllignment(drawing::TextAllignment::Center);
-    return label;
+    return detail::makeLabel(position, width, stringhelper::toU16(text),
+                             drawing::TextAllignment::Center);
 }
 
 std::unique_ptr<Label> createOkLbl(unsigned width, std::string const& okText) {
     // One column right of the centre: on an even panel the hint reaches one column past the
     // edge, where the screen drops it.
-    auto label = std::make_unique<Label>(drawing::Point{width + 1, kHintLine}, width,
-                                         kConfirmPrefix + stringhelper::toU16(okText));
-    label->setTextAllignment(drawing::TextAllignment::Right);
-    return label;
+    return detail::makeLabel(drawing::Point{width + 1, kHintLine}, width,
+                             kConfirmPrefix + stringhelper::toU16(okText),
+                             drawing::TextAllignment::Right);
 }
 
 UserDialog::UserDialog(IDrawingProvider const& provider, std::string const& firstLine,

@@ -1,15 +1,8 @@
 #include <yxfrontpanel/inline_editor_menu_item.h>
-#include <yxfrontpanel/text_constants.h>
 
-#include <chrono>
+#include "local_mode_hint.h"
 
 namespace yxfrontpanel {
-
-namespace {
-
-constexpr std::chrono::milliseconds kHintDuration{1000};
-
-}  // namespace
 
 InlineEditorMenuItem::InlineEditorMenuItem(std::u16string const& text)
     : MenuItem(text), current_(values_.end()) {}
@@ -26,21 +19,13 @@ bool InlineEditorMenuItem::enter() {
         }
         return false;
     }
-    showHint(kOnlyInLocalModeText, u"", kHintDuration);
+    detail::showLocalModeHint(*this);
     // The hint stays until the value line is rebuilt here.
     createMenuText();
     return false;
 }
 
 void InlineEditorMenuItem::setLocal(bool local) { local_.store(local); }
-
-bool InlineEditorMenuItem::left() { return false; }
-
-bool InlineEditorMenuItem::right() { return false; }
-
-bool InlineEditorMenuItem::up() { return false; }
-
-bool InlineEditorMenuItem::down() { return false; }
 
 void InlineEditorMenuItem::createMenuText() {
     if (!hasCurrent_) {

@@ -10,7 +10,7 @@ IpAddressEditorMenuItem::IpAddressEditorMenuItem(IDrawingProvider const& provide
     setForm(editor_.get());
 }
 
-IpAddressEditorMenuItem::~IpAddressEditorMenuItem() { setForm(nullptr); }
+IpAddressEditorMenuItem::~IpAddressEditorMenuItem() = default;
 
 bool IpAddressEditorMenuItem::enter() {
     return editoritem::enter(*this, *editor_, closeAfterApply_);

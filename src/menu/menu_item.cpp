@@ -58,6 +58,14 @@ bool MenuItem::exit() {
 
 bool MenuItem::getFocus() const { return form_ != nullptr && form_->getFocus(); }
 
+bool MenuItem::left() { return false; }
+
+bool MenuItem::right() { return false; }
+
+bool MenuItem::up() { return false; }
+
+bool MenuItem::down() { return false; }
+
 void MenuItem::setAvailable(bool available) {
     available_.store(available);
     // Emptied first so that an item made available again falls back to its bare name.

@@ -5,15 +5,14 @@
 #include <cstddef>
 #include <sstream>
 
+#include "common/scroll_indicator.h"
+
 namespace yxfrontpanel {
 
 namespace {
 
 constexpr int kWarningLevel = 4;
 constexpr char const* kLogCategory = "libYxFrontPanelToolbox";
-constexpr char16_t kScrollUpCode = 0x1E;
-constexpr char16_t kScrollDownCode = 0x1F;
-constexpr char16_t kBlankCode = 0x20;
 
 void logNullItem() {
     namespace log = yxbase2::system::log;
@@ -241,10 +240,7 @@ bool MenuTree::draw() {
 
 void MenuTree::addScrollbar(frontpanelhw::drawing::DisplayLine& menuLine, unsigned int line,
                             unsigned int firstShown) {
-    char16_t cell = (firstShown != 0 && line == 0) ? kScrollUpCode : kBlankCode;
-    if (sum(line, 1) == lines_ && sum(line, 1) + firstShown < visibleItems_.size()) {
-        cell = kScrollDownCode;
-    }
+    char16_t const cell = detail::scrollIndicator(line, lines_, firstShown, visibleItems_.size());
     menuLine.addCharacter(frontpanelhw::drawing::DisplayChar{cell, false});
 }
 

@@ -1,15 +1,8 @@
 #include <yxfrontpanel/radio_menu_item.h>
-#include <yxfrontpanel/text_constants.h>
 
-#include <chrono>
+#include "local_mode_hint.h"
 
 namespace yxfrontpanel {
-
-namespace {
-
-constexpr std::chrono::milliseconds kHintDuration{1000};
-
-}  // namespace
 
 RadioMenuItem::RadioMenuItem(std::u16string const& text, int id) : MenuItem(text), id_(id) {
     setMenuText(false);
@@ -18,8 +11,8 @@ RadioMenuItem::RadioMenuItem(std::u16string const& text, int id) : MenuItem(text
 RadioMenuItem::~RadioMenuItem() = default;
 
 bool RadioMenuItem::enter() {
-    if (!local_) {
-        showHint(kOnlyInLocalModeText, u"", kHintDuration);
+    if (!local_.load()) {
+        detail::showLocalModeHint(*this);
         // The hint stays until the marked line is put back here.
         setMenuText(checked_);
         redrawParent();
@@ -31,15 +24,7 @@ bool RadioMenuItem::enter() {
     return false;
 }
 
-void RadioMenuItem::setLocal(bool local) { local_ = local; }
-
-bool RadioMenuItem::left() { return false; }
-
-bool RadioMenuItem::right() { return false; }
-
-bool RadioMenuItem::up() { return false; }
-
-bool RadioMenuItem::down() { return false; }
+void RadioMenuItem::setLocal(bool local) { local_.store(local); }
 
 void RadioMenuItem::check(bool checked) {
     if (checked == checked_) {

@@ -13,7 +13,10 @@ ReadOnlyMenuItem::ReadOnlyMenuItem(IDrawingProvider const& provider, std::u16str
 ReadOnlyMenuItem::~ReadOnlyMenuItem() = default;
 
 void ReadOnlyMenuItem::setText(std::string const& value) {
-    std::u16string text = kMarkerOpen + titleName_ + kMarkerClose + u'\n';
+    std::u16string text(kMarkerOpen);
+    text += titleName_;
+    text += kMarkerClose;
+    text += u'\n';
     text += stringhelper::toU16(value);
     if (!suffix_.empty()) {
         text += u' ';

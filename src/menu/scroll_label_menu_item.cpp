@@ -9,11 +9,7 @@ ScrollLabelMenuItem::ScrollLabelMenuItem(IDrawingProvider const& provider,
     setForm(label_.get());
 }
 
-ScrollLabelMenuItem::~ScrollLabelMenuItem() {
-    // Nothing may reach the view through the base's form pointer once it is gone.
-    setForm(nullptr);
-    label_.reset();
-}
+ScrollLabelMenuItem::~ScrollLabelMenuItem() = default;
 
 bool ScrollLabelMenuItem::enter() {
     if (!hasText_) {
@@ -26,10 +22,6 @@ bool ScrollLabelMenuItem::enter() {
 }
 
 void ScrollLabelMenuItem::setLocal(bool /*local*/) {}
-
-bool ScrollLabelMenuItem::left() { return false; }
-
-bool ScrollLabelMenuItem::right() { return false; }
 
 bool ScrollLabelMenuItem::up() {
     label_->moveUp();

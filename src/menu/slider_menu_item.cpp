@@ -12,11 +12,7 @@ SliderMenuItem::SliderMenuItem(IDrawingProvider const& provider, std::u16string 
     setForm(slider_.get());
 }
 
-SliderMenuItem::~SliderMenuItem() {
-    // Nothing may reach the slider through the base's form pointer once it is gone.
-    setForm(nullptr);
-    slider_.reset();
-}
+SliderMenuItem::~SliderMenuItem() = default;
 
 bool SliderMenuItem::enter() {
     if (getFocus()) {
@@ -35,10 +31,6 @@ void SliderMenuItem::setLocal(bool local) {
 bool SliderMenuItem::left() { return slider_->moveLeft(); }
 
 bool SliderMenuItem::right() { return slider_->moveRight(); }
-
-bool SliderMenuItem::up() { return false; }
-
-bool SliderMenuItem::down() { return false; }
 
 void SliderMenuItem::connectSlider(std::function<void(int)> const& callback) {
     slider_->setCallback(callback);

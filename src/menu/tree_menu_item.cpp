@@ -17,10 +17,7 @@ TreeMenuItem::TreeMenuItem(IDrawingProvider const& provider, std::u16string cons
 TreeMenuItem::TreeMenuItem(IDrawingProvider const& provider, std::u16string const& text)
     : TreeMenuItem(provider, text, MenuTreeFactory()) {}
 
-TreeMenuItem::~TreeMenuItem() {
-    setForm(nullptr);
-    subTree_.reset();
-}
+TreeMenuItem::~TreeMenuItem() = default;
 
 bool TreeMenuItem::enter() {
     if (subTree_->getFocus() || subTree_->itemHasFocus()) {
@@ -38,7 +35,7 @@ bool TreeMenuItem::exit() {
 }
 
 void TreeMenuItem::setLocal(bool local) {
-    local_ = local;
+    local_.store(local);
     if (getAvailable()) {
         changeLocal(local);
     }
@@ -67,7 +64,7 @@ void TreeMenuItem::changeLocal(bool local) { subTree_->setLocal(local); }
 void TreeMenuItem::setEditable(bool editable) {
     setAvailable(editable);
     if (editable) {
-        changeLocal(local_);
+        changeLocal(local_.load());
     }
 }
 

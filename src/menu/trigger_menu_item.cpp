@@ -1,6 +1,7 @@
-#include <yxfrontpanel/text_constants.h>
 #include <yxfrontpanel/trigger_menu_item.h>
 #include <yxfrontpanel/user_dialog.h>
+
+#include "local_mode_hint.h"
 
 namespace yxfrontpanel {
 
@@ -11,11 +12,7 @@ constexpr char16_t kSuccessMark = 0x00FB;
 TriggerMenuItem::TriggerMenuItem(std::u16string const& text, std::chrono::milliseconds hintDuration)
     : MenuItem(text), hintDuration_(hintDuration) {}
 
-TriggerMenuItem::~TriggerMenuItem() {
-    // Nothing may reach the dialog through the base's form pointer once it is gone.
-    setForm(nullptr);
-    dialog_.reset();
-}
+TriggerMenuItem::~TriggerMenuItem() = default;
 
 bool TriggerMenuItem::enter() {
     // An item without an action stays silent, even outside local mode.
@@ -23,8 +20,7 @@ bool TriggerMenuItem::enter() {
         return false;
     }
     if (!local_.load()) {
-        std::u16string const name = getText();
-        showHint(kOnlyInLocalModeText, name, hintDuration_);
+        detail::showLocalModeHint(*this, hintDuration_, getText());
         return false;
     }
     if (dialog()) {
@@ -42,14 +38,6 @@ bool TriggerMenuItem::enter() {
 }
 
 void TriggerMenuItem::setLocal(bool local) { local_.store(local); }
-
-bool TriggerMenuItem::left() { return false; }
-
-bool TriggerMenuItem::right() { return false; }
-
-bool TriggerMenuItem::up() { return false; }
-
-bool TriggerMenuItem::down() { return false; }
 
 void TriggerMenuItem::enableUserDialog(IDrawingProvider const& provider,
                                        std::string const& firstLine, std::string const& secondLine,

@@ -11,12 +11,12 @@ ValueEditorMenuItem::ValueEditorMenuItem(IDrawingProvider const& provider,
     setForm(editor_.get());
 }
 
-ValueEditorMenuItem::~ValueEditorMenuItem() { setForm(nullptr); }
+ValueEditorMenuItem::~ValueEditorMenuItem() = default;
 
 bool ValueEditorMenuItem::enter() { return editoritem::enter(*this, *editor_, closeAfterApply_); }
 
 void ValueEditorMenuItem::setLocal(bool isLocal) {
-    local_ = isLocal;
+    local_.store(isLocal);
     setEditorMode(editorMode_);
 }
 
@@ -38,7 +38,7 @@ void ValueEditorMenuItem::setUnit(std::u16string const& unit) { editor_->setUnit
 
 void ValueEditorMenuItem::setEditorMode(bool mode) {
     editorMode_ = mode;
-    editor_->setEditorMode(mode && local_);
+    editor_->setEditorMode(mode && local_.load());
 }
 
 void ValueEditorMenuItem::setPrecision(unsigned int precision) { editor_->setPrecision(precision); }

@@ -27,10 +27,6 @@ public:
     }
 
     void setLocal(bool /*local*/) override {}
-    bool left() override { return false; }
-    bool right() override { return false; }
-    bool up() override { return false; }
-    bool down() override { return false; }
 
     yxfrontpanel::Form const& form() const { return form_; }
 

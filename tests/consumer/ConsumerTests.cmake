@@ -28,6 +28,26 @@ add_test(NAME consumer.pkg_config
 set_tests_properties(consumer.pkg_config PROPERTIES
     FIXTURES_REQUIRED yxfp_installed PASS_REGULAR_EXPRESSION "consumer OK: 192.168.1.2")
 
+# The installed simulator starts from the prefix on its own (no LD_LIBRARY_PATH): the program's
+# run path leads to the installed libraries.
+if(TARGET frontpanel-sim)
+    add_test(NAME consumer.installed_simulator
+        COMMAND ${CMAKE_COMMAND} -E env --unset=LD_LIBRARY_PATH
+            ${YXFP_CONSUMER_PREFIX}/${CMAKE_INSTALL_BINDIR}/frontpanel-sim
+            --keys "down up" --print last)
+    set_tests_properties(consumer.installed_simulator PROPERTIES
+        FIXTURES_REQUIRED yxfp_installed PASS_REGULAR_EXPRESSION "Network")
+endif()
+
+# The pkg-config flags leave the language standard to the product build: a C++20 build that
+# uses them stays C++20.
+add_test(NAME consumer.pkg_config_cxx20
+    COMMAND sh ${YXFP_CONSUMER_DIR}/pkg_config_consumer.sh ${YXFP_CONSUMER_PREFIX}
+        ${CMAKE_CXX_COMPILER} "${CMAKE_CXX_FLAGS} -std=c++20 -DYXFP_EXPECT_CXX20"
+        ${YXFP_CONSUMER_DIR}/consumer_main.cpp ${YXFP_CONSUMER_WORK}/pkg_config_cxx20)
+set_tests_properties(consumer.pkg_config_cxx20 PROPERTIES
+    FIXTURES_REQUIRED yxfp_installed PASS_REGULAR_EXPRESSION "consumer OK: 192.168.1.2")
+
 add_test(NAME consumer.add_subdirectory
     COMMAND ${CMAKE_CTEST_COMMAND}
         --build-and-test ${YXFP_CONSUMER_DIR}/add_subdirectory
@@ -37,3 +57,20 @@ add_test(NAME consumer.add_subdirectory
         --test-command consumer)
 set_tests_properties(consumer.add_subdirectory PROPERTIES
     PASS_REGULAR_EXPRESSION "consumer OK: 192.168.1.2")
+
+# The README's runtime example, examples/bench_supply, built against the same install and run
+# with its input closed (it then ends by itself).
+add_test(NAME consumer.example_bench_supply
+    COMMAND ${CMAKE_CTEST_COMMAND}
+        --build-and-test ${PROJECT_SOURCE_DIR}/examples/bench_supply
+            ${YXFP_CONSUMER_WORK}/bench_supply
+        --build-generator ${CMAKE_GENERATOR}
+        --build-options ${YXFP_CONSUMER_OPTIONS} -DCMAKE_PREFIX_PATH=${YXFP_CONSUMER_PREFIX}
+        --test-command sh ${YXFP_CONSUMER_DIR}/run_with_input_closed.sh
+            ${YXFP_CONSUMER_WORK}/bench_supply/bench_supply)
+set_tests_properties(consumer.example_bench_supply PROPERTIES
+    FIXTURES_REQUIRED yxfp_installed PASS_REGULAR_EXPRESSION "bench_supply ended with its input")
+add_test(NAME consumer.example_bench_supply_in_readme
+    COMMAND ${CMAKE_COMMAND} -DREADME=${PROJECT_SOURCE_DIR}/README.md
+        -DEXAMPLE=${PROJECT_SOURCE_DIR}/examples/bench_supply/main.cpp
+        -P ${YXFP_CONSUMER_DIR}/readme_shows_example.cmake)

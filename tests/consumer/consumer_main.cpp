@@ -4,6 +4,11 @@
 #include <iostream>
 #include <string>
 
+#ifdef YXFP_EXPECT_CXX20
+// Built with -std=c++20 before the pkg-config flags: nothing in them may lower the standard.
+static_assert(__cplusplus >= 202002L, "the package's compiler flags changed the C++ standard");
+#endif
+
 int main() {
     frontpanelhw::MemoryDisplay display(20, 4);
     yxfrontpanel::DrawingProvider provider(display);

@@ -3,7 +3,9 @@
 # product build would. Arguments: install prefix, compiler, extra flags, source, output dir.
 set -eu
 prefix=$1 compiler=$2 flags=$3 source=$4 out=$5
-libdir=$(ls -d "$prefix"/lib*/pkgconfig | head -n 1)
+for libdir in "$prefix"/lib*/pkgconfig; do
+    break  # the first match: lib or lib64, whichever the install used
+done
 export PKG_CONFIG_PATH="$libdir"
 mkdir -p "$out"
 # shellcheck disable=SC2046,SC2086

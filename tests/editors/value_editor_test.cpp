@@ -317,13 +317,6 @@ TEST_F(ValueEditorTest, RegainingTheFocusDiscardsAnUnappliedEdit) {
     EXPECT_EQ(provider_.line(1), valueLine(u"      005.5 V"));
 }
 
-TEST_F(ValueEditorTest, LosingTheFocusDrawsNothing) {
-    ValueEditor& editor = open(5.5);
-    provider_.reset();
-    editor.setFocus(false);
-    EXPECT_EQ(provider_.drawCount(), 0U);
-}
-
 TEST_F(ValueEditorTest, ApplyCommitsAndReportsTheEditedValue) {
     ValueEditor& editor = open(5.5);
     std::vector<double> applied;
@@ -336,28 +329,6 @@ TEST_F(ValueEditorTest, ApplyCommitsAndReportsTheEditedValue) {
     editor.setFocus(false);
     editor.setFocus(true);
     EXPECT_EQ(provider_.line(1), valueLine(u"      015.5 V"));
-}
-
-TEST_F(ValueEditorTest, ApplyOutsideEditorModeNeitherCommitsNorReports) {
-    ValueEditor& editor = open(5.5);
-    int calls = 0;
-    editor.setApplyCallback([&calls](double) { ++calls; });
-    editor.changeValue(+1);
-    editor.setEditorMode(false);
-    editor.apply();
-    EXPECT_EQ(calls, 0);
-    EXPECT_EQ(editor.getValue(), 5.5);
-}
-
-TEST_F(ValueEditorTest, ApplyWithoutCallbackRaisesBadFunctionCall) {
-    ValueEditor& editor = open(5.5);
-    EXPECT_THROW(editor.apply(), std::bad_function_call);
-}
-
-TEST_F(ValueEditorTest, ApplyWithoutCallbackOutsideEditorModeDoesNothing) {
-    ValueEditor& editor = make();
-    editor.setFocus(true);
-    EXPECT_NO_THROW(editor.apply());
 }
 
 // --- bounds ---
@@ -418,12 +389,6 @@ TEST_F(ValueEditorTest, BoundsThatKeepTheValueDoNotRedrawAndTakeEffectAtTheNextD
 }
 
 // --- caret ---
-
-TEST_F(ValueEditorTest, EditorModePutsTheCaretOnTheFirstDigit) {
-    ValueEditor& editor = open(5.5);
-    EXPECT_EQ(provider_.line(2), caretLine(6, kChars));
-    EXPECT_EQ(characterUnderCaret(editor), u'0');
-}
 
 TEST_F(ValueEditorTest, StartOfNumberSkipsTheMinusSign) {
     ValueEditor& editor = open(-5.5, -100, 100);
@@ -510,16 +475,6 @@ TEST_F(ValueEditorTest, NumberFillingTheLineWrapsRightFromTheLastDigitToTheFirst
     EXPECT_EQ(caretColumn(editor), 0U);
 }
 
-TEST_F(ValueEditorTest, MoveMarkerWorksWithoutFocusOrEditorMode) {
-    ValueEditor& editor = make();
-    editor.setValue(5.5);
-    editor.setEditorMode(true);
-    editor.setEditorMode(false);
-    editor.moveMarker(+1);
-    EXPECT_EQ(caretColumn(editor), 7U);
-    EXPECT_EQ(provider_.drawCount(), 0U);
-}
-
 // --- stepping ---
 
 TEST_F(ValueEditorTest, UpOnTheHundredsStopsAtTheMaximum) {
@@ -586,25 +541,6 @@ TEST_F(ValueEditorTest, StepsChangeOnlyTheEditedValue) {
     ValueEditor& editor = open(5.5);
     editor.changeValue(+1);
     EXPECT_EQ(editor.getValue(), 5.5);
-}
-
-TEST_F(ValueEditorTest, ChangeValueWithoutFocusDoesNothing) {
-    ValueEditor& editor = make();
-    editor.setValue(5.5);
-    editor.setEditorMode(true);
-    editor.changeValue(+1);
-    EXPECT_EQ(editor.getEditValue(), 5.5);
-    EXPECT_EQ(provider_.drawCount(), 0U);
-}
-
-TEST_F(ValueEditorTest, ChangeValueOutsideEditorModeDoesNothing) {
-    ValueEditor& editor = make();
-    editor.setValue(5.5);
-    editor.setFocus(true);
-    provider_.reset();
-    editor.changeValue(+1);
-    EXPECT_EQ(editor.getEditValue(), 5.5);
-    EXPECT_EQ(provider_.drawCount(), 0U);
 }
 
 TEST_F(ValueEditorTest, StepOnNotANumberKeepsNotANumber) {

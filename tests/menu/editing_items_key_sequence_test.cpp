@@ -11,6 +11,7 @@
 
 #include "menu_keys.h"
 #include "platform_capture.h"
+#include "random_menu_walk.h"
 #include "test_menu.h"
 
 namespace {
@@ -89,42 +90,15 @@ struct EditingMenu : yxfp_test::TestMenu {
     int applied = 0;
 };
 
-// The number of forms of the menu that have the focus: the root, the items' forms, and
-// recursively everything inside the sub-menus.
-int focusedForms(IMenuTree& tree) {
-    int focused = tree.getFocus() ? 1 : 0;
-    for (unsigned i = 0; i < tree.allItemCount(); ++i) {
-        IForm* const form = tree.getItem(i)->getForm();
-        if (auto* const subTree = dynamic_cast<IMenuTree*>(form)) {
-            focused += focusedForms(*subTree);
-        } else if (form != nullptr && form->getFocus()) {
-            ++focused;
-        }
-    }
-    return focused;
-}
-
-Key const kKeys[] = {Key::Up, Key::Down, Key::Left, Key::Right, Key::Enter, Key::Back};
-
 // Changes something the way the application might between two keys.
 void changeSomething(EditingMenu& menu, std::mt19937& random) {
-    auto pick = [&random](std::size_t count) {
-        return std::uniform_int_distribution<std::size_t>(0, count - 1)(random);
-    };
-    switch (pick(9)) {
-        case 0:
-            menu.tree->setLocal(!menu.tree->getLocal());
-            break;
-        case 1: {
-            auto& item = *menu.items[pick(menu.items.size())];
-            item.setVisible(!item.getVisible());
-            break;
-        }
-        case 2: {
-            auto& item = *menu.items[pick(menu.items.size())];
-            item.setAvailable(!item.getAvailable());
-            break;
-        }
+    auto pick = [&random](std::size_t count) { return yxfp_test::pick(random, count); };
+    std::size_t const what = pick(9);
+    if (what < 3) {
+        yxfp_test::flipAtRandom(random, *menu.tree, *menu.items[pick(menu.items.size())]);
+        return;
+    }
+    switch (what) {
         case 3:
             menu.editorModeSetters[pick(2)](pick(2) == 0);
             break;
@@ -167,14 +141,14 @@ void runRandomSession(std::mt19937::result_type seed, int steps) {
     std::mt19937 random(seed);
     int keys = 0;
     for (int step = 0; step < steps; ++step) {
-        if (std::uniform_int_distribution<int>(0, 7)(random) == 0) {
+        if (yxfp_test::oneIn(random, 8)) {
             ASSERT_NO_THROW(changeSomething(menu, random)) << "step " << step;
         } else {
-            Key const key = kKeys[std::uniform_int_distribution<int>(0, 5)(random)];
+            Key const key = yxfp_test::randomKey(random);
             ASSERT_NO_THROW(yxfp_test::press(*menu.tree, key)) << "step " << step << " " << key;
             ++keys;
         }
-        ASSERT_EQ(focusedForms(*menu.tree), 1) << "after step " << step;
+        ASSERT_EQ(yxfp_test::focusHolders(*menu.tree), 1) << "after step " << step;
         ASSERT_EQ(menu.provider.lastFrame().getChars(), 21U);
         ASSERT_EQ(menu.provider.lastFrame().getLineCount(), 4U);
     }

@@ -13,6 +13,7 @@
 
 #include "menu_keys.h"
 #include "platform_capture.h"
+#include "random_menu_walk.h"
 #include "test_menu.h"
 
 namespace {
@@ -62,10 +63,6 @@ struct ItemsMenu : yxfp_test::TestMenu {
         service->addItem(bass);
         service->addItem(erase);
         service->addItem(notes);
-        forms = {tree.get(),           &volume->getSlider(),  &help->getLabel(),
-                 &voltage->getLabel(), service->getSubTree(), &bass->getSlider(),
-                 &notes->getLabel()};
-        triggers = {reset, zero, erase};
         tree->setFocus(true);
     }
 
@@ -83,50 +80,25 @@ struct ItemsMenu : yxfp_test::TestMenu {
         return item;
     }
 
-    // Every form of the menu, the dialogs included (a dialog exists once enabled).
-    std::vector<IForm const*> allForms() const {
-        std::vector<IForm const*> result = forms;
-        for (auto const& trigger : triggers) {
-            if (trigger->getDialog() != nullptr) {
-                result.push_back(trigger->getDialog());
-            }
-        }
-        return result;
-    }
-
     std::vector<std::shared_ptr<MenuItem>> all;
-    std::vector<IForm const*> forms;
-    std::vector<std::shared_ptr<TriggerMenuItem>> triggers;
     std::shared_ptr<ScrollLabelMenuItem> help;
     std::shared_ptr<ReadOnlyMenuItem> voltage;
     int commits = 0;
     int runs = 0;
 };
 
-Key const kKeys[] = {Key::Up, Key::Down, Key::Left, Key::Right, Key::Enter, Key::Back};
-
 // Changes the menu the way an application thread might between two keys.
 void changeSomething(ItemsMenu& menu, std::mt19937& random) {
-    auto& item =
-        *menu.all[std::uniform_int_distribution<std::size_t>(0, menu.all.size() - 1)(random)];
-    switch (std::uniform_int_distribution<int>(0, 4)(random)) {
-        case 0:
-            item.setVisible(!item.getVisible());
-            break;
-        case 1:
-            item.setAvailable(!item.getAvailable());
-            break;
-        case 2:
-            menu.tree->setLocal(!menu.tree->getLocal());
-            break;
-        case 3:
-            menu.voltage->setValue(std::uniform_real_distribution<double>(-1e3, 1e3)(random),
-                                   std::uniform_int_distribution<unsigned>(0, 4)(random));
-            break;
-        default:
-            // The same text again: a shorter one while scrolled would make its drawing throw.
-            menu.help->setText(kHelpText, TextAllignment::Center);
-            break;
+    auto& item = *menu.all[yxfp_test::pick(random, menu.all.size())];
+    std::size_t const what = yxfp_test::pick(random, 5);
+    if (what < 3) {
+        yxfp_test::flipAtRandom(random, *menu.tree, item);
+    } else if (what == 3) {
+        menu.voltage->setValue(static_cast<double>(yxfp_test::pick(random, 2001)) - 1e3,
+                               static_cast<unsigned>(yxfp_test::pick(random, 5)));
+    } else {
+        // The same text again: a shorter one while scrolled would make its drawing throw.
+        menu.help->setText(kHelpText, TextAllignment::Center);
     }
 }
 
@@ -147,11 +119,11 @@ SessionResult runRandomSession(std::mt19937::result_type seed, int steps) {
     for (int step = 0; step < steps; ++step) {
         ::testing::Message action;
         try {
-            if (std::uniform_int_distribution<int>(0, 9)(random) == 0) {
+            if (yxfp_test::oneIn(random, 10)) {
                 action << "a change of the menu";
                 changeSomething(menu, random);
             } else {
-                Key const key = kKeys[std::uniform_int_distribution<int>(0, 5)(random)];
+                Key const key = yxfp_test::randomKey(random);
                 action << "the key " << key;
                 yxfp_test::press(*menu.tree, key);
             }
@@ -159,20 +131,19 @@ SessionResult runRandomSession(std::mt19937::result_type seed, int steps) {
             ADD_FAILURE() << "step " << step << ", " << action << ", threw " << error.what();
             break;
         }
-        std::vector<IForm const*> focused;
-        for (IForm const* form : menu.allForms()) {
-            if (form->getFocus()) {
-                focused.push_back(form);
-                if (std::find(opened.begin(), opened.end(), form) == opened.end()) {
-                    opened.push_back(form);
-                }
+        std::vector<IForm const*> forms;
+        yxfp_test::collectForms(*menu.tree, forms);
+        for (IForm const* form : forms) {
+            if (form->getFocus() && std::find(opened.begin(), opened.end(), form) == opened.end()) {
+                opened.push_back(form);
             }
         }
+        int const holders = yxfp_test::focusHolders(*menu.tree);
         bool const sized = menu.provider.lastFrame().getChars() == 20U &&
                            menu.provider.lastFrame().getLineCount() == 4U;
-        if (focused.size() > 1 || !sized) {
-            ADD_FAILURE() << "after step " << step << ", " << action << ": " << focused.size()
-                          << " forms focused, frame of the panel's size: " << sized;
+        if (holders != 1 || !sized) {
+            ADD_FAILURE() << "after step " << step << ", " << action << ": " << holders
+                          << " holders of the focus, frame of the panel's size: " << sized;
             break;
         }
     }

@@ -58,6 +58,28 @@ TEST_F(LogTest, RecordsAboveTheMaximumLevelAreDropped) {
     EXPECT_EQ(levels, std::vector<int>{3});
 }
 
+TEST_F(LogTest, SettingASinkReturnsTheOneItReplaces) {
+    EXPECT_FALSE(log::setSink({})) << "the default sink is reported as empty";
+    int outerCalls = 0;
+    log::setSink([&outerCalls](int, std::string const&, std::string const&) { ++outerCalls; });
+    log::Sink const outer = log::setSink({});
+    ASSERT_TRUE(outer);
+    outer(4, "category", "message");
+    EXPECT_EQ(outerCalls, 1);
+}
+
+TEST_F(LogTest, NestedCapturePutsTheOuterSinkBack) {
+    yxfp_test::LogCapture outer;
+    {
+        yxfp_test::LogCapture inner;
+        write(4, "inner");
+        EXPECT_EQ(inner.records().size(), 1U);
+    }
+    write(4, "outer");
+    ASSERT_EQ(outer.records().size(), 1U);
+    EXPECT_EQ(outer.records()[0].message, "outer");
+}
+
 TEST_F(LogTest, EmptySinkRestoresTheDefaultSinkOnStderr) {
     int calls = 0;
     log::setSink([&calls](int, std::string const&, std::string const&) { ++calls; });

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <vector>
 
 #include "platform_capture.h"
 
@@ -31,6 +32,27 @@ TEST(ThisThreadTest, EmptyHookRestoresRealSleeping) {
     this_thread::sleep_for(2ms);
     EXPECT_GE(std::chrono::steady_clock::now() - before, 2ms);
     EXPECT_EQ(hookCalls, 0);
+}
+
+TEST(ThisThreadTest, SettingAHookReturnsTheOneItReplaces) {
+    EXPECT_FALSE(this_thread::setSleepHook({})) << "real sleeping has no hook";
+    int outerCalls = 0;
+    this_thread::setSleepHook([&outerCalls](std::chrono::nanoseconds) { ++outerCalls; });
+    this_thread::SleepHook const outer = this_thread::setSleepHook({});
+    ASSERT_TRUE(outer);
+    outer(1ms);
+    EXPECT_EQ(outerCalls, 1);
+}
+
+TEST(ThisThreadTest, NestedCapturePutsTheOuterHookBack) {
+    yxfp_test::SleepCapture outer;
+    {
+        yxfp_test::SleepCapture inner;
+        this_thread::sleep_for(1h);
+        EXPECT_EQ(inner.sleeps().size(), 1U);
+    }
+    this_thread::sleep_for(2h);
+    EXPECT_EQ(outer.sleeps(), std::vector<std::chrono::nanoseconds>{2h});
 }
 
 TEST(ThisThreadTest, CaptureRunsItsActionForEachSleep) {

@@ -10,14 +10,15 @@ namespace this_thread = yxbase2::system::this_thread;
 
 LogCapture::LogCapture() : previousMaxLevel_(log::getMaxLevel()) {
     log::setMaxLevel(7);
-    log::setSink([this](int level, std::string const& category, std::string const& message) {
-        std::lock_guard<std::mutex> lock(mutex_);
-        records_.push_back(LogRecord{level, category, message});
-    });
+    previousSink_ =
+        log::setSink([this](int level, std::string const& category, std::string const& message) {
+            std::lock_guard<std::mutex> lock(mutex_);
+            records_.push_back(LogRecord{level, category, message});
+        });
 }
 
 LogCapture::~LogCapture() {
-    log::setSink({});
+    log::setSink(previousSink_);
     log::setMaxLevel(previousMaxLevel_);
 }
 
@@ -27,7 +28,7 @@ std::vector<LogRecord> LogCapture::records() const {
 }
 
 SleepCapture::SleepCapture(Action action) : action_(std::move(action)) {
-    this_thread::setSleepHook([this](std::chrono::nanoseconds duration) {
+    previousHook_ = this_thread::setSleepHook([this](std::chrono::nanoseconds duration) {
         {
             std::lock_guard<std::mutex> lock(mutex_);
             sleeps_.push_back(duration);
@@ -38,7 +39,7 @@ SleepCapture::SleepCapture(Action action) : action_(std::move(action)) {
     });
 }
 
-SleepCapture::~SleepCapture() { this_thread::setSleepHook({}); }
+SleepCapture::~SleepCapture() { this_thread::setSleepHook(previousHook_); }
 
 std::vector<std::chrono::nanoseconds> SleepCapture::sleeps() const {
     std::lock_guard<std::mutex> lock(mutex_);

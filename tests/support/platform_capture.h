@@ -15,8 +15,8 @@ struct LogRecord {
     std::string message;
 };
 
-/** Collects every log record while it lives (and enables every level); restores the default
- *  sink and the previous maximum level when it goes. */
+/** Collects every log record while it lives (and enables every level); restores the sink and
+ *  the maximum level it found when it goes. */
 class LogCapture {
 public:
     LogCapture();
@@ -28,13 +28,14 @@ public:
 
 private:
     int previousMaxLevel_;
+    std::function<void(int, std::string const&, std::string const&)> previousSink_;
     mutable std::mutex mutex_;
     std::vector<LogRecord> records_;
 };
 
 /** Replaces real sleeping while it lives: every requested duration is recorded instead, and an
  *  optional action runs in its place (e.g. to look at the screen while a hint is shown).
- *  Restores real sleeping when it goes. */
+ *  Restores the hook it found (real sleeping when there was none) when it goes. */
 class SleepCapture {
 public:
     using Action = std::function<void(std::chrono::nanoseconds)>;
@@ -48,6 +49,7 @@ public:
 
 private:
     Action action_;
+    Action previousHook_;
     mutable std::mutex mutex_;
     std::vector<std::chrono::nanoseconds> sleeps_;
 };

@@ -25,23 +25,38 @@ expect() {
     done
 }
 
+# The screen with its attributes; a line shown in reverse video has ESC [7m right before its
+# text.
+styled_screen() { tmux capture-pane -p -e -t "$session"; }
+reversed() { styled_screen | grep -q "$(printf '\033')\\[7m$1"; }
+
+# Waits (up to 10 s) until the text is shown in reverse video (the menu's cursor line).
+expect_reverse() {
+    tries=0
+    while ! reversed "$1"; do
+        tries=$((tries + 1))
+        if [ $tries -gt 100 ]; then
+            echo "FAILED: the cursor line '$1' is not in reverse video:"
+            styled_screen | cat -v
+            exit 1
+        fi
+        sleep 0.1
+    done
+}
+
 tmux new-session -d -s "$session" -x 100 -y 20 "$sim; echo SIM-EXITED-\$?; sleep 30"
 expect "Output"
 expect "LOCAL"
 expect "Network"
+# The cursor starts on the first line; "down" must move the reverse video to the second.
+expect_reverse "Output"
 tmux send-keys -t "$session" Down
-expect "┌"
-# The selected line is shown in reverse video: ESC [7m right before its text.
-tries=0
-while ! tmux capture-pane -p -e -t "$session" | grep -q "$(printf '\033')\[7mNetwork"; do
-    tries=$((tries + 1))
-    if [ $tries -gt 100 ]; then
-        echo "FAILED: the cursor line 'Network' is not in reverse video:"
-        tmux capture-pane -p -e -t "$session" | cat -v
-        exit 1
-    fi
-    sleep 0.1
-done
+expect_reverse "Network"
+if reversed "Output"; then
+    echo "FAILED: 'Output' is still in reverse video after down:"
+    styled_screen | cat -v
+    exit 1
+fi
 tmux send-keys -t "$session" Enter
 expect "DHCP: Off"
 expect "IP address"

@@ -53,14 +53,17 @@ private:
 
 // Timed hints would make a scripted run wait for nothing: let their time pass at once. The
 // script's clock stands still meanwhile, so that only tick and wait move it.
+// The hook found on entry is put back on exit.
 class InstantSleep {
 public:
-    InstantSleep() {
-        yxbase2::system::this_thread::setSleepHook([](std::chrono::nanoseconds) {});
-    }
-    ~InstantSleep() { yxbase2::system::this_thread::setSleepHook({}); }
+    InstantSleep()
+        : outer_(yxbase2::system::this_thread::setSleepHook([](std::chrono::nanoseconds) {})) {}
+    ~InstantSleep() { yxbase2::system::this_thread::setSleepHook(outer_); }
     InstantSleep(InstantSleep const&) = delete;
     InstantSleep& operator=(InstantSleep const&) = delete;
+
+private:
+    yxbase2::system::this_thread::SleepHook outer_;
 };
 
 // What each word of a key script does to the running panel: the one table of script words.

@@ -28,7 +28,8 @@ std::string fixed(double value, int decimals) {
 StatusForm::StatusForm(yxfrontpanel::IDrawingProvider const& provider)
     : Form(provider),
       headline_(yxfrontpanel::drawing::Point{0, 0}, provider.getChars(),
-                yxfrontpanel::kMarkerOpen + u"Status" + yxfrontpanel::kMarkerClose),
+                std::u16string(yxfrontpanel::kMarkerOpen) + u"Status" +
+                    std::u16string(yxfrontpanel::kMarkerClose)),
       power_(yxfrontpanel::drawing::Point{0, 1}, barWidthFor(provider.getChars()), kReadingWidth, 0,
              100, kPowerSymbol, u""),
       readings_(yxfrontpanel::drawing::Point{0, 2}, provider.getChars(), u"") {
@@ -63,14 +64,6 @@ StatusMenuItem::StatusMenuItem(yxfrontpanel::IDrawingProvider const& provider,
 StatusMenuItem::~StatusMenuItem() = default;
 
 void StatusMenuItem::setLocal(bool /*local*/) {}
-
-bool StatusMenuItem::left() { return false; }
-
-bool StatusMenuItem::right() { return false; }
-
-bool StatusMenuItem::up() { return false; }
-
-bool StatusMenuItem::down() { return false; }
 
 StatusForm& StatusMenuItem::form() { return *form_; }
 

@@ -31,10 +31,6 @@ public:
     ~StatusMenuItem() override;
 
     void setLocal(bool local) override;
-    bool left() override;
-    bool right() override;
-    bool up() override;
-    bool down() override;
 
     StatusForm& form();
 

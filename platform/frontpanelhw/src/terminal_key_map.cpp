@@ -1,4 +1,4 @@
-#include <frontpanelhw/terminal_keys.h>
+#include "terminal_key_map.h"
 
 #include "terminal_session.h"
 

@@ -7,6 +7,9 @@
 #include <iostream>
 #include <memory>
 #include <mutex>
+#include <utility>
+
+#include "installed_function.h"
 
 namespace yxbase2::system::log {
 
@@ -55,11 +58,7 @@ void log(int level, std::string const& category, std::ostringstream const& messa
     if (!detail::isEnabled(level)) {
         return;
     }
-    std::shared_ptr<Sink const> sink;
-    {
-        std::lock_guard<std::mutex> lock(sinkMutex);
-        sink = currentSink;
-    }
+    std::shared_ptr<Sink const> const sink = system::detail::installed(sinkMutex, currentSink);
     if (sink) {
         (*sink)(level, category, message.str());
     } else {
@@ -67,10 +66,8 @@ void log(int level, std::string const& category, std::ostringstream const& messa
     }
 }
 
-void setSink(Sink sink) {
-    auto replacement = sink ? std::make_shared<Sink const>(std::move(sink)) : nullptr;
-    std::lock_guard<std::mutex> lock(sinkMutex);
-    currentSink = std::move(replacement);
+Sink setSink(Sink sink) {
+    return system::detail::exchangeInstalled(sinkMutex, currentSink, std::move(sink));
 }
 
 std::string levelName(int level) {

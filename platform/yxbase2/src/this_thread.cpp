@@ -3,6 +3,9 @@
 #include <memory>
 #include <mutex>
 #include <thread>
+#include <utility>
+
+#include "installed_function.h"
 
 namespace yxbase2::system::this_thread {
 
@@ -13,11 +16,7 @@ std::shared_ptr<SleepHook const> currentHook;
 }  // namespace
 
 void sleep_for(std::chrono::nanoseconds const& duration) {
-    std::shared_ptr<SleepHook const> hook;
-    {
-        std::lock_guard<std::mutex> lock(hookMutex);
-        hook = currentHook;
-    }
+    std::shared_ptr<SleepHook const> const hook = system::detail::installed(hookMutex, currentHook);
     if (hook) {
         (*hook)(duration);
     } else {
@@ -25,10 +24,8 @@ void sleep_for(std::chrono::nanoseconds const& duration) {
     }
 }
 
-void setSleepHook(SleepHook hook) {
-    auto replacement = hook ? std::make_shared<SleepHook const>(std::move(hook)) : nullptr;
-    std::lock_guard<std::mutex> lock(hookMutex);
-    currentHook = std::move(replacement);
+SleepHook setSleepHook(SleepHook hook) {
+    return system::detail::exchangeInstalled(hookMutex, currentHook, std::move(hook));
 }
 
 }  // namespace yxbase2::system::this_thread

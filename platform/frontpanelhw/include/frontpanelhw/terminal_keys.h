@@ -15,13 +15,9 @@ namespace detail {
 class TerminalSession;
 }  // namespace detail
 
-/** The panel key for what curses read: `code` is the value wget_wch stored and `isFunctionKey`
- *  tells whether it returned KEY_CODE_YES (a key code such as KEY_UP) rather than a character.
- *  The arrow keys give the four directions; KEY_ENTER, '\n' and '\r' give Enter; KEY_BACKSPACE,
- *  DEL (127), BS (8) and Escape (27) give Back. Anything else gives no panel key. */
-FRONTPANELHW_EXPORT std::optional<PanelKey> panelKeyFor(int code, bool isFunctionKey);
-
-/** Reads the keys typed on the terminal of a TerminalDisplay and maps them to panel keys.
+/** Reads the keys typed on the terminal of a TerminalDisplay and maps them to panel keys: the
+ *  arrow keys give the four directions; the keypad's Enter, Return and line feed give Enter;
+ *  Backspace, DEL (127), BS (8) and Escape (27) give Back.
  *  Function keys without a panel meaning (F1, Home, ...) are skipped. Escape is told from the
  *  start of a key sequence after 50 ms without a further byte.
  *

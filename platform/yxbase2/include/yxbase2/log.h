@@ -30,8 +30,11 @@ using Sink =
     std::function<void(int level, std::string const& category, std::string const& message)>;
 
 /** Replaces the sink; an empty sink restores the default one, which writes one line per record
- *  on stderr: ISO-8601 UTC time, level name, category and message. */
-YXBASE2_EXPORT void setSink(Sink sink);
+ *  on stderr: ISO-8601 UTC time, level name, category and message. Returns the sink it
+ *  replaced (empty when that was the default one), so that a helper that installs its own can
+ *  put the outer one back; the returned sink shares its state with the one installed before.
+ */
+YXBASE2_EXPORT Sink setSink(Sink sink);
 
 /** The name of a level ("emergency" .. "debug"); "level N" for numbers outside 0..7. */
 YXBASE2_EXPORT std::string levelName(int level);

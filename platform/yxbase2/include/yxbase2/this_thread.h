@@ -16,7 +16,9 @@ YXBASE2_EXPORT void sleep_for(  // NOLINT(readability-identifier-naming): mirror
 /** Called instead of sleeping while installed. */
 using SleepHook = std::function<void(std::chrono::nanoseconds)>;
 
-/** Installs `hook`; an empty hook restores real sleeping. */
-YXBASE2_EXPORT void setSleepHook(SleepHook hook);
+/** Installs `hook`; an empty hook restores real sleeping. Returns the hook it replaced (empty
+ *  when the thread really slept), so that a helper that installs its own can put the outer one
+ *  back; the returned hook shares its state with the one installed before. */
+YXBASE2_EXPORT SleepHook setSleepHook(SleepHook hook);
 
 }  // namespace yxbase2::system::this_thread
