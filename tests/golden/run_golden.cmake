@@ -1,6 +1,7 @@
 # Runs one scripted walk of frontpanel-sim and compares the printed frames with the checked-in
 # expectation. Variables: SIM (the program), KEYS (the .keys file), EXPECTED (the .expected
-# file). A line "# options: ..." in the key script adds command-line options (e.g. --size 16x2).
+# file). A line "# options: ..." in the key script adds command-line options (e.g. --size 16x2);
+# @SETTINGS_FILE@ in them names a settings file of this walk that is removed before every run.
 # With the environment variable YXFP_UPDATE_GOLDEN=1 the expectation is rewritten instead.
 file(STRINGS ${KEYS} option_lines REGEX "^# options:")
 set(options "")
@@ -9,6 +10,16 @@ foreach(line IN LISTS option_lines)
     separate_arguments(line_options UNIX_COMMAND "${line}")
     list(APPEND options ${line_options})
 endforeach()
+
+if(options MATCHES "@SETTINGS_FILE@")
+    get_filename_component(walk ${KEYS} NAME_WE)
+    set(settings_file ${CMAKE_CURRENT_BINARY_DIR}/${walk}.settings.json)
+    file(GLOB stale_settings ${settings_file} ${settings_file}.*)
+    if(stale_settings)
+        file(REMOVE ${stale_settings})
+    endif()
+    string(REPLACE "@SETTINGS_FILE@" "${settings_file}" options "${options}")
+endif()
 
 execute_process(
     COMMAND ${SIM} --keys-file ${KEYS} --print all ${options}

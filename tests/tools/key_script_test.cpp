@@ -32,6 +32,14 @@ TEST(KeyScriptTest, WordsMaySpanLinesAndCarryComments) {
     EXPECT_EQ(steps[2].position, 3U);
 }
 
+TEST(KeyScriptTest, RestartIsAWordOfItsOwn) {
+    auto const steps = parseKeyScript("enter restart back");
+    ASSERT_EQ(steps.size(), 3U);
+    EXPECT_EQ(steps[1].action, ScriptAction::Restart);
+    EXPECT_EQ(steps[1].word, "restart");
+    EXPECT_NE(frontpanelsim::keyScriptHelp().find("restart"), std::string::npos);
+}
+
 TEST(KeyScriptTest, EmptyScriptHasNoSteps) {
     EXPECT_TRUE(parseKeyScript("").empty());
     EXPECT_TRUE(parseKeyScript("  # nothing\n").empty());

@@ -101,12 +101,24 @@ TEST(SimOptionsTest, BadCombinationsAndValuesAreRefused) {
     EXPECT_NE(problemWith({"--colour"}).find("unknown option '--colour'"), std::string::npos);
 }
 
+TEST(SimOptionsTest, SettingsNamesAFileAndIsOffByDefault) {
+    EXPECT_FALSE(parseOptions({}).settingsFile.has_value());
+#ifdef YXFP_HAVE_SETTINGS
+    EXPECT_EQ(parseOptions({"--settings", "/tmp/panel.json"}).settingsFile, "/tmp/panel.json");
+    EXPECT_EQ(parseOptions({"--settings=panel.json"}).settingsFile, "panel.json");
+    EXPECT_NE(problemWith({"--settings="}).find("needs a file name"), std::string::npos);
+#else
+    EXPECT_NE(problemWith({"--settings", "panel.json"}).find("nlohmann-json"), std::string::npos);
+#endif
+    EXPECT_NE(problemWith({"--settings"}).find("needs a value"), std::string::npos);
+}
+
 TEST(SimOptionsTest, HelpIsRecognisedAndExplainsEveryOption) {
     EXPECT_TRUE(parseOptions({"--help"}).help);
     EXPECT_TRUE(parseOptions({"-h"}).help);
     std::string const text = frontpanelsim::usage();
-    for (char const* option :
-         {"--size", "--keys", "--keys-file", "--print", "--idle", "--headless", "--help"}) {
+    for (char const* option : {"--size", "--keys", "--keys-file", "--print", "--idle", "--settings",
+                               "--headless", "--help"}) {
         EXPECT_NE(text.find(option), std::string::npos) << option;
     }
     EXPECT_NE(text.find("LOCAL"), std::string::npos);

@@ -1,6 +1,11 @@
 #include "demo_panel.h"
 
+#include <yxfrontpanel/runtime/setting_definition.h>
+
+#include <algorithm>
 #include <chrono>
+#include <cstdint>
+#include <variant>
 
 namespace frontpanelsim {
 
@@ -15,6 +20,8 @@ constexpr double kDefaultAmps = 0.5;
 constexpr double kMaxAmps = 5.0;
 constexpr double kLoadOhms = 10.0;    // the simulated load on the output
 constexpr double kRatedWatts = 20.0;  // full scale of the status screen's power bar
+constexpr int kDefaultPrefix = 24;
+constexpr int kDefaultContrast = 1;
 constexpr int kOff = 0;
 constexpr int kOn = 1;
 
@@ -22,6 +29,15 @@ std::u16string const kHelpText =
     u"Arrow keys move through the menu. Enter opens an entry, applies an edit or confirms. "
     u"Back closes the open screen. In a number or address editor, left and right pick the "
     u"digit and up and down change it. Edits need LOCAL mode.";
+
+// The brightness slider's layout on a panel of the provider's width.
+unsigned brightnessCaptionWidth(yxfrontpanel::IDrawingProvider const& provider) {
+    return provider.getChars() >= 20 ? 4 : 3;
+}
+
+unsigned brightnessBarWidth(yxfrontpanel::IDrawingProvider const& provider) {
+    return std::min(provider.getChars() - 2 * brightnessCaptionWidth(provider), 16U);
+}
 
 template <class Item, class... Args>
 std::shared_ptr<Item> add(yxfrontpanel::TreeMenuItem& menu, Args&&... args) {
@@ -56,7 +72,7 @@ void DemoPanel::buildOutputMenu() {
     auto menu = std::make_shared<yxfrontpanel::TreeMenuItem>(provider_, u"Output");
     root_->addItem(menu);
 
-    auto voltage =
+    auto voltage = voltageItem_ =
         add<yxfrontpanel::ValueEditorMenuItem>(*menu, provider_, u"Voltage", 0.0, kMaxVolts);
     voltage->setPrecision(2);
     voltage->setUnit(u"V");
@@ -64,7 +80,7 @@ void DemoPanel::buildOutputMenu() {
         voltage_, voltageMin_, voltageMax_, [this](double volts) { voltage_.set(volts); }, *voltage,
         voltageVisible_, voltageEditable_);
 
-    auto current =
+    auto current = currentItem_ =
         add<yxfrontpanel::ValueEditorMenuItem>(*menu, provider_, u"Current", 0.0, kMaxAmps);
     current->setPrecision(3);
     current->setUnit(u"A");
@@ -100,7 +116,7 @@ void DemoPanel::buildNetworkMenu() {
     gateway_->setValue("192.168.1.1");
     gateway_->connectEditor([](std::string const& /*address*/) {});
     netmask_ = add<yxfrontpanel::IpMaskEditor>(*menu, provider_, u"Netmask");
-    netmask_->setValue(24);
+    netmask_->setValue(kDefaultPrefix);
 }
 
 void DemoPanel::showDhcp(bool dhcp) {
@@ -114,8 +130,8 @@ void DemoPanel::buildDisplayMenu() {
     auto menu = std::make_shared<yxfrontpanel::TreeMenuItem>(provider_, u"Display");
     root_->addItem(menu);
 
-    unsigned const captionWidth = provider_.getChars() >= 20 ? 4 : 3;
-    unsigned const barWidth = std::min(provider_.getChars() - 2 * captionWidth, 16U);
+    unsigned const captionWidth = brightnessCaptionWidth(provider_);
+    unsigned const barWidth = brightnessBarWidth(provider_);
     brightness_ = add<yxfrontpanel::SliderMenuItem>(*menu, provider_, u"Brightness", u"Dim", u"Max",
                                                     captionWidth, barWidth, 0);
     brightness_->setValue(static_cast<int>(barWidth) / 2);
@@ -125,7 +141,7 @@ void DemoPanel::buildDisplayMenu() {
     contrast_->addItem(std::make_shared<yxfrontpanel::RadioMenuItem>(u"Low", 0));
     contrast_->addItem(std::make_shared<yxfrontpanel::RadioMenuItem>(u"Medium", 1));
     contrast_->addItem(std::make_shared<yxfrontpanel::RadioMenuItem>(u"High", 2));
-    contrast_->setValue(1);
+    contrast_->setValue(kDefaultContrast);
 }
 
 void DemoPanel::buildSystemMenu() {
@@ -139,13 +155,16 @@ void DemoPanel::buildSystemMenu() {
         ->setText(kHelpText, TextAllignment::Left);
 
     auto save = add<yxfrontpanel::TriggerMenuItem>(*menu, u"Save settings", 1000ms);
-    save->action = [] { return true; };
+    save->action = [this] { return store_ == nullptr || store_->saveNow().ok; };
 
     auto reset = add<yxfrontpanel::TriggerMenuItem>(*menu, u"Reset defaults", 1000ms);
     // The confirm hint is as wide as half the panel and starts right of its middle, so on an
     // even-width panel its last column falls off the edge: a trailing blank keeps "Yes" whole.
     reset->enableUserDialog(provider_, "Reset settings", "to defaults?", "Yes ");
     reset->action = [this] {
+        if (store_ != nullptr) {
+            return store_->resetToDefaults().ok;  // the items and the state follow the store
+        }
         resetToDefaults();
         return true;
     };
@@ -164,8 +183,8 @@ void DemoPanel::resetToDefaults() {
     showDhcp(false);
     address_->setValue("192.168.1.100");
     gateway_->setValue("192.168.1.1");
-    netmask_->setValue(24);
-    contrast_->setValue(1);
+    netmask_->setValue(kDefaultPrefix);
+    contrast_->setValue(kDefaultContrast);
 }
 
 void DemoPanel::setLocal(bool local) {
@@ -205,5 +224,83 @@ void DemoPanel::drawHomeScreen(yxfrontpanel::IDrawingProvider const& provider) {
 }
 
 yxfrontpanel::IMenuTree& DemoPanel::root() { return *root_; }
+
+#ifdef YXFP_HAVE_SETTINGS
+
+std::vector<yxfrontpanel::settings::SettingDefinition> DemoPanel::settingDefinitions() const {
+    using yxfrontpanel::settings::SettingDefinition;
+    std::vector<std::int64_t> prefixes;
+    for (auto const& entry : netmask_->getBitToMaskMap()) {
+        prefixes.push_back(entry.first);
+    }
+    return {
+        SettingDefinition::number("voltage", kDefaultVolts, 0.0, kMaxVolts),
+        SettingDefinition::number("current", kDefaultAmps, 0.0, kMaxAmps),
+        SettingDefinition::boolean("output", false),
+        SettingDefinition::boolean("dhcp", false),
+        SettingDefinition::ipv4("address", ip::IpV4Address(192, 168, 1, 100)),
+        SettingDefinition::ipv4("gateway", ip::IpV4Address(192, 168, 1, 1)),
+        SettingDefinition::choice("netmask", kDefaultPrefix, prefixes),
+        SettingDefinition::integer("brightness", brightnessBarWidth(provider_) / 2, 0,
+                                   brightnessBarWidth(provider_) - 1),
+        SettingDefinition::choice("contrast", kDefaultContrast, {0, 1, 2}),
+    };
+}
+
+void DemoPanel::useSettings(yxfrontpanel::settings::SettingsStore& store) {
+    using yxfrontpanel::settings::bindSetting;
+    store_ = &store;
+    bindings_.push_back(bindSetting(store, "voltage", *voltageItem_));
+    bindings_.push_back(bindSetting(store, "current", *currentItem_));
+    bindings_.push_back(bindSetting(store, "output", *outputMode_));
+    bindings_.push_back(bindSetting(store, "dhcp", *dhcp_));
+    bindings_.push_back(bindSetting(store, "address", *address_));
+    bindings_.push_back(bindSetting(store, "gateway", *gateway_));
+    bindings_.push_back(bindSetting(store, "netmask", *netmask_));
+    bindings_.push_back(bindSetting(store, "brightness", *brightness_));
+    bindings_.push_back(bindSetting(store, "contrast", *contrast_));
+    followSettings(store);
+}
+
+void DemoPanel::followSettings(yxfrontpanel::settings::SettingsStore& store) {
+    using yxfrontpanel::settings::SettingValue;
+    // The bindings keep the items in step; the instrument's own state follows here, for edits
+    // and for a reset or a load alike.
+    listeners_.push_back(store.subscribe(
+        "voltage", [this](SettingValue const& value) { voltage_.set(std::get<double>(value)); }));
+    listeners_.push_back(store.subscribe(
+        "current", [this](SettingValue const& value) { current_.set(std::get<double>(value)); }));
+    listeners_.push_back(store.subscribe(
+        "output", [this](SettingValue const& value) { outputOn_ = std::get<bool>(value); }));
+    listeners_.push_back(store.subscribe(
+        "dhcp", [this](SettingValue const& value) { showDhcp(std::get<bool>(value)); }));
+    voltage_.set(store.number("voltage"));
+    current_.set(store.number("current"));
+    outputOn_ = store.boolean("output");
+    showDhcp(store.boolean("dhcp"));
+}
+
+void DemoPanel::releaseSettings() noexcept {
+    bindings_.clear();
+    if (store_ != nullptr) {
+        for (auto const id : listeners_) {
+            store_->unsubscribe(id);
+        }
+    }
+    listeners_.clear();
+    store_ = nullptr;
+}
+
+#else
+
+std::vector<yxfrontpanel::settings::SettingDefinition> DemoPanel::settingDefinitions() const {
+    return {};
+}
+
+void DemoPanel::useSettings(yxfrontpanel::settings::SettingsStore& /*store*/) {}
+
+void DemoPanel::releaseSettings() noexcept {}
+
+#endif
 
 }  // namespace frontpanelsim

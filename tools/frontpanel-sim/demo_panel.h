@@ -1,11 +1,14 @@
 #pragma once
 
+#include <yxfrontpanel/runtime/setting_bindings.h>
+#include <yxfrontpanel/runtime/settings_store.h>
 #include <yxfrontpanel/yxfrontpanel.h>
 
 #include <atomic>
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "panel_app.h"
 #include "status_screen.h"
@@ -44,6 +47,13 @@ public:
     /** Shows a reading in the Measured entry, the status screen and the home screen. */
     void show(Reading reading);
 
+    /** voltage, current, output, dhcp, address, gateway, netmask, brightness and contrast. */
+    std::vector<yxfrontpanel::settings::SettingDefinition> settingDefinitions() const override;
+    /** Binds every entry of those settings to `store`; "Save settings" then saves it and
+     *  "Reset defaults" resets and saves it. */
+    void useSettings(yxfrontpanel::settings::SettingsStore& store) override;
+    void releaseSettings() noexcept override;
+
 private:
     void buildOutputMenu();
     void buildNetworkMenu();
@@ -51,6 +61,8 @@ private:
     void buildSystemMenu();
     void resetToDefaults();
     void showDhcp(bool dhcp);
+    /** Keeps the instrument's own state (set points, output, DHCP) in step with `store`. */
+    void followSettings(yxfrontpanel::settings::SettingsStore& store);
 
     yxfrontpanel::IDrawingProvider const& provider_;
     std::unique_ptr<yxfrontpanel::IMenuTree> root_;
@@ -72,6 +84,13 @@ private:
     Reading shown_;
     std::unique_ptr<StatusForm> home_;  // on the panel's home-screen provider, once shown
 
+    // The settings file's store while one is in use (--settings), its bindings and listeners.
+    yxfrontpanel::settings::SettingsStore* store_ = nullptr;
+    std::vector<yxfrontpanel::settings::SettingBinding> bindings_;
+    std::vector<yxfrontpanel::settings::SettingsStore::ListenerId> listeners_;
+
+    std::shared_ptr<yxfrontpanel::ValueEditorMenuItem> voltageItem_;
+    std::shared_ptr<yxfrontpanel::ValueEditorMenuItem> currentItem_;
     std::shared_ptr<yxfrontpanel::ReadOnlyMenuItem> measured_;
     std::shared_ptr<StatusMenuItem> status_;
     std::shared_ptr<yxfrontpanel::InlineEditorMenuItem> outputMode_;

@@ -18,7 +18,7 @@ struct Word {
     char const* meaning;
 };
 
-constexpr std::array<Word, 9> kWords{{
+constexpr std::array<Word, 10> kWords{{
     {"up", ScriptAction::Up, "the up key"},
     {"down", ScriptAction::Down, "the down key"},
     {"left", ScriptAction::Left, "the left key"},
@@ -28,6 +28,8 @@ constexpr std::array<Word, 9> kWords{{
     {"local", ScriptAction::Local, "switch to local mode (front-panel edits allowed)"},
     {"remote", ScriptAction::Remote, "switch to remote mode (front-panel edits refused)"},
     {"tick", ScriptAction::Tick, "let half a second pass (one measurement update)"},
+    {"restart", ScriptAction::Restart,
+     "stop the panel and build it again (from the --settings file, if any)"},
 }};
 
 constexpr char const* kWaitPrefix = "wait:";
@@ -81,7 +83,7 @@ std::vector<ScriptStep> parseKeyScript(std::string const& text) {
         if (known == kWords.end()) {
             throw ScriptError("unknown key '" + word + "' at position " + std::to_string(position) +
                               " of the key script (known: up down left right enter back local "
-                              "remote tick wait:SECONDS)");
+                              "remote tick restart wait:SECONDS)");
         }
         steps.push_back(ScriptStep{known->action, word, position});
     }

@@ -9,8 +9,10 @@
 namespace frontpanelsim {
 
 /** What one word of a key script does: one of the six panel keys, a switch of the operating
- *  mode, half a second of simulated time (the measurement update), or `wait:SECONDS` of it. */
-enum class ScriptAction { Up, Down, Left, Right, Enter, Back, Local, Remote, Tick, Wait };
+ *  mode, half a second of simulated time (the measurement update), `wait:SECONDS` of it, or a
+ *  restart of the application (its panel stopped and built again, from the settings file when
+ *  there is one). */
+enum class ScriptAction { Up, Down, Left, Right, Enter, Back, Local, Remote, Tick, Wait, Restart };
 
 /** One word of a key script with its 1-based position, for messages. */
 struct ScriptStep {

@@ -4,6 +4,12 @@
 #include <yxfrontpanel/menu_tree.h>
 
 #include <functional>
+#include <vector>
+
+namespace yxfrontpanel::settings {
+class SettingDefinition;
+class SettingsStore;
+}  // namespace yxfrontpanel::settings
 
 namespace frontpanelsim {
 
@@ -30,6 +36,15 @@ public:
     virtual Update acquire(unsigned sample) = 0;
     /** Draws the home screen (a status screen) through `provider`. Panel's thread. */
     virtual void drawHomeScreen(yxfrontpanel::IDrawingProvider const& provider) = 0;
+
+    /** The values the application keeps in a settings file (--settings); none by default. */
+    virtual std::vector<yxfrontpanel::settings::SettingDefinition> settingDefinitions() const;
+    /** Binds the application's items to `store`, loaded from the file: they show its values,
+     *  edits go into it, and the save and reset entries act on it. The store stays until
+     *  `releaseSettings`. Panel's thread; by default nothing. */
+    virtual void useSettings(yxfrontpanel::settings::SettingsStore& store);
+    /** Ends the use of the store before it goes (the panel has stopped). Never throws. */
+    virtual void releaseSettings() noexcept;
 };
 
 }  // namespace frontpanelsim

@@ -95,6 +95,8 @@ void applyStep(Session& session, ManualClock& clock, ScriptStep const& step) {
             return clock.advance(kMeasurementPeriod);
         case ScriptAction::Wait:
             return clock.advance(step.duration);
+        case ScriptAction::Restart:
+            return;  // the runner builds a new session; see runKeyScript
     }
 }
 
@@ -127,17 +129,30 @@ int runKeyScript(SimOptions const& options, AppFactory const& makeApp, Attachmen
     InstantSleep const instantSleep;
     std::size_t failedStep = 0;
     try {
-        Session session(*panelDisplay, panelOptionsFor(options, RunKind::KeyScript, attachments),
-                        clock, makeApp, options, RunKind::KeyScript);
-        attachments.insert(attachments.begin(), std::make_unique<ClockedAcquisition>());
-        session.attach(std::move(attachments));
-        auto& panel = session.panel();
-        panel.runOnce(std::chrono::milliseconds{0});  // the first screen, as step 0
+        // A run of the application on the script's display and clock; `restart` ends it (the
+        // attachments detach, so the settings are written) and starts the next one, whose
+        // attachments the command line asks for afresh (so the settings file is read again).
+        auto const start = [&](Attachments parts) {
+            auto session = std::make_unique<Session>(
+                *panelDisplay, panelOptionsFor(options, RunKind::KeyScript, parts), clock, makeApp,
+                options, RunKind::KeyScript);
+            parts.insert(parts.begin(), std::make_unique<ClockedAcquisition>());
+            session->attach(std::move(parts));
+            session->panel().runOnce(std::chrono::milliseconds{0});  // the first screen
+            return session;
+        };
+        std::unique_ptr<Session> session = start(std::move(attachments));
         for (ScriptStep const& step : steps) {
             failedStep = step.position;
             display.beginStep(step.position, step.word);
-            applyStep(session, *clock, step);
-            if (!panel.runOnce(std::chrono::milliseconds{0})) {
+            if (step.action == ScriptAction::Restart) {
+                session->panel().stop();
+                session.reset();
+                session = start(attachmentsFor(options));
+                continue;
+            }
+            applyStep(*session, *clock, step);
+            if (!session->panel().runOnce(std::chrono::milliseconds{0})) {
                 break;  // an attachment stopped the panel
             }
         }

@@ -105,6 +105,16 @@ SimOptions parseOptions(std::vector<std::string> const& arguments) {
             options.print = parsePrintMode(takeValue());
         } else if (name == "--idle") {
             options.idle = parseIdle(takeValue());
+        } else if (name == "--settings") {
+            options.settingsFile = takeValue();
+            if (options.settingsFile->empty()) {
+                throw UsageError("--settings needs a file name");
+            }
+#ifndef YXFP_HAVE_SETTINGS
+            throw UsageError(
+                "--settings: this build has no settings store (configure with nlohmann-json, "
+                "Debian package nlohmann-json3-dev)");
+#endif
         } else if (name == "--headless") {
             options.headless = true;
         } else if (name == "--display") {
@@ -143,8 +153,8 @@ SimOptions parseOptions(std::vector<std::string> const& arguments) {
 
 std::string usage() {
     return "Usage: frontpanel-sim [--size COLSxLINES] [--keys \"KEYS\" | --keys-file FILE]\n"
-           "                      [--print all|last] [--idle SECONDS] [--headless]\n"
-           "                      [--display DISPLAY]\n"
+           "                      [--print all|last] [--idle SECONDS] [--settings FILE]\n"
+           "                      [--headless] [--display DISPLAY]\n"
            "                      [--input evdev:PATH[:...] | gpio:CHIP:LINES]...\n"
            "                      [--web HOST:PORT [--web-token TOKEN]] [--help]\n"
            "\n"
@@ -169,6 +179,11 @@ std::string usage() {
            "    --idle SECONDS      show the output status as home screen after SECONDS\n"
            "                        without a key (0: never); default 60, off in a key\n"
            "                        script (there wait:SECONDS lets the time pass)\n"
+           "    --settings FILE     keep the settings in FILE: edits are saved two seconds\n"
+           "                        after the first unsaved one and when the run ends,\n"
+           "                        \"Save settings\" saves at once, \"Reset defaults\"\n"
+           "                        resets and saves; default: none (every run starts\n"
+           "                        from the defaults, so scripted runs repeat exactly)\n"
            "    --headless          run without a terminal until SIGINT or SIGTERM\n"
            "    --display DISPLAY   where the panel draws (default terminal):\n"
            "                        hd44780[:a00|a02]  what an HD44780 character module\n"

@@ -27,6 +27,9 @@ struct SimOptions {
     /** --idle: time without a key before the home screen shows (zero: never); unset means the
      *  default of the run (off in a key script, a minute otherwise). */
     std::optional<std::chrono::milliseconds> idle;
+    /** --settings FILE: keep the demo's settings in FILE; unset (the default), every run starts
+     *  from the defaults and writes nothing. */
+    std::optional<std::string> settingsFile;
     /** --headless: run without a terminal until SIGINT or SIGTERM. */
     bool headless = false;
     /** --display: where the panel draws (the terminal by default, or an HD44780 module). */

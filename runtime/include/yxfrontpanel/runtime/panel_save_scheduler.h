@@ -1,0 +1,48 @@
+#pragma once
+
+#include <yxfrontpanel/runtime/export.h>
+#include <yxfrontpanel/runtime/settings_store.h>
+
+#include <chrono>
+#include <mutex>
+
+namespace yxfrontpanel::runtime {
+class Panel;
+}
+
+namespace yxfrontpanel::settings {
+
+/**
+ * @brief Saves a settings store on a panel's timers: while it lives, every change of the store
+ *        schedules one coalesced save with `Panel::after` (see `SettingsStoreOptions::saveDelay`),
+ *        which runs on the panel's thread.
+ *
+ * Construction makes it the store's scheduler. `finish` (or the destructor) detaches it and
+ * writes whatever is still unsaved, so that the changes of the last moments before the panel
+ * stopped are not lost: call it after `Panel::run` returns. The panel and the store must
+ * outlive it. Not copyable.
+ */
+class YXFP_RUNTIME_EXPORT PanelSaveScheduler final : public ISaveScheduler {
+public:
+    /** Becomes `store`'s scheduler; saves then run on `panel`'s timers. */
+    PanelSaveScheduler(runtime::Panel& panel, SettingsStore& store);
+    /** `finish()`, its failure only logged. */
+    ~PanelSaveScheduler() override;
+
+    /** `Panel::after(delay, task)`. Any thread. */
+    Handle schedule(std::chrono::nanoseconds delay, Task task) override;
+    /** `Panel::cancel(handle)`. Any thread. */
+    void cancel(Handle handle) override;
+
+    /** Stops scheduling, cancels a scheduled save and writes the changes not yet written
+     *  (`SettingsStore::flush`); returns that result. Later calls only flush again. Call it on
+     *  the panel's thread or after the panel stopped. */
+    SaveResult finish();
+
+private:
+    runtime::Panel& panel_;
+    SettingsStore& store_;
+    std::once_flag detached_;
+};
+
+}  // namespace yxfrontpanel::settings

@@ -1,0 +1,190 @@
+#pragma once
+
+#include <yxfrontpanel/runtime/export.h>
+#include <yxfrontpanel/runtime/setting_definition.h>
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace yxfrontpanel::settings {
+
+/** Runs the store's coalesced saves later: a Panel's `after`/`cancel` in an application
+ *  (`PanelSaveScheduler`), a hand-moved clock in tests. */
+class YXFP_RUNTIME_EXPORT ISaveScheduler {
+public:
+    using Task = std::function<void()>;
+    /** Identifies a scheduled task; 0 is never used for one. */
+    using Handle = std::uint64_t;
+
+    ISaveScheduler() = default;
+    ISaveScheduler(ISaveScheduler const&) = delete;
+    ISaveScheduler& operator=(ISaveScheduler const&) = delete;
+    virtual ~ISaveScheduler();
+
+    /** Runs `task` once after `delay`; returns its handle, or 0 when it cannot be scheduled
+     *  (e.g. the panel has stopped). May be called from any thread that changes settings. */
+    virtual Handle schedule(std::chrono::nanoseconds delay, Task task) = 0;
+    /** Drops a scheduled task that has not run; unknown handles are ignored. */
+    virtual void cancel(Handle handle) = 0;
+};
+
+/** How a settings store names, versions and saves its file. */
+struct SettingsStoreOptions {
+    /** Written into the file and required when loading: a file of another application is
+     *  treated as corrupt. Must not be empty. */
+    std::string applicationName;
+    /** The schema version this application writes (1 or more). A file with a higher version is
+     *  loaded read-only unless `saveNewerSchema`; a lower one is loaded and, at the next save,
+     *  rewritten with this version. */
+    unsigned schemaVersion = 1;
+    /** Allow saving over a file of a newer schema (its unknown values are kept either way, but
+     *  the newer application may read them differently). */
+    bool saveNewerSchema = false;
+    /** Coalescing of saves after a change: the file is written at most once per this period and
+     *  within this period of the last change. */
+    std::chrono::milliseconds saveDelay{2000};
+    /** Files larger than this are not read (treated as corrupt). */
+    std::size_t maxFileSize = std::size_t{1} << 20;
+};
+
+/** The outcome of a save: `ok`, or the reason it failed (the file is then unchanged). */
+struct SaveResult {
+    bool ok = true;
+    std::string error;
+    explicit operator bool() const { return ok; }
+};
+
+/** What `load` found. */
+struct LoadResult {
+    enum class Source {
+        Defaults,                ///< no file: every value is its default
+        File,                    ///< the file was read
+        Backup,                  ///< the file was corrupt and moved aside; the backup was read and
+                                 ///< written back as the file
+        DefaultsAfterCorruption  ///< the file (and backup, if any) were unusable: defaults
+    };
+    Source source = Source::Defaults;
+    /** True when the file has a newer schema and `saveNewerSchema` is off: saves are refused. */
+    bool readOnly = false;
+    /** Where corrupt files were moved (NAME.corrupt-TIMESTAMP); empty when none was. */
+    std::vector<std::string> movedAside;
+    /** The reason the file or backup was unusable, or why the store is read-only; empty
+     *  otherwise. */
+    std::string detail;
+};
+
+/**
+ * @brief Named settings with defaults, kept in one JSON file that survives power loss.
+ *
+ * The file holds the application's name, a schema version and the values by key. Saving writes
+ * NAME.tmp in the same directory, flushes it to the device, renames it over NAME and flushes
+ * the directory; the file it replaces becomes NAME.bak. A power cut at any moment therefore
+ * leaves either the old or the new file, complete.
+ *
+ * Loading a missing file gives the defaults. A file that cannot be read as a settings file of
+ * this application (not JSON, truncated, empty, another application's, malformed structure) is
+ * renamed to NAME.corrupt-TIMESTAMP with a warning, and the backup is used (and written back as
+ * the file), else the defaults. A single value of the wrong type is replaced by its default and a
+ * number outside its range is clamped, each with a warning naming the key. Keys this application
+ * does not declare are kept and written back unchanged.
+ *
+ * Changes (`set`) are saved by `saveNow`, by `flush`, or, with a scheduler, automatically: the
+ * first unsaved change schedules one save `saveDelay` later, which takes every change made
+ * meanwhile. Call `flush` when the panel stops (after `Panel::run` returns) so that nothing
+ * waits unsaved. A failed save (full disk, read-only or vanished directory) returns and logs the
+ * reason; values in memory and the old file stay, and the next save tries again.
+ *
+ * Thread safety: every operation may be called from any thread; file writes are serialised.
+ * Listeners run on the thread whose call changed the value, after the store's lock is released:
+ * change values that are bound to menu items only on the panel's thread (post from others).
+ * Only one store may use a given file at a time. Copy and move are deleted.
+ */
+class YXFP_RUNTIME_EXPORT SettingsStore {
+public:
+    /** Identifies a listener; 0 never names one. */
+    using ListenerId = std::uint64_t;
+    /** Hears the new value of one key. */
+    using Listener = std::function<void(SettingValue const& value)>;
+
+    /** A store for the file `path` holding `definitions`, every value at its default until
+     *  `load`. Touches no file.
+     *  @throws std::invalid_argument for an empty path or application name, schema version 0 or
+     *  two definitions with the same key. */
+    SettingsStore(std::string path, SettingsStoreOptions options,
+                  std::vector<SettingDefinition> const& definitions);
+    /** Cancels a scheduled save; does not write (call `flush` first). */
+    ~SettingsStore();
+    SettingsStore(SettingsStore const&) = delete;
+    SettingsStore& operator=(SettingsStore const&) = delete;
+
+    /** Reads the file (see the class comment) and notifies every listener whose value changed.
+     *  Never throws for the file's content; all-or-nothing: values are replaced only by a
+     *  complete, checked file. */
+    LoadResult load();
+    /** Writes the file now, whether or not anything changed. Refused (not ok) while read-only.
+     *  Cancels a scheduled save when it succeeds. */
+    SaveResult saveNow();
+    /** Writes the file when there are unsaved changes; ok without writing otherwise. */
+    SaveResult flush();
+    /** Factory reset: every declared value back to its default (listeners notified), keys this
+     *  application does not know dropped, then `saveNow` (which a read-only store refuses: the
+     *  values are then reset in memory only). */
+    SaveResult resetToDefaults();
+
+    /** The value of `key`. @throws std::out_of_range for a key that was not declared. */
+    SettingValue get(std::string const& key) const;
+    /** Typed reads. @throws std::out_of_range for an undeclared key, std::invalid_argument when
+     *  the key has another type (a number read of an integer converts). */
+    double number(std::string const& key) const;
+    std::int64_t integer(std::string const& key) const;
+    bool boolean(std::string const& key) const;
+    std::string text(std::string const& key) const;
+    ip::IpV4Address ipv4(std::string const& key) const;
+
+    /**
+     * @brief Changes `key` to `value` after checking it against its definition: a value
+     *        outside the range is clamped, a rejected one (wrong type, not a choice) changes
+     *        nothing. A changed value notifies every listener of the key except `source` and
+     *        schedules a save.
+     * @return false when rejected; true otherwise (also when the value was already current).
+     * @throws std::out_of_range for a key that was not declared.
+     */
+    bool set(std::string const& key, SettingValue const& value, ListenerId source = 0);
+
+    /** Calls `listener` with every later change of `key` (from `set`, `load`, a factory reset).
+     *  @throws std::out_of_range for a key that was not declared. */
+    ListenerId subscribe(std::string const& key, Listener listener);
+    /** Removes a listener; unknown ids are ignored. Must not be called from inside that
+     *  listener's own call on another thread. */
+    void unsubscribe(ListenerId id);
+
+    /** Saves coalesced after changes through `scheduler` (not owned; must outlive the store or
+     *  be replaced first); null turns automatic saving off and cancels a scheduled save. */
+    void setScheduler(ISaveScheduler* scheduler);
+
+    /** The definition of `key`, or null for an undeclared key. */
+    SettingDefinition const* definition(std::string const& key) const;
+    /** The declared keys in declaration order. */
+    std::vector<std::string> keys() const;
+    /** Whether saves are refused because the file has a newer schema. */
+    bool isReadOnly() const;
+    /** Whether a change has not reached the file yet. */
+    bool hasUnsavedChanges() const;
+    /** How many times the file was written successfully since construction. */
+    std::uint64_t writeCount() const;
+    /** The file's path. */
+    std::string const& path() const;
+    /** The backup's path (the file's path + ".bak"). */
+    std::string backupPath() const;
+
+private:
+    class Impl;
+    std::unique_ptr<Impl> impl_;
+};
+
+}  // namespace yxfrontpanel::settings

@@ -1,0 +1,32 @@
+#include <yxfrontpanel/runtime/panel.h>
+#include <yxfrontpanel/runtime/panel_save_scheduler.h>
+
+#include <utility>
+
+namespace yxfrontpanel::settings {
+
+PanelSaveScheduler::PanelSaveScheduler(runtime::Panel& panel, SettingsStore& store)
+    : panel_(panel), store_(store) {
+    store_.setScheduler(this);
+}
+
+PanelSaveScheduler::~PanelSaveScheduler() {
+    // The store logs a failed save itself; a destructor has nobody else to tell.
+    try {
+        static_cast<void>(finish());
+    } catch (...) {  // NOLINT(bugprone-empty-catch): nothing may leave a destructor
+    }
+}
+
+ISaveScheduler::Handle PanelSaveScheduler::schedule(std::chrono::nanoseconds delay, Task task) {
+    return panel_.after(delay, std::move(task));
+}
+
+void PanelSaveScheduler::cancel(Handle handle) { panel_.cancel(handle); }
+
+SaveResult PanelSaveScheduler::finish() {
+    std::call_once(detached_, [this] { store_.setScheduler(nullptr); });
+    return store_.flush();
+}
+
+}  // namespace yxfrontpanel::settings

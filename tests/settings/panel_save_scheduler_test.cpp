@@ -1,0 +1,137 @@
+#include <frontpanelhw/display.h>
+#include <yxfrontpanel/runtime.h>
+#include <yxfrontpanel/yxfrontpanel.h>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <memory>
+#include <string>
+
+#include "settings_test_store.h"
+#include "temp_directory.h"
+
+// The store's saves on a real panel's timers, with a hand-moved clock: a user turning through
+// values commits many times, the file is written at most once per save delay, and stopping the
+// panel leaves nothing unsaved.
+namespace {
+
+using namespace std::chrono_literals;
+using frontpanelhw::PanelKey;
+using yxfp_test::benchStore;
+using yxfp_test::TempDirectory;
+using yxfrontpanel::runtime::ManualClock;
+using yxfrontpanel::runtime::Panel;
+using yxfrontpanel::settings::bindSetting;
+using yxfrontpanel::settings::PanelSaveScheduler;
+using yxfrontpanel::settings::SettingBinding;
+using yxfrontpanel::settings::SettingsStore;
+
+// A panel whose root menu holds the voltage editor bound to a bench store.
+class PanelSaveSchedulerTest : public ::testing::Test {
+protected:
+    PanelSaveSchedulerTest()
+        : panel(display, {}, clock),
+          tree(yxfrontpanel::MenuTreeFactory().create(panel.provider())),
+          voltage(std::make_shared<yxfrontpanel::ValueEditorMenuItem>(panel.provider(), u"Voltage",
+                                                                      0.0, 30.0)) {
+        store->load();
+        voltage->setPrecision(2);
+        voltage->setCloseAfterApply(false);
+        binding = bindSetting(*store, "voltage", *voltage);
+        tree->addItem(voltage);
+        tree->setLocal(true);
+        panel.setRoot(*tree);
+    }
+
+    void turn() { ASSERT_TRUE(panel.runOnce(0ms)); }
+    void press(PanelKey key) {
+        ASSERT_TRUE(panel.pressKey(key));
+        turn();
+    }
+    double savedVoltage() const {
+        auto reloaded = benchStore(path);
+        reloaded->load();
+        return reloaded->number("voltage");
+    }
+
+    TempDirectory dir;
+    std::string path = dir.file("settings.json");
+    std::unique_ptr<SettingsStore> store = benchStore(path);
+    frontpanelhw::MemoryDisplay display{20, 4};
+    std::shared_ptr<ManualClock> clock = std::make_shared<ManualClock>();
+    Panel panel;
+    std::unique_ptr<yxfrontpanel::IMenuTree> tree;
+    std::shared_ptr<yxfrontpanel::ValueEditorMenuItem> voltage;
+    SettingBinding binding;
+};
+
+TEST_F(PanelSaveSchedulerTest, AHundredCommitsInOneSecondWriteTheFileAtMostTwice) {
+    PanelSaveScheduler scheduler(panel, *store);
+    turn();
+    press(PanelKey::Enter);  // opens the editor, which stays open after each apply
+    for (int commit = 0; commit < 100; ++commit) {
+        press(commit % 2 == 0 ? PanelKey::Up : PanelKey::Down);
+        press(PanelKey::Enter);
+        clock->advance(10ms);
+        turn();
+    }
+    double const last = voltage->getEditor().getValue();
+    EXPECT_EQ(store->number("voltage"), last);
+    for (int i = 0; i < 5; ++i) {
+        clock->advance(1s);
+        turn();
+    }
+    EXPECT_GE(store->writeCount(), 1U);
+    EXPECT_LE(store->writeCount(), 2U);
+    EXPECT_FALSE(store->hasUnsavedChanges());
+    EXPECT_EQ(savedVoltage(), last);
+}
+
+TEST_F(PanelSaveSchedulerTest, NothingIsWrittenBeforeTheDelayAndOnceAfterIt) {
+    PanelSaveScheduler scheduler(panel, *store);
+    turn();
+    press(PanelKey::Enter);
+    press(PanelKey::Up);
+    press(PanelKey::Enter);
+    clock->advance(1999ms);
+    turn();
+    EXPECT_EQ(store->writeCount(), 0U);
+    clock->advance(1ms);
+    turn();
+    EXPECT_EQ(store->writeCount(), 1U);
+    EXPECT_EQ(savedVoltage(), voltage->getEditor().getValue());
+}
+
+TEST_F(PanelSaveSchedulerTest, StoppingThePanelAndFinishingWritesWhatIsUnsaved) {
+    PanelSaveScheduler scheduler(panel, *store);
+    turn();
+    press(PanelKey::Enter);
+    press(PanelKey::Up);
+    press(PanelKey::Enter);
+    double const edited = voltage->getEditor().getValue();
+    panel.stop();
+    EXPECT_FALSE(panel.runOnce(0ms));
+    EXPECT_EQ(store->writeCount(), 0U);
+    EXPECT_TRUE(scheduler.finish());
+    EXPECT_EQ(store->writeCount(), 1U);
+    EXPECT_EQ(savedVoltage(), edited);
+}
+
+TEST_F(PanelSaveSchedulerTest, DestroyingTheSchedulerAfterTheRunWritesWhatIsUnsaved) {
+    {
+        PanelSaveScheduler scheduler(panel, *store);
+        turn();
+        press(PanelKey::Enter);
+        press(PanelKey::Up);
+        press(PanelKey::Enter);
+        panel.stop();
+    }
+    EXPECT_EQ(store->writeCount(), 1U);
+    EXPECT_EQ(savedVoltage(), voltage->getEditor().getValue());
+    // Later changes are no longer scheduled on the stopped panel.
+    store->set("voltage", 1.0);
+    EXPECT_TRUE(store->hasUnsavedChanges());
+}
+
+}  // namespace

@@ -1,0 +1,182 @@
+#include <yxfrontpanel/runtime/settings_store.h>
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
+#include <string>
+
+#include "platform_capture.h"
+#include "settings_test_store.h"
+#include "temp_directory.h"
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+// Saves that the file system refuses, made with real operating-system faults that also hold
+// for root: the previous file stays intact, the values in memory stay, the reason is reported
+// and logged, and the next save after the fault is cleared succeeds.
+namespace {
+
+using yxfp_test::benchStore;
+using yxfp_test::LogCapture;
+using yxfp_test::readFile;
+using yxfp_test::TempDirectory;
+using yxfrontpanel::settings::SaveResult;
+using yxfrontpanel::settings::SettingsStore;
+
+constexpr int kErrorLevel = 3;
+
+bool loggedError(LogCapture const& log, std::string const& words) {
+    for (auto const& record : log.records()) {
+        if (record.level <= kErrorLevel && record.message.find(words) != std::string::npos) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// A store on `path` with a first version saved (channel 5) and an unsaved change (channel 6).
+std::unique_ptr<SettingsStore> storeWithUnsavedChange(std::string const& path) {
+    auto store = benchStore(path);
+    store->load();
+    store->set("channel", std::int64_t{5});
+    EXPECT_TRUE(store->saveNow());
+    store->set("channel", std::int64_t{6});
+    return store;
+}
+
+// What every refused save must leave behind.
+void expectRefused(SaveResult const& result, SettingsStore const& store, std::string const& oldFile,
+                   std::string const& oldContent, std::string const& reason,
+                   LogCapture const& log) {
+    EXPECT_FALSE(result.ok);
+    EXPECT_NE(result.error.find(reason), std::string::npos) << result.error;
+    EXPECT_NE(result.error.find(store.path()), std::string::npos) << result.error;
+    EXPECT_TRUE(loggedError(log, reason));
+    EXPECT_EQ(readFile(oldFile), oldContent);
+    EXPECT_EQ(store.integer("channel"), 6);
+    EXPECT_TRUE(store.hasUnsavedChanges());
+}
+
+void expectSavedAfterwards(SettingsStore& store) {
+    ASSERT_TRUE(store.saveNow());
+    auto reloaded = benchStore(store.path());
+    reloaded->load();
+    EXPECT_EQ(reloaded->integer("channel"), 6);
+}
+
+// A file-size limit makes writes fail as on a full disk (EFBIG, SIGXFSZ ignored). The limit is
+// set in a child so that the test process keeps writing freely; the child reports by exit code.
+TEST(SettingsWriteFailureTest, AFileSizeLimitLikeAFullDiskKeepsTheOldFile) {
+    TempDirectory dir;
+    std::string const path = dir.file("settings.json");
+    auto store = storeWithUnsavedChange(path);
+    std::string const oldContent = readFile(path);
+
+    LogCapture log;        // the child's expected error line stays off the console
+    std::fflush(nullptr);  // the child must not write the parent's buffered output again
+    pid_t const child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        std::signal(SIGXFSZ, SIG_IGN);
+        rlimit limit{};
+        ::getrlimit(RLIMIT_FSIZE, &limit);
+        rlimit const small{16, limit.rlim_max};
+        ::setrlimit(RLIMIT_FSIZE, &small);
+        SaveResult const refused = store->saveNow();
+        if (refused.ok) {
+            ::_exit(10);
+        }
+        if (refused.error.find("File too large") == std::string::npos) {
+            ::_exit(11);
+        }
+        if (readFile(path) != oldContent || store->integer("channel") != 6 ||
+            !store->hasUnsavedChanges() || std::filesystem::exists(path + ".tmp")) {
+            ::_exit(12);
+        }
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        if (!store->saveNow().ok || store->hasUnsavedChanges()) {
+            ::_exit(13);
+        }
+        ::_exit(0);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFEXITED(status)) << "child ended by signal " << WTERMSIG(status);
+    // 10: saved despite the limit; 11: another reason; 12: old file, memory or temporary file
+    // not as before; 13: the save after lifting the limit failed.
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+    auto reloaded = benchStore(path);
+    reloaded->load();
+    EXPECT_EQ(reloaded->integer("channel"), 6);
+}
+
+// A directory the store may not write to. Root ignores directory permissions, so for root the
+// same refusal is made by an entry the store cannot replace: its temporary file's name taken
+// by a directory.
+TEST(SettingsWriteFailureTest, AReadOnlyDirectoryKeepsTheOldFile) {
+    TempDirectory dir;
+    std::string const path = dir.file("settings.json");
+    auto store = storeWithUnsavedChange(path);
+    std::string const oldContent = readFile(path);
+
+    ASSERT_EQ(::chmod(dir.path().c_str(), 0555), 0);
+    bool const permissionsHold = ::access(dir.path().c_str(), W_OK) != 0;
+    if (!permissionsHold) {
+        ASSERT_EQ(::chmod(dir.path().c_str(), 0755), 0);
+        ASSERT_EQ(::mkdir((path + ".tmp").c_str(), 0555), 0);
+    }
+    {
+        LogCapture log;
+        expectRefused(store->saveNow(), *store, path, oldContent,
+                      permissionsHold ? "Permission denied" : "Is a directory", log);
+    }
+    if (permissionsHold) {
+        ASSERT_EQ(::chmod(dir.path().c_str(), 0755), 0);
+    } else {
+        ASSERT_EQ(::rmdir((path + ".tmp").c_str()), 0);
+    }
+    expectSavedAfterwards(*store);
+}
+
+TEST(SettingsWriteFailureTest, ADirectoryRemovedUnderTheStoreIsReportedAndRetried) {
+    TempDirectory dir;
+    std::string const folder = dir.file("config");
+    ASSERT_TRUE(std::filesystem::create_directory(folder));
+    auto store = storeWithUnsavedChange(folder + "/settings.json");
+    std::string const oldContent = readFile(folder + "/settings.json");
+    // The old file is kept elsewhere to compare; the directory itself goes.
+    std::filesystem::rename(folder, dir.file("config.kept"));
+    {
+        LogCapture log;
+        expectRefused(store->saveNow(), *store, dir.file("config.kept/settings.json"), oldContent,
+                      "No such file or directory", log);
+    }
+    ASSERT_TRUE(std::filesystem::create_directory(folder));
+    expectSavedAfterwards(*store);
+}
+
+TEST(SettingsWriteFailureTest, ADirectoryReplacedByAFileIsReportedAndRetried) {
+    TempDirectory dir;
+    std::string const folder = dir.file("config");
+    ASSERT_TRUE(std::filesystem::create_directory(folder));
+    auto store = storeWithUnsavedChange(folder + "/settings.json");
+    std::string const oldContent = readFile(folder + "/settings.json");
+    std::filesystem::rename(folder, dir.file("config.kept"));
+    yxfp_test::writeFile(folder, "not a directory");
+    {
+        LogCapture log;
+        expectRefused(store->saveNow(), *store, dir.file("config.kept/settings.json"), oldContent,
+                      "Not a directory", log);
+    }
+    std::filesystem::remove(folder);
+    std::filesystem::rename(dir.file("config.kept"), folder);
+    expectSavedAfterwards(*store);
+    EXPECT_EQ(readFile(folder + "/settings.json.bak"), oldContent);
+}
+
+}  // namespace
