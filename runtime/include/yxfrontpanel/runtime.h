@@ -1,7 +1,18 @@
 #pragma once
 
-// Everything an application needs to run its panel: the panel loop and its clocks.
+// Everything an application needs to run its panel: the panel loop and its clocks, and the
+// command server that lets programs press its keys, read its screen and set its values.
 
 #include <yxfrontpanel/runtime/clock.h>
 #include <yxfrontpanel/runtime/export.h>
+#include <yxfrontpanel/runtime/menu_values.h>
 #include <yxfrontpanel/runtime/panel.h>
+#include <yxfrontpanel/runtime/panel_commands.h>
+#include <yxfrontpanel/runtime/remote_control.h>
+#include <yxfrontpanel/runtime/remote_endpoint.h>
+#include <yxfrontpanel/runtime/remote_panel.h>
+#include <yxfrontpanel/runtime/remote_server.h>
+#include <yxfrontpanel/runtime/scpi_commands.h>
+#include <yxfrontpanel/runtime/scpi_error.h>
+#include <yxfrontpanel/runtime/scpi_parser.h>
+#include <yxfrontpanel/runtime/screen_text.h>
