@@ -15,4 +15,4 @@
 #include <yxfrontpanel/runtime/scpi_commands.h>
 #include <yxfrontpanel/runtime/scpi_error.h>
 #include <yxfrontpanel/runtime/scpi_parser.h>
-#include <yxfrontpanel/runtime/screen_text.h>
+#include <yxfrontpanel/runtime/screen_print.h>

@@ -1,16 +1,25 @@
 #include <yxfrontpanel/apply_key.h>
 #include <yxfrontpanel/menu_tree.h>
 #include <yxfrontpanel/runtime/remote_panel.h>
-#include <yxfrontpanel/runtime/screen_text.h>
+#include <frontpanelhw/screen_text.h>
+#include <yxfrontpanel/runtime/screen_print.h>
 
 namespace yxfrontpanel::runtime {
 
 IRemotePanel::~IRemotePanel() = default;
 
-std::vector<std::string> IRemotePanel::screenLines() const { return screenText(screen()); }
+std::vector<std::string> IRemotePanel::screenLines() const {
+    frontpanelhw::drawing::DisplayBuffer const& frame = screen();
+    std::vector<std::string> lines;
+    lines.reserve(frame.getLineCount());
+    for (unsigned line = 0; line < frame.getLineCount(); ++line) {
+        lines.push_back(frontpanelhw::lineText(frame, line));
+    }
+    return lines;
+}
 
 std::string IRemotePanel::invertedColumnsOf(unsigned line) const {
-    return invertedColumns(screen(), line);
+    return formatColumnRanges(frontpanelhw::invertedRanges(screen(), line));
 }
 
 TreeControl::TreeControl(IMenuTree& tree, frontpanelhw::MemoryDisplay const& display)

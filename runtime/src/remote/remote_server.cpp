@@ -38,6 +38,10 @@ constexpr int kLogWarning = 4;
 constexpr int kLogInfo = 6;
 constexpr int kListenBacklog = 16;
 constexpr std::size_t kReadChunk = 64 * 1024;
+// The kernel's share of a client's unsent responses. Without a limit, loopback connections grow
+// their buffers to megabytes, and a client that does not read would hold that much before the
+// server's own output limit is even reached.
+constexpr int kSocketSendBuffer = 64 * 1024;
 
 void logRecord(int level, std::string const& text) {
     if (!log::detail::isEnabled(level)) {
@@ -402,6 +406,7 @@ private:
                                        " clients");
             return;
         }
+        ::setsockopt(fd.get(), SOL_SOCKET, SO_SNDBUF, &kSocketSendBuffer, sizeof(kSocketSendBuffer));
         Connection connection;
         connection.fd = std::move(fd);
         connection.peer = name;

@@ -56,16 +56,25 @@ std::optional<Pattern> parsePattern(std::string_view text) {
     if (text.front() == ':') {
         text.remove_prefix(1);
     }
-    while (true) {
-        std::size_t const colon = text.find(':');
-        std::string_view node = text.substr(0, colon);
+    while (!text.empty()) {
+        std::string_view node;
         Pattern::Node parsed;
-        if (!node.empty() && node.front() == '[') {
-            if (node.back() != ']') {
+        if (text.front() == '[') {
+            // An optional node: "[SOURce]" or, after another node, "[:NEXT]".
+            std::size_t const close = text.find(']');
+            if (close == std::string_view::npos) {
                 return std::nullopt;
             }
+            node = text.substr(1, close - 1);
+            if (!node.empty() && node.front() == ':') {
+                node.remove_prefix(1);
+            }
             parsed.optional = true;
-            node = node.substr(1, node.size() - 2);
+            text.remove_prefix(close + 1);
+        } else {
+            std::size_t const end = std::min(text.find_first_of(":["), text.size());
+            node = text.substr(0, end);
+            text.remove_prefix(end);
         }
         if (node.empty() || std::isalpha(static_cast<unsigned char>(node.front())) == 0 ||
             !std::all_of(node.begin(), node.end(),
@@ -83,11 +92,16 @@ std::optional<Pattern> parsePattern(std::string_view text) {
         parsed.shortForm = upper(node.substr(0, shortLength));
         parsed.longForm = upper(node);
         pattern.nodes.push_back(std::move(parsed));
-        if (colon == std::string_view::npos) {
-            return pattern;
+        if (!text.empty() && text.front() == ':') {
+            text.remove_prefix(1);
+            if (text.empty()) {
+                return std::nullopt;
+            }
+        } else if (!text.empty() && text.front() != '[') {
+            return std::nullopt;
         }
-        text.remove_prefix(colon + 1);
     }
+    return pattern;
 }
 
 bool nodeMatches(Pattern::Node const& node, std::string const& mnemonic) {

@@ -42,9 +42,10 @@ public:
     /** The root tree, or null when the panel has none. */
     virtual IMenuTree* root() const = 0;
 
-    /** The screen as UTF-8 lines (see `lineText`). */
+    /** The screen as UTF-8 lines (see `frontpanelhw::lineText`). */
     std::vector<std::string> screenLines() const;
-    /** The inverted columns of `line` (see `invertedColumns`). */
+    /** The inverted columns of `line` as `formatColumnRanges` writes them; empty past the
+     *  bottom. */
     std::string invertedColumnsOf(unsigned line) const;
 };
 
