@@ -35,6 +35,10 @@ public:
     /** Reads the header into `command`; `rooted` tells whether it started with ':'. */
     std::optional<ErrorEntry> readHeader(Command& command, bool& rooted) {
         rooted = false;
+        // A colon before a common command is tolerated: clients join commands with ";:".
+        if (line_[pos_] == ':' && pos_ + 1 < line_.size() && line_[pos_ + 1] == '*') {
+            ++pos_;
+        }
         if (line_[pos_] == '*') {
             std::size_t const start = pos_++;
             while (pos_ < line_.size() && isLetter(line_[pos_])) {

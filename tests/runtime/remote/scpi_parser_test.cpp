@@ -48,6 +48,11 @@ TEST(ScpiParserTest, ParsesCommonCommands) {
     EXPECT_FALSE(parsed.commands[1].query);
 }
 
+TEST(ScpiParserTest, ToleratesAColonBeforeACommonCommand) {
+    ParsedLine const parsed = parseLine("SYST:KEY UP;:*OPC?;KEY DOWN");
+    EXPECT_EQ(headers(parsed), (std::vector<std::string>{"SYST:KEY", "*OPC?", "SYST:KEY"}));
+}
+
 TEST(ScpiParserTest, SplitsParametersAtCommasAndTrimsBlanks) {
     ParsedLine const parsed = parseLine("MENU:VAL  \"Output/Voltage\" ,  12.5  ");
     ASSERT_FALSE(parsed.error);
