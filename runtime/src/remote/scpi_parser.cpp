@@ -205,6 +205,15 @@ ParsedLine parseLine(std::string_view line) {
     return parsed;
 }
 
+ParsedParameters parseParameters(std::string_view text) {
+    CommandReader reader(text, 0);
+    Command command;
+    ParsedParameters parsed;
+    parsed.error = reader.readParameters(command);
+    parsed.parameters = std::move(command.parameters);
+    return parsed;
+}
+
 std::string quoted(std::string_view text) {
     std::string result;
     result.reserve(text.size() + 2);

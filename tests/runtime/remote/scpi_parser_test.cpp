@@ -138,6 +138,15 @@ INSTANTIATE_TEST_SUITE_P(
                       ErrorCase{"*OPC?;A:B \"open", ErrorCode::InvalidStringData, 1},
                       ErrorCase{"A:B 'open\"", ErrorCode::InvalidStringData, 0}));
 
+TEST(ScpiParserTest, ParsesAResponseOfQuotedStrings) {
+    auto const parsed = yxfrontpanel::runtime::scpi::parseParameters(R"("a ""b""", "", 3)");
+    ASSERT_FALSE(parsed.error);
+    EXPECT_EQ(parsed.parameters,
+              (std::vector<Parameter>{{"a \"b\"", true}, {"", true}, {"3", false}}));
+    EXPECT_TRUE(yxfrontpanel::runtime::scpi::parseParameters("").parameters.empty());
+    EXPECT_TRUE(yxfrontpanel::runtime::scpi::parseParameters(R"("open)").error);
+}
+
 TEST(ScpiParserTest, QuotedDoublesEmbeddedQuotes) {
     EXPECT_EQ(quoted(""), "\"\"");
     EXPECT_EQ(quoted("a\"b"), "\"a\"\"b\"");

@@ -63,6 +63,17 @@ struct YXFP_RUNTIME_EXPORT ParsedLine {
  *  Pure function: no state, any thread, never throws except std::bad_alloc. */
 YXFP_RUNTIME_EXPORT ParsedLine parseLine(std::string_view line);
 
+/** Parameters and how reading them ended. */
+struct YXFP_RUNTIME_EXPORT ParsedParameters {
+    std::vector<Parameter> parameters;
+    std::optional<ErrorEntry> error;
+};
+
+/** Reads `text` as a comma-separated list of parameters, the form of a command's parameters and
+ *  of a response such as `"line 1","line 2"`. A ';' ends the list. Errors as for `parseLine`.
+ *  Pure function, any thread. */
+YXFP_RUNTIME_EXPORT ParsedParameters parseParameters(std::string_view text);
+
 /** `text` as a SCPI string: in double quotes, embedded double quotes doubled. */
 YXFP_RUNTIME_EXPORT std::string quoted(std::string_view text);
 
