@@ -53,7 +53,10 @@ bool isArrow(PanelKey key) {
 }
 
 std::chrono::nanoseconds framePeriod(unsigned framesPerSecond) {
-    unsigned const clamped = std::clamp(framesPerSecond, 1U, 1000U);
+    if (framesPerSecond == 0) {
+        return std::chrono::nanoseconds::zero();  // no limit: every screen is drawn
+    }
+    unsigned const clamped = std::min(framesPerSecond, 1000U);
     return std::chrono::nanoseconds{std::chrono::seconds{1}} / clamped;
 }
 
@@ -126,19 +129,17 @@ public:
     bool isStopped() const noexcept { return stopped_.load(); }
 
     bool post(Task task) {
-        if (stopped_.load() || !tasks_.post(std::move(task))) {
+        if (stopped_.load()) {
             return false;
         }
-        wake_.signal();
-        return true;
+        return wakeFor(tasks_.post(std::move(task)));
     }
 
     bool publish(std::string_view key, Task task) {
-        if (stopped_.load() || !tasks_.publish(key, std::move(task))) {
+        if (stopped_.load()) {
             return false;
         }
-        wake_.signal();
-        return true;
+        return wakeFor(tasks_.publish(key, std::move(task)));
     }
 
     bool pressKey(PanelKey key) {
@@ -225,6 +226,15 @@ private:
 
     bool onPanelThread() const { return panelThread_.load() == std::this_thread::get_id(); }
 
+    /** Wakes the loop for the first waiting work of its kind only: the loop looks at both
+     *  queues before it waits, so later work behind it needs no system call. */
+    bool wakeFor(detail::TaskQueue::Added added) {
+        if (added == detail::TaskQueue::Added::First) {
+            wake_.signal();
+        }
+        return added != detail::TaskQueue::Added::Refused;
+    }
+
     /** One turn: wait, then keys, posts, publications, timers, repeat, idle, frame. */
     bool turn(std::optional<std::chrono::milliseconds> maxWait) {
         if (stopped_.load()) {
@@ -239,9 +249,9 @@ private:
         workRan |= runPublications();
         workRan |= timers_.runDue(clock_->now());
         runRepeat();
-        enterHomeWhenIdle();
-        if (workRan && homeShown_) {
-            drawHome();
+        bool const entered = enterHomeWhenIdle();
+        if (workRan && homeShown_ && !entered) {
+            drawHome();  // refreshed with what the work changed
         }
         flushFrame();
         if (stopped_.load()) {
@@ -308,7 +318,7 @@ private:
                 consider(*within);
             }
         }
-        if (tasks_.hasPosts()) {
+        if (!postsToRun_.empty() || tasks_.hasPosts()) {
             consider(std::chrono::nanoseconds::zero());
         }
         if (auto const deadline = nextClockDeadline()) {
@@ -459,11 +469,14 @@ private:
 
     bool runPosts() {
         tasks_.takePosts(postsToRun_);
-        for (Task& task : postsToRun_) {
+        bool const ran = !postsToRun_.empty();
+        // Each task leaves the list before it runs: when one throws, the exception leaves the
+        // loop and the tasks behind it run first in the next turn, still once and in order.
+        while (!postsToRun_.empty()) {
+            Task task = std::move(postsToRun_.front());
+            postsToRun_.pop_front();
             runTask(task);
         }
-        bool const ran = !postsToRun_.empty();
-        postsToRun_.clear();
         return ran;
     }
 
@@ -474,10 +487,10 @@ private:
             return false;
         }
         tasks_.takePublications(publicationsToRun_);
+        bool const ran = !publicationsToRun_.empty();
         for (Task& task : publicationsToRun_) {
             runTask(task);
         }
-        bool const ran = !publicationsToRun_.empty();
         publicationsToRun_.clear();
         return ran;
     }
@@ -494,11 +507,12 @@ private:
         return options_.idleTimeout.count() > 0 && static_cast<bool>(homeScreenDraw_);
     }
 
-    void enterHomeWhenIdle() {
+    /** Shows the home screen when the idle time is over; true when it did so now. */
+    bool enterHomeWhenIdle() {
         if (!idleEnabled() || homeShown_ || clock_->now() - lastActivity_ < options_.idleTimeout) {
-            return;
+            return false;
         }
-        homeShown_ = true;
+        setHomeShown(true);
         repeat_.active = false;
         // Close every open form and editor without applying, as back would, then return the
         // menu to its top; the menu's screens are kept meanwhile, not drawn.
@@ -510,12 +524,12 @@ private:
         }
         root_->setFocus(true);
         drawHome();
+        return true;
     }
 
     void leaveHome() {
-        homeShown_ = false;
+        setHomeShown(false);
         lastActivity_ = clock_->now();
-        framePending_ = true;
         flushFrame();
     }
 
@@ -528,14 +542,18 @@ private:
     }
 
     bool composeMenu(DisplayBuffer const& buffer) {
-        std::lock_guard<std::mutex> const lock(screenMutex_);
-        menuScreen_ = buffer;
-        if (homeShown_) {
-            return true;  // kept for when the home screen goes
+        bool drawNow = false;
+        {
+            std::lock_guard<std::mutex> const lock(screenMutex_);
+            menuScreen_ = buffer;
+            if (homeShown_) {
+                return true;  // kept for when the home screen goes
+            }
+            framePending_ = true;
+            drawNow = onPanelThread();
         }
-        framePending_ = true;
-        if (onPanelThread()) {
-            flushFrameLocked();
+        if (drawNow) {
+            flushFrame();
         } else {
             wake_.signal();
         }
@@ -543,33 +561,44 @@ private:
     }
 
     bool composeHome(DisplayBuffer const& buffer) {
-        std::lock_guard<std::mutex> const lock(screenMutex_);
-        if (!homeShown_) {
-            return false;
+        {
+            std::lock_guard<std::mutex> const lock(screenMutex_);
+            if (!homeShown_) {
+                return false;
+            }
+            homeScreen_ = buffer;
+            framePending_ = true;
         }
-        homeScreen_ = buffer;
-        framePending_ = true;
-        flushFrameLocked();
+        flushFrame();
         return true;
     }
 
-    void flushFrame() {
+    void setHomeShown(bool shown) {
         std::lock_guard<std::mutex> const lock(screenMutex_);
-        flushFrameLocked();
+        homeShown_ = shown;
+        framePending_ = true;
     }
 
-    void flushFrameLocked() {
-        if (!framePending_ || !onPanelThread()) {
+    /** Draws the pending screen when the frame period allows. The display and the frame
+     *  listeners are called without the lock, so that they may compose screens themselves. */
+    void flushFrame() {
+        if (!onPanelThread()) {
             return;
         }
-        TimePoint const now = clock_->now();
-        if (now < nextFrameTime()) {
-            return;  // drawn when the frame period is over
+        {
+            std::lock_guard<std::mutex> const lock(screenMutex_);
+            if (!framePending_) {
+                return;
+            }
+            TimePoint const now = clock_->now();
+            if (now < nextFrameTime()) {
+                return;  // drawn when the frame period is over
+            }
+            framePending_ = false;
+            everDrawn_ = true;
+            lastDraw_ = now;
+            shown_ = homeShown_ ? homeScreen_ : menuScreen_;
         }
-        framePending_ = false;
-        everDrawn_ = true;
-        lastDraw_ = now;
-        shown_ = homeShown_ ? homeScreen_ : menuScreen_;
         display_.draw(shown_);
         for (auto const& entry : frameListeners_) {
             entry.second(shown_);
@@ -577,9 +606,11 @@ private:
     }
 
     void redrawShown() {
-        std::lock_guard<std::mutex> const lock(screenMutex_);
-        framePending_ = true;
-        flushFrameLocked();
+        {
+            std::lock_guard<std::mutex> const lock(screenMutex_);
+            framePending_ = true;
+        }
+        flushFrame();
     }
 
     frontpanelhw::IDisplay& display_;
@@ -609,7 +640,7 @@ private:
     DisplayBuffer menuScreen_;
     DisplayBuffer homeScreen_;
     DisplayBuffer shown_;
-    bool framePending_ = false;
+    std::atomic<bool> framePending_{false};  // written under screenMutex_
     bool everDrawn_ = false;
     TimePoint lastDraw_{};
     bool started_ = false;

@@ -4,20 +4,22 @@
 
 namespace yxfrontpanel::runtime::detail {
 
-bool TaskQueue::post(Task task) {
+TaskQueue::Added TaskQueue::post(Task task) {
     std::lock_guard<std::mutex> const lock(mutex_);
     if (closed_) {
-        return false;
+        return Added::Refused;
     }
+    bool const first = posts_.empty();
     posts_.push_back(std::move(task));
-    return true;
+    return first ? Added::First : Added::Queued;
 }
 
-bool TaskQueue::publish(std::string_view key, Task task) {
+TaskQueue::Added TaskQueue::publish(std::string_view key, Task task) {
     std::lock_guard<std::mutex> const lock(mutex_);
     if (closed_) {
-        return false;
+        return Added::Refused;
     }
+    bool const first = waitingSlots_.empty();
     auto found = slots_.find(key);
     if (found == slots_.end()) {
         found = slots_.emplace(std::string(key), Slot{}).first;
@@ -28,7 +30,7 @@ bool TaskQueue::publish(std::string_view key, Task task) {
         slot.waiting = true;
         waitingSlots_.push_back(&slot);
     }
-    return true;
+    return first ? Added::First : Added::Queued;
 }
 
 void TaskQueue::close() noexcept {
@@ -52,9 +54,15 @@ bool TaskQueue::hasPublications() const {
 }
 
 void TaskQueue::takePosts(std::deque<Task>& out) {
-    out.clear();
     std::lock_guard<std::mutex> const lock(mutex_);
-    out.swap(posts_);
+    if (out.empty()) {
+        out.swap(posts_);
+        return;
+    }
+    for (Task& task : posts_) {
+        out.push_back(std::move(task));
+    }
+    posts_.clear();
 }
 
 void TaskQueue::takePublications(std::vector<Task>& out) {

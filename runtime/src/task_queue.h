@@ -18,10 +18,17 @@ class TaskQueue {
 public:
     using Task = Panel::Task;
 
-    /** Appends a task; false once closed. */
-    bool post(Task task);
-    /** Replaces the waiting task of `key`, or queues it; false once closed. */
-    bool publish(std::string_view key, Task task);
+    /** What became of a post or publication. */
+    enum class Added {
+        Refused,  // the queue is closed; the task was dropped
+        Queued,   // queued behind work of the same kind that already waited
+        First     // queued while no work of its kind waited: the consumer must be woken
+    };
+
+    /** Appends a task. */
+    Added post(Task task);
+    /** Replaces the waiting task of `key`, or queues it. */
+    Added publish(std::string_view key, Task task);
     /** Refuses every later post and publication. */
     void close() noexcept;
     bool closed() const;
@@ -30,7 +37,7 @@ public:
     bool hasPosts() const;
     /** Whether publications wait. */
     bool hasPublications() const;
-    /** Takes the waiting plain posts, in order, into `out` (cleared first). */
+    /** Appends the waiting plain posts, in order, to `out`. */
     void takePosts(std::deque<Task>& out);
     /** Takes the waiting publications, in the order their keys first waited, into `out`
      *  (cleared first; its capacity is kept, so steady state allocates nothing). */

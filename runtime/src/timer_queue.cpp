@@ -8,7 +8,7 @@ namespace yxfrontpanel::runtime::detail {
 TimerQueue::TimerId TimerQueue::add(TimePoint due, std::chrono::nanoseconds period, Task task) {
     std::lock_guard<std::mutex> const lock(mutex_);
     TimerId const id = nextId_++;
-    timers_.emplace(id, Timer{due, period, std::move(task)});
+    timers_.emplace(id, Timer{due, period, std::make_shared<Task>(std::move(task))});
     byDue_.emplace(due, id);
     return id;
 }
@@ -49,7 +49,7 @@ bool TimerQueue::runDue(TimePoint now) {
         }
     }
     for (TimerId const id : due) {
-        Task task;
+        std::shared_ptr<Task> task;
         {
             std::lock_guard<std::mutex> const lock(mutex_);
             auto const found = timers_.find(id);
@@ -69,8 +69,8 @@ bool TimerQueue::runDue(TimePoint now) {
                 timers_.erase(found);
             }
         }
-        if (task) {
-            task();
+        if (task && *task) {
+            (*task)();
         }
     }
     return !due.empty();

@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <optional>
 
@@ -32,7 +33,9 @@ private:
     struct Timer {
         TimePoint due;
         std::chrono::nanoseconds period;
-        Task task;
+        // Shared, so that a periodic timer keeps the state of its callable from run to run and
+        // a timer cancelled while it runs stays alive until it returns.
+        std::shared_ptr<Task> task;
     };
 
     mutable std::mutex mutex_;

@@ -22,7 +22,7 @@ int WakeSignal::descriptor() const noexcept { return descriptor_; }
 void WakeSignal::signal() noexcept {
     // The flag keeps a thread that publishes a million times a second from making a system call
     // each time; it is cleared by drain before the loop looks at its queues.
-    if (signalled_.exchange(true, std::memory_order_acq_rel)) {
+    if (signalled_.exchange(true, std::memory_order_seq_cst)) {
         return;
     }
     std::uint64_t const one = 1;
@@ -31,9 +31,12 @@ void WakeSignal::signal() noexcept {
 }
 
 void WakeSignal::drain() noexcept {
-    signalled_.store(false, std::memory_order_release);
+    // Read first, then clear the flag: cleared first, a signal in between would see the flag
+    // clear, write, and have its write read away here, leaving the flag set on a quiet
+    // descriptor, so that every later signal skipped its write and the loop slept on.
     std::uint64_t count = 0;
     [[maybe_unused]] auto const read = ::read(descriptor_, &count, sizeof count);
+    signalled_.store(false, std::memory_order_seq_cst);
 }
 
 }  // namespace yxfrontpanel::runtime::detail

@@ -67,4 +67,34 @@ TEST_F(PanelFrameTest, ScreensComposedElsewhereAreDrawnByThePanel) {
     EXPECT_EQ(shown()[0], u"elsewhere           ");
 }
 
+yxfrontpanel::runtime::PanelOptions withoutFrameLimit() {
+    yxfrontpanel::runtime::PanelOptions options;
+    options.framesPerSecond = 0;
+    return options;
+}
+
+class PanelUnlimitedFrameTest : public PanelFixture {
+protected:
+    PanelUnlimitedFrameTest() : PanelFixture(withoutFrameLimit()) {}
+};
+
+// Without a frame limit every composed screen is drawn at once, also inside one instant.
+TEST_F(PanelUnlimitedFrameTest, EveryScreenIsDrawn) {
+    std::vector<int> invertedLines;
+    panel.addFrameListener([&invertedLines](auto const& frame) {
+        for (unsigned line = 0; line < frame.getLineCount(); ++line) {
+            if (frame.getCell(0, line).inverted) {
+                invertedLines.push_back(static_cast<int>(line));
+            }
+        }
+    });
+    turn();
+    keys->press(PanelKey::Down);
+    keys->press(PanelKey::Down);
+    keys->press(PanelKey::Down);
+    turn();
+    EXPECT_EQ(invertedLines, (std::vector<int>{0, 1, 2, 3}));
+    EXPECT_EQ(display.getDrawCount(), 4U);
+}
+
 }  // namespace

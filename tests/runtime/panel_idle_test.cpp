@@ -45,6 +45,17 @@ TEST_F(PanelIdleTest, HomeScreenAfterIdleTimeout) {
     EXPECT_EQ(shown()[0], u"HOME 0              ");
 }
 
+// Work that runs in the turn the home screen comes gives one draw of it, not two.
+TEST_F(PanelIdleTest, HomeScreenIsDrawnOnceWhenItComesWithWork) {
+    turn();
+    auto const before = display.getDrawCount();
+    panel.every(10s, [this] { ++reading; });
+    advance(10s);
+    EXPECT_TRUE(panel.homeScreenShown());
+    EXPECT_EQ(display.getDrawCount(), before + 1);
+    EXPECT_EQ(shown()[0], u"HOME 1              ");
+}
+
 // Open forms close without applying and the menu returns to its top; the key that wakes the
 // panel only brings the menu back.
 TEST_F(PanelIdleTest, IdleClosesFormsAndTheWakingKeyIsNotPassedOn) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -111,6 +112,32 @@ TEST_F(PanelTimerTest, TimerCancelsAnotherDueInTheSameTurn) {
     advance(10ms);
     advance(10ms);
     EXPECT_EQ(second, 0);
+}
+
+// A periodic timer's callable keeps its state from run to run (it is not copied per run).
+TEST_F(PanelTimerTest, PeriodicTimerKeepsTheStateOfItsCallable) {
+    std::vector<int> counts;
+    panel.every(10ms, [&counts, count = 0]() mutable { counts.push_back(++count); });
+    advance(10ms);
+    advance(10ms);
+    advance(10ms);
+    EXPECT_EQ(counts, (std::vector<int>{1, 2, 3}));
+}
+
+// Work that throws leaves the turn with its exception; the posts behind it still run, once
+// and in order, in the next turn, and the panel goes on.
+TEST_F(PanelPostTest, ThrowingWorkLeavesTheTurnAndTheRestRunsNext) {
+    std::vector<int> order;
+    panel.post([&order] { order.push_back(1); });
+    panel.post([] { throw std::runtime_error("broken task"); });
+    panel.post([&order] { order.push_back(3); });
+    EXPECT_THROW(panel.runOnce(0ms), std::runtime_error);
+    EXPECT_EQ(order, std::vector<int>{1});
+    panel.post([&order] { order.push_back(4); });
+    turn();
+    EXPECT_EQ(order, (std::vector<int>{1, 3, 4}));
+    turn();
+    EXPECT_EQ(order, (std::vector<int>{1, 3, 4}));
 }
 
 }  // namespace
