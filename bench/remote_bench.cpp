@@ -5,10 +5,6 @@
 #include <yxbase2/log.h>
 #include <yxfrontpanel/runtime.h>
 
-#include <fcntl.h>
-#include <sys/socket.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <atomic>
 #include <chrono>
@@ -22,6 +18,9 @@
 
 #include "bench_support.h"
 #include <benchmark/benchmark.h>
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 namespace {
 
@@ -104,7 +103,8 @@ private:
 class RunningPanel {
 public:
     RunningPanel()
-        : panel_(display_), menu_(yxfp_bench::plainMenu(panel_.provider(), 50)),
+        : panel_(display_),
+          menu_(yxfp_bench::plainMenu(panel_.provider(), 50)),
           keys_(std::make_shared<PipeKeySource>()) {
         // Connects and disconnects would be logged on stderr between the results.
         yxbase2::system::log::setMaxLevel(4);
@@ -201,7 +201,8 @@ public:
                 Client connection(address);
                 while (!stop_.load()) {
                     connection.send(batch);
-                    connection.readLines(static_cast<std::size_t>(kLinesPerBatch) * kAnswersPerLine);
+                    connection.readLines(static_cast<std::size_t>(kLinesPerBatch) *
+                                         kAnswersPerLine);
                     lines_.fetch_add(kLinesPerBatch);
                 }
             });
@@ -262,9 +263,7 @@ void measureOwnKeys(benchmark::State& state, bool withClients) {
 void BM_PanelOwnKeyLatencyIdle(benchmark::State& state) { measureOwnKeys(state, false); }
 BENCHMARK(BM_PanelOwnKeyLatencyIdle)->Unit(benchmark::kMicrosecond)->Iterations(5000);
 
-void BM_PanelOwnKeyLatencyWithEightClients(benchmark::State& state) {
-    measureOwnKeys(state, true);
-}
+void BM_PanelOwnKeyLatencyWithEightClients(benchmark::State& state) { measureOwnKeys(state, true); }
 BENCHMARK(BM_PanelOwnKeyLatencyWithEightClients)->Unit(benchmark::kMicrosecond)->Iterations(5000);
 
 }  // namespace

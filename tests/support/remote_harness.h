@@ -4,7 +4,6 @@
 #include <yxfrontpanel/runtime.h>
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <cstdlib>
@@ -16,6 +15,7 @@
 #include "platform_capture.h"
 #include "queued_key_source.h"
 #include "remote_test_menu.h"
+#include <unistd.h>
 
 namespace yxfp_test {
 

@@ -18,8 +18,8 @@ public:
         : root(yxfrontpanel::MenuTreeFactory().create(provider)) {
         auto output = std::make_shared<yxfrontpanel::TreeMenuItem>(provider, u"Output");
         root->addItem(output);
-        voltage = std::make_shared<yxfrontpanel::ValueEditorMenuItem>(provider, u"Voltage", 0.0,
-                                                                        30.0);
+        voltage =
+            std::make_shared<yxfrontpanel::ValueEditorMenuItem>(provider, u"Voltage", 0.0, 30.0);
         voltage->setPrecision(2);
         voltage->setUnit(u"V");
         voltage->setValue(5.0);
@@ -41,8 +41,8 @@ public:
 
         auto display = std::make_shared<yxfrontpanel::TreeMenuItem>(provider, u"Display");
         root->addItem(display);
-        brightness = std::make_shared<yxfrontpanel::SliderMenuItem>(
-            provider, u"Brightness", u"Dim", u"Max", 4, 8, 0);
+        brightness = std::make_shared<yxfrontpanel::SliderMenuItem>(provider, u"Brightness", u"Dim",
+                                                                    u"Max", 4, 8, 0);
         brightness->setValue(4);
         brightness->connectSlider(
             [this](int level) { heard.push_back("Brightness=" + std::to_string(level)); });

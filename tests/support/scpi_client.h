@@ -3,12 +3,13 @@
 #include <yxfrontpanel/runtime/remote_endpoint.h>
 
 #include <gtest/gtest.h>
-#include <sys/socket.h>
-#include <sys/time.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <string>
+
+#include <sys/socket.h>
+#include <sys/time.h>
+#include <unistd.h>
 
 namespace yxfp_test {
 
@@ -29,8 +30,7 @@ public:
     bool send(std::string const& text) {
         std::size_t sent = 0;
         while (sent < text.size()) {
-            ssize_t const count =
-                ::send(fd_, text.data() + sent, text.size() - sent, MSG_NOSIGNAL);
+            ssize_t const count = ::send(fd_, text.data() + sent, text.size() - sent, MSG_NOSIGNAL);
             if (count <= 0) {
                 return false;
             }

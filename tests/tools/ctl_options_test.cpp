@@ -1,9 +1,9 @@
+#include "ctl_options.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
-
-#include "ctl_options.h"
 
 namespace {
 
@@ -12,7 +12,8 @@ using frontpanelctl::UsageError;
 using Args = std::vector<std::string>;
 
 TEST(CtlOptionsTest, TakesTheAddressAndEveryCommandAfterIt) {
-    auto const options = parseCtlOptions(Args{"127.0.0.1:5025", "*IDN?", "--screen", "SYST:KEY UP"});
+    auto const options =
+        parseCtlOptions(Args{"127.0.0.1:5025", "*IDN?", "--screen", "SYST:KEY UP"});
     EXPECT_EQ(options.address, "127.0.0.1:5025");
     EXPECT_EQ(options.commands, (Args{"*IDN?", "--screen", "SYST:KEY UP"}));
     EXPECT_FALSE(options.screen);

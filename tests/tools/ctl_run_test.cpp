@@ -1,10 +1,11 @@
+#include "ctl_run.h"
+
 #include <gtest/gtest.h>
 
 #include <sstream>
 #include <string>
 #include <vector>
 
-#include "ctl_run.h"
 #include "remote_harness.h"
 
 namespace {

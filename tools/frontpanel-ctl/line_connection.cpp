@@ -2,13 +2,13 @@
 
 #include <yxfrontpanel/runtime/remote_endpoint.h>
 
-#include <poll.h>
-#include <sys/socket.h>
-#include <unistd.h>
-
 #include <cerrno>
 #include <cstring>
 #include <system_error>
+
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 namespace frontpanelctl {
 

@@ -1,5 +1,7 @@
 #include "attachment.h"
 
+#include "remote_attachment.h"
+
 namespace frontpanelsim {
 
 // Out of line so that the interface's vtable has one home.
@@ -7,8 +9,11 @@ Attachment::~Attachment() = default;
 
 bool Attachment::keepsRunning() const { return false; }
 
-Attachments attachmentsFor(SimOptions const& /*options*/) {
+Attachments attachmentsFor(SimOptions const& options) {
     Attachments attachments;
+    if (!options.listen.empty()) {
+        attachments.push_back(std::make_unique<RemoteAttachment>(options.listen));
+    }
     // One entry per option that plugs something into the run, in the order they attach, e.g.
     //     if (options.listen) attachments.push_back(std::make_unique<...>(*options.listen));
     return attachments;

@@ -1,5 +1,7 @@
 #include "sim_options.h"
 
+#include <yxfrontpanel/runtime/remote_endpoint.h>
+
 #include <cmath>
 #include <fstream>
 #include <locale>
@@ -63,6 +65,15 @@ std::chrono::milliseconds parseIdle(std::string const& text) {
     return std::chrono::milliseconds{std::llround(seconds * 1000)};
 }
 
+std::string parseListenAddress(std::string const& text) {
+    try {
+        yxfrontpanel::runtime::parseEndpoint(text);
+    } catch (std::invalid_argument const& error) {
+        throw UsageError(std::string("--listen: ") + error.what());
+    }
+    return text;
+}
+
 }  // namespace
 
 SimOptions parseOptions(std::vector<std::string> const& arguments) {
@@ -107,6 +118,8 @@ SimOptions parseOptions(std::vector<std::string> const& arguments) {
             options.idle = parseIdle(takeValue());
         } else if (name == "--headless") {
             options.headless = true;
+        } else if (name == "--listen") {
+            options.listen.push_back(parseListenAddress(takeValue()));
         } else {
             throw UsageError("unknown option '" + argument + "' (see --help)");
         }
@@ -124,7 +137,8 @@ SimOptions parseOptions(std::vector<std::string> const& arguments) {
 
 std::string usage() {
     return "Usage: frontpanel-sim [--size COLSxLINES] [--keys \"KEYS\" | --keys-file FILE]\n"
-           "                      [--print all|last] [--idle SECONDS] [--headless] [--help]\n"
+           "                      [--print all|last] [--idle SECONDS] [--headless]\n"
+           "                      [--listen HOST:PORT|unix:PATH]... [--help]\n"
            "\n"
            "Shows the front panel of a demo bench power supply, built with\n"
            "libYxFrontPanelToolbox, and lets you drive it with the keyboard.\n"
@@ -148,6 +162,10 @@ std::string usage() {
            "                        without a key (0: never); default 60, off in a key\n"
            "                        script (there wait:SECONDS lets the time pass)\n"
            "    --headless          run without a terminal until SIGINT or SIGTERM\n"
+           "    --listen ADDRESS    serve SCPI commands (keys, screen, menu values) on\n"
+           "                        ADDRESS: HOST:PORT (e.g. 127.0.0.1:5025; port 0 picks\n"
+           "                        one, logged at start) or unix:PATH; repeatable. Only\n"
+           "                        the addresses named are used; see frontpanel-ctl\n"
            "    --help              show this help\n"
            "\n"
            "Key script words (separated by blanks or line ends; '#' starts a comment):\n" +

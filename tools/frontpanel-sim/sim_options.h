@@ -25,6 +25,8 @@ struct SimOptions {
     std::optional<std::chrono::milliseconds> idle;
     /** --headless: run without a terminal until SIGINT or SIGTERM. */
     bool headless = false;
+    /** --listen (repeatable): addresses of the command server (HOST:PORT or unix:PATH). */
+    std::vector<std::string> listen;
     bool help = false;
 };
 

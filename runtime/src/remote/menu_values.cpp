@@ -235,8 +235,8 @@ void writeMenuValue(IMenuTree& root, std::string_view path, std::string const& t
             }
         }
         if (!key) {
-            throw Error(ErrorCode::IllegalParameterValue, "no value " + text + " in " +
-                                                              std::string(path));
+            throw Error(ErrorCode::IllegalParameterValue,
+                        "no value " + text + " in " + std::string(path));
         }
         choice->setValue(*key);
         if (choice->valueCallback) {
@@ -247,8 +247,8 @@ void writeMenuValue(IMenuTree& root, std::string_view path, std::string const& t
     if (auto* const group = dynamic_cast<RadioTreeMenuItem*>(&item)) {
         RadioMenuItem* const entry = findChoice(*group, text);
         if (entry == nullptr) {
-            throw Error(ErrorCode::IllegalParameterValue, "no choice " + text + " in " +
-                                                              std::string(path));
+            throw Error(ErrorCode::IllegalParameterValue,
+                        "no choice " + text + " in " + std::string(path));
         }
         group->setValue(entry->getId());
         if (group->valueCallback) {

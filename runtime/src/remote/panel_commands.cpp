@@ -26,11 +26,11 @@ PanelKey keyOf(Request const& request) {
     std::transform(name.begin(), name.end(), name.begin(),
                    [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
     constexpr std::array<std::pair<char const*, PanelKey>, 6> kKeys{{{"UP", PanelKey::Up},
-                                                                      {"DOWN", PanelKey::Down},
-                                                                      {"LEFT", PanelKey::Left},
-                                                                      {"RIGHT", PanelKey::Right},
-                                                                      {"ENTER", PanelKey::Enter},
-                                                                      {"BACK", PanelKey::Back}}};
+                                                                     {"DOWN", PanelKey::Down},
+                                                                     {"LEFT", PanelKey::Left},
+                                                                     {"RIGHT", PanelKey::Right},
+                                                                     {"ENTER", PanelKey::Enter},
+                                                                     {"BACK", PanelKey::Back}}};
     for (auto const& [text, key] : kKeys) {
         if (!parameter.quoted && name == text) {
             return key;

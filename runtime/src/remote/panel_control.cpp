@@ -2,9 +2,11 @@
 #include <yxfrontpanel/runtime/panel.h>
 #include <yxfrontpanel/runtime/remote_panel.h>
 
+#include <utility>
+
 namespace yxfrontpanel::runtime {
 
-PanelControl::PanelControl(Panel& panel) : panel_(panel) {}
+PanelControl::PanelControl(Panel& panel, LocalMode mode) : panel_(panel), mode_(std::move(mode)) {}
 
 PanelControl::~PanelControl() = default;
 
@@ -18,11 +20,18 @@ frontpanelhw::drawing::DisplayBuffer const& PanelControl::screen() const {
 }
 
 bool PanelControl::isLocal() const {
+    if (mode_.get) {
+        return mode_.get();
+    }
     IMenuTree const* const tree = panel_.root();
     return tree != nullptr && tree->getLocal();
 }
 
 void PanelControl::setLocal(bool local) {
+    if (mode_.set) {
+        mode_.set(local);
+        return;
+    }
     if (IMenuTree* const tree = panel_.root()) {
         tree->setLocal(local);
     }

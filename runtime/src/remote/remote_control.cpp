@@ -9,7 +9,7 @@ namespace yxfrontpanel::runtime {
 RemoteControl::RemoteControl(Panel& panel, RemoteControlOptions options)
     : panel_(panel),
       options_(std::move(options)),
-      control_(std::make_shared<PanelControl>(panel)),
+      control_(std::make_shared<PanelControl>(panel, options_.localMode)),
       table_(std::make_shared<scpi::CommandTable>()) {
     scpi::addCommonCommands(*table_, options_.identity);
     addPanelCommands(*table_, control_, options_.panel);

@@ -1,10 +1,5 @@
 #include <yxfrontpanel/runtime/remote_endpoint.h>
 
-#include <netdb.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
-
 #include <cerrno>
 #include <charconv>
 #include <cstring>
@@ -13,6 +8,10 @@
 #include <system_error>
 
 #include "socket_address.h"
+#include <netdb.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 namespace yxfrontpanel::runtime {
 

@@ -1,7 +1,7 @@
+#include <frontpanelhw/screen_text.h>
 #include <yxfrontpanel/apply_key.h>
 #include <yxfrontpanel/menu_tree.h>
 #include <yxfrontpanel/runtime/remote_panel.h>
-#include <frontpanelhw/screen_text.h>
 #include <yxfrontpanel/runtime/screen_print.h>
 
 namespace yxfrontpanel::runtime {

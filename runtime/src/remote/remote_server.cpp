@@ -2,14 +2,6 @@
 #include <yxfrontpanel/runtime/remote_endpoint.h>
 #include <yxfrontpanel/runtime/remote_server.h>
 
-#include <fcntl.h>
-#include <netinet/in.h>
-#include <poll.h>
-#include <sys/eventfd.h>
-#include <sys/socket.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
@@ -26,6 +18,13 @@
 #include <utility>
 
 #include "socket_address.h"
+#include <fcntl.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace yxfrontpanel::runtime {
 
@@ -136,7 +135,8 @@ struct TaskContext {
 void serveClient(std::shared_ptr<TaskContext> const& context,
                  std::shared_ptr<ClientWork> const& work);
 
-bool schedule(std::shared_ptr<TaskContext> const& context, std::shared_ptr<ClientWork> const& work) {
+bool schedule(std::shared_ptr<TaskContext> const& context,
+              std::shared_ptr<ClientWork> const& work) {
     return context->executor([context, work] { serveClient(context, work); });
 }
 
@@ -334,8 +334,8 @@ private:
                 fds.push_back(pollfd{connection.fd.get(), events(connection), 0});
             }
             if (::poll(fds.data(), fds.size(), timeout()) < 0 && errno != EINTR) {
-                logRecord(kLogWarning, std::string("command server: poll failed: ") +
-                                           std::strerror(errno));
+                logRecord(kLogWarning,
+                          std::string("command server: poll failed: ") + std::strerror(errno));
                 return;
             }
             if ((fds[0].revents & POLLIN) != 0) {
@@ -352,9 +352,10 @@ private:
             }
             auto connection = connections_.begin();
             for (std::size_t i = 0; connection != connections_.end(); ++i) {
-                short const revents = i + index < fds.size() && fds[i + index].fd == connection->fd.get()
-                                          ? fds[i + index].revents
-                                          : short{0};
+                short const revents =
+                    i + index < fds.size() && fds[i + index].fd == connection->fd.get()
+                        ? fds[i + index].revents
+                        : short{0};
                 if (serve(*connection, revents)) {
                     ++connection;
                 } else {
@@ -394,19 +395,20 @@ private:
     void accept(Listener& listener) {
         SocketAddress peer;
         peer.length = sizeof(peer.storage);
-        Descriptor fd(::accept4(listener.fd.get(), peer.get(), &peer.length,
-                                SOCK_NONBLOCK | SOCK_CLOEXEC));
+        Descriptor fd(
+            ::accept4(listener.fd.get(), peer.get(), &peer.length, SOCK_NONBLOCK | SOCK_CLOEXEC));
         if (fd.get() < 0) {
             return;  // the client gave up already, or descriptors ran out: it may try again
         }
-        std::string const name = describe(peer, listener.address);
+        std::string const name = peerName(fd.get(), peer, listener);
         if (connections_.size() >= options_.maxClients) {
             logRecord(kLogWarning, "command server: refused " + name + " on " + listener.address +
                                        ": already " + std::to_string(options_.maxClients) +
                                        " clients");
             return;
         }
-        ::setsockopt(fd.get(), SOL_SOCKET, SO_SNDBUF, &kSocketSendBuffer, sizeof(kSocketSendBuffer));
+        ::setsockopt(fd.get(), SOL_SOCKET, SO_SNDBUF, &kSocketSendBuffer,
+                     sizeof(kSocketSendBuffer));
         Connection connection;
         connection.fd = std::move(fd);
         connection.peer = name;
@@ -414,6 +416,20 @@ private:
         connections_.push_back(std::move(connection));
         clientCount_.store(connections_.size());
         logRecord(kLogInfo, "command server: " + name + " connected on " + listener.address);
+    }
+
+    /** The peer's address; for a Unix-domain client, which has none, its process and user. */
+    static std::string peerName(int fd, SocketAddress const& peer, Listener const& listener) {
+        if (listener.endpoint.kind == Endpoint::Kind::Tcp) {
+            return describe(peer, listener.address);
+        }
+        ucred credentials{};
+        socklen_t length = sizeof(credentials);
+        if (::getsockopt(fd, SOL_SOCKET, SO_PEERCRED, &credentials, &length) != 0) {
+            return "a client";
+        }
+        return "pid " + std::to_string(credentials.pid) + " (uid " +
+               std::to_string(credentials.uid) + ")";
     }
 
     /** Serves one client after poll; false when it is gone. */
@@ -469,10 +485,9 @@ private:
                 if (connection.input.size() > options_.maxLineBytes) {
                     connection.input.clear();
                     connection.discarding = true;
-                    connection.work->session.errors.push(
-                        scpi::ErrorEntry{scpi::ErrorCode::InputBufferOverrun,
-                                         "line longer than " +
-                                             std::to_string(options_.maxLineBytes) + " bytes"});
+                    connection.work->session.errors.push(scpi::ErrorEntry{
+                        scpi::ErrorCode::InputBufferOverrun,
+                        "line longer than " + std::to_string(options_.maxLineBytes) + " bytes"});
                 }
             }
             if (newline == std::string_view::npos) {
@@ -566,9 +581,9 @@ private:
 
     bool write(Connection& connection) {
         while (connection.outputSent < connection.output.size()) {
-            ssize_t const sent = ::send(connection.fd.get(), connection.output.data() + connection.outputSent,
-                                        connection.output.size() - connection.outputSent,
-                                        MSG_NOSIGNAL);
+            ssize_t const sent =
+                ::send(connection.fd.get(), connection.output.data() + connection.outputSent,
+                       connection.output.size() - connection.outputSent, MSG_NOSIGNAL);
             if (sent < 0) {
                 if (errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR) {
                     break;

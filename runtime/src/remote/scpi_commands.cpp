@@ -44,9 +44,10 @@ std::optional<Pattern> parsePattern(std::string_view text) {
         return std::nullopt;
     }
     if (text.front() == '*') {
-        bool const letters = text.size() > 1 && std::all_of(text.begin() + 1, text.end(), [](char c) {
-                                 return std::isalpha(static_cast<unsigned char>(c)) != 0;
-                             });
+        bool const letters =
+            text.size() > 1 && std::all_of(text.begin() + 1, text.end(), [](char c) {
+                return std::isalpha(static_cast<unsigned char>(c)) != 0;
+            });
         if (!letters) {
             return std::nullopt;
         }
@@ -186,7 +187,8 @@ double Request::number(std::size_t index) const {
 
 long Request::integer(std::size_t index) const {
     double const value = number(index);
-    if (std::floor(value) != value || value < static_cast<double>(std::numeric_limits<long>::min()) ||
+    if (std::floor(value) != value ||
+        value < static_cast<double>(std::numeric_limits<long>::min()) ||
         value > static_cast<double>(std::numeric_limits<long>::max())) {
         throw Error(ErrorCode::DataTypeError, "not a whole number: " + parameter(index).text);
     }
@@ -267,7 +269,7 @@ void CommandTable::execute(Request& request) const {
 }
 
 RunResult CommandTable::run(ParsedLine const& line, std::size_t first, Session& session,
-                              std::vector<std::string>& responses) const {
+                            std::vector<std::string>& responses) const {
     for (std::size_t index = first; index < line.commands.size(); ++index) {
         Request request(line.commands[index], session);
         try {
@@ -300,10 +302,9 @@ std::vector<std::string> CommandTable::patterns() const {
 }
 
 void addCommonCommands(CommandTable& table, Identity identity) {
-    std::string const idn = withoutCommas(identity.manufacturer) + ',' +
-                            withoutCommas(identity.model) + ',' +
-                            withoutCommas(identity.serialNumber) + ',' +
-                            withoutCommas(identity.firmwareVersion);
+    std::string const idn =
+        withoutCommas(identity.manufacturer) + ',' + withoutCommas(identity.model) + ',' +
+        withoutCommas(identity.serialNumber) + ',' + withoutCommas(identity.firmwareVersion);
     table.add("*IDN?", [idn](Request& request) { request.respond(idn); });
     table.add("*CLS", [](Request& request) { request.session().errors.clear(); });
     table.add("*OPC?", [](Request& request) { request.respond("1"); });

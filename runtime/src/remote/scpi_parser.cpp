@@ -12,9 +12,7 @@ bool isBlank(char c) { return c == ' ' || c == '\t'; }
 
 bool isLetter(char c) { return std::isalpha(static_cast<unsigned char>(c)) != 0; }
 
-bool isMnemonicChar(char c) {
-    return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_';
-}
+bool isMnemonicChar(char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_'; }
 
 /** Reads one command from `line` at `pos` (up to an unquoted ';' or the end). */
 class CommandReader {
@@ -92,8 +90,9 @@ public:
                 std::size_t const start = pos_;
                 while (pos_ < line_.size() && line_[pos_] != ',' && line_[pos_] != ';') {
                     if (line_[pos_] == '"' || line_[pos_] == '\'') {
-                        return ErrorEntry{ErrorCode::InvalidCharacter,
-                                          "quote inside " + std::string(line_.substr(start, pos_ - start))};
+                        return ErrorEntry{
+                            ErrorCode::InvalidCharacter,
+                            "quote inside " + std::string(line_.substr(start, pos_ - start))};
                     }
                     ++pos_;
                 }
@@ -103,8 +102,9 @@ public:
                 }
                 parameter.text = std::string(line_.substr(start, end - start));
                 if (parameter.text.empty()) {
-                    return ErrorEntry{ErrorCode::MissingParameter,
-                                      "empty parameter " + std::to_string(command.parameters.size() + 1)};
+                    return ErrorEntry{
+                        ErrorCode::MissingParameter,
+                        "empty parameter " + std::to_string(command.parameters.size() + 1)};
                 }
             }
             command.parameters.push_back(std::move(parameter));

@@ -1,13 +1,13 @@
 #include "socket_address.h"
 
+#include <cstring>
+#include <string>
+#include <system_error>
+
 #include <arpa/inet.h>
 #include <netdb.h>
 #include <netinet/in.h>
 #include <sys/un.h>
-
-#include <cstring>
-#include <string>
-#include <system_error>
 
 namespace yxfrontpanel::runtime {
 
@@ -29,9 +29,9 @@ SocketAddress resolve(Endpoint const& endpoint, bool passive) {
     std::string const port = std::to_string(endpoint.port);
     int const status = ::getaddrinfo(endpoint.host.c_str(), port.c_str(), &hints, &found);
     if (status != 0 || found == nullptr) {
-        throw std::system_error(std::make_error_code(std::errc::host_unreachable),
-                                "cannot resolve " + endpoint.toString() + ": " +
-                                    ::gai_strerror(status));
+        throw std::system_error(
+            std::make_error_code(std::errc::host_unreachable),
+            "cannot resolve " + endpoint.toString() + ": " + ::gai_strerror(status));
     }
     std::memcpy(&address.storage, found->ai_addr, found->ai_addrlen);
     address.length = found->ai_addrlen;

@@ -2,9 +2,9 @@
 
 #include <yxfrontpanel/runtime/remote_endpoint.h>
 
-#include <sys/socket.h>
-
 #include <string>
+
+#include <sys/socket.h>
 
 namespace yxfrontpanel::runtime {
 

@@ -42,8 +42,10 @@ protected:
 };
 
 TEST_F(PanelCommandsTest, DisplayTextAnswersEveryLineAsQuotedStrings) {
-    EXPECT_EQ(run("DISP:TEXT?"),
-              Lines{R"("Output              ","Network             ","Display             ","Info                ")"});
+    EXPECT_EQ(
+        run("DISP:TEXT?"),
+        Lines{
+            R"("Output              ","Network             ","Display             ","Info                ")"});
 }
 
 TEST_F(PanelCommandsTest, DisplayTextAnswersOneLine) {
@@ -94,8 +96,8 @@ TEST_F(PanelCommandsTest, MenuValueWritesGoThroughTheItemToTheApplication) {
     run("MENU:VAL \"Output/Voltage\",12.5;VAL \"Output/Mode\",On;VAL \"Network/IP address\","
         "\"10.0.0.2\";VAL \"Display/Brightness\",6;VAL \"Display/Contrast\",High");
     EXPECT_EQ(session.errors.size(), 0U) << error();
-    EXPECT_EQ(menu.heard, (Lines{"Voltage=12.500000", "Mode=1", "IP=10.0.0.2", "Brightness=6",
-                                 "Contrast=2"}));
+    EXPECT_EQ(menu.heard,
+              (Lines{"Voltage=12.500000", "Mode=1", "IP=10.0.0.2", "Brightness=6", "Contrast=2"}));
     EXPECT_EQ(run("MENU:VAL? \"Output/Voltage\";VAL? \"Output/Mode\";VAL? \"Network/IP address\""
                   ";VAL? \"Display/Brightness\";VAL? \"Display/Contrast\""),
               (Lines{"12.50", R"("On")", R"("10.0.0.2")", "6", R"("High")"}));

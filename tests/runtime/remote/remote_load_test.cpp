@@ -77,8 +77,7 @@ unsigned runClient(std::string const& address, unsigned client, unsigned command
                     default: {
                         bool const mode = random() % 2 == 0;
                         text += mode ? "SYST:MODE?" : "*OPC?";
-                        expected.push_back(
-                            {mode ? Expected::Kind::Mode : Expected::Kind::Done, 0});
+                        expected.push_back({mode ? Expected::Kind::Mode : Expected::Kind::Done, 0});
                         break;
                     }
                 }
@@ -131,9 +130,9 @@ TEST(RemoteLoadTest, EightClientsAndThePanelsKeysLoseNothing) {
     std::vector<std::thread> clients;
     for (unsigned client = 0; client < kClients; ++client) {
         clients.emplace_back([&, client] {
-            answers[client] = runClient(client % 2 == 0 ? harness.tcpAddress()
-                                                        : harness.unixAddress(),
-                                        client, commands, failures[client]);
+            answers[client] =
+                runClient(client % 2 == 0 ? harness.tcpAddress() : harness.unixAddress(), client,
+                          commands, failures[client]);
         });
     }
     std::minstd_rand random(99);

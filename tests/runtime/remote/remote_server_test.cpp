@@ -1,7 +1,6 @@
 #include <yxfrontpanel/runtime.h>
 
 #include <gtest/gtest.h>
-#include <sys/socket.h>
 
 #include <algorithm>
 #include <chrono>
@@ -12,6 +11,7 @@
 #include "platform_capture.h"
 #include "remote_harness.h"
 #include "scpi_client.h"
+#include <sys/socket.h>
 
 namespace {
 

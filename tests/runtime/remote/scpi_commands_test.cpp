@@ -17,13 +17,11 @@ protected:
     CommandTableTest() {
         addCommonCommands(table, Identity{"Yx, Inc.", "PSU-30", "SN42", "1.4.2"});
         table.add(
-            "[SOURce]:VOLTage",
-            [this](Request& request) { volts = request.number(0); }, 1, 1);
+            "[SOURce]:VOLTage", [this](Request& request) { volts = request.number(0); }, 1, 1);
         table.add("MEASure:VOLTage?",
                   [this](Request& request) { request.respond(std::to_string(volts)); });
         table.add(
-            "TEST:COUNt",
-            [this](Request& request) { count = request.integer(0); }, 1, 1);
+            "TEST:COUNt", [this](Request& request) { count = request.integer(0); }, 1, 1);
         table.add("TEST:FAIL", [](Request& /*request*/) { throw std::runtime_error("boom"); });
     }
 
@@ -78,7 +76,9 @@ TEST_F(CommandTableTest, ClsEmptiesTheErrorQueue) {
     EXPECT_EQ(run("SYST:ERR?"), (std::vector<std::string>{R"(0,"No error")"}));
 }
 
-TEST_F(CommandTableTest, OpcAnswersOne) { EXPECT_EQ(run("*OPC?"), (std::vector<std::string>{"1"})); }
+TEST_F(CommandTableTest, OpcAnswersOne) {
+    EXPECT_EQ(run("*OPC?"), (std::vector<std::string>{"1"}));
+}
 
 TEST_F(CommandTableTest, ParameterCountsAreChecked) {
     run("SOUR:VOLT");
@@ -152,8 +152,8 @@ TEST_F(CommandTableTest, RespondKeepsOneLinePerResponse) {
 TEST(CommandTableRegistrationTest, RefusesMalformedPatterns) {
     CommandTable table;
     auto const nothing = [](Request& /*request*/) {};
-    for (char const* pattern : {"", "?", "*", "*I1", "sys:key", "SYST::KEY", "[SYST:KEY", "1AB",
-                                "SYST:K-Y"}) {
+    for (char const* pattern :
+         {"", "?", "*", "*I1", "sys:key", "SYST::KEY", "[SYST:KEY", "1AB", "SYST:K-Y"}) {
         EXPECT_THROW(table.add(pattern, nothing), std::invalid_argument) << pattern;
     }
     EXPECT_THROW(table.add("SYST:KEY", Handler{}), std::invalid_argument);

@@ -10,8 +10,8 @@ namespace {
 using yxfrontpanel::runtime::scpi::Command;
 using yxfrontpanel::runtime::scpi::ErrorCode;
 using yxfrontpanel::runtime::scpi::Parameter;
-using yxfrontpanel::runtime::scpi::parseLine;
 using yxfrontpanel::runtime::scpi::ParsedLine;
+using yxfrontpanel::runtime::scpi::parseLine;
 using yxfrontpanel::runtime::scpi::quoted;
 
 /** The headers of the parsed commands, for compact comparisons. */
@@ -84,8 +84,7 @@ TEST(ScpiParserTest, ARelativeHeaderContinuesThePreviousPath) {
 TEST(ScpiParserTest, SkipsEmptyCommandsAndLines) {
     EXPECT_TRUE(parseLine("").commands.empty());
     EXPECT_FALSE(parseLine("   ").error);
-    EXPECT_EQ(headers(parseLine(";*OPC?;; ;*IDN?;")),
-              (std::vector<std::string>{"*OPC?", "*IDN?"}));
+    EXPECT_EQ(headers(parseLine(";*OPC?;; ;*IDN?;")), (std::vector<std::string>{"*OPC?", "*IDN?"}));
 }
 
 TEST(ScpiParserTest, IgnoresATrailingCarriageReturn) {
@@ -95,8 +94,7 @@ TEST(ScpiParserTest, IgnoresATrailingCarriageReturn) {
 }
 
 TEST(ScpiParserTest, AcceptsMnemonicsWithDigitsAndUnderscores) {
-    EXPECT_EQ(headers(parseLine("OUTP1:MY_VALUE 3")),
-              (std::vector<std::string>{"OUTP1:MY_VALUE"}));
+    EXPECT_EQ(headers(parseLine("OUTP1:MY_VALUE 3")), (std::vector<std::string>{"OUTP1:MY_VALUE"}));
 }
 
 struct ErrorCase {

@@ -20,7 +20,7 @@ struct PanelCommandOptions {
  *  lives as long as the table): `SYSTem:KEY UP|DOWN|LEFT|RIGHT|ENTER|BACK`, `DISPlay:TEXT? [n]`,
  *  `DISPlay:INVerted? n`, `SYSTem:REMote`, `SYSTem:LOCal`, `SYSTem:MODE?` and
  *  `MENU:VALue[?] "path"[,value]`. */
-YXFP_RUNTIME_EXPORT void addPanelCommands(scpi::CommandTable& table, 
+YXFP_RUNTIME_EXPORT void addPanelCommands(scpi::CommandTable& table,
                                           std::shared_ptr<IRemotePanel> panel,
                                           PanelCommandOptions options = {});
 

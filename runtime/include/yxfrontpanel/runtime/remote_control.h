@@ -2,6 +2,7 @@
 
 #include <yxfrontpanel/runtime/export.h>
 #include <yxfrontpanel/runtime/panel_commands.h>
+#include <yxfrontpanel/runtime/remote_panel.h>
 #include <yxfrontpanel/runtime/remote_server.h>
 #include <yxfrontpanel/runtime/scpi_commands.h>
 
@@ -13,7 +14,6 @@
 namespace yxfrontpanel::runtime {
 
 class Panel;
-class PanelControl;
 
 /** Everything about a panel's command server. */
 struct RemoteControlOptions {
@@ -21,6 +21,9 @@ struct RemoteControlOptions {
     /** What `*IDN?` answers. */
     scpi::Identity identity;
     PanelCommandOptions panel;
+    /** How `SYSTem:REMote`, `SYSTem:LOCal` and `SYSTem:MODE?` switch and read the mode; by
+     *  default the root tree's flag. */
+    LocalMode localMode;
 };
 
 /** A panel's command server: the common and panel commands (plus the application's own, added

@@ -5,6 +5,7 @@
 #include <frontpanelhw/key_source.h>
 #include <yxfrontpanel/runtime/export.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -49,12 +50,21 @@ public:
     std::string invertedColumnsOf(unsigned line) const;
 };
 
+/** How an application switches and reads its local mode, for one that keeps its own flag and
+ *  passes it on to its tree. Both run on the panel's thread. */
+struct LocalMode {
+    std::function<bool()> get;
+    std::function<void(bool local)> set;
+};
+
 /** The remote operations on a running `Panel`: keys go through `Panel::pressKey` (so the home
  *  screen and idle time see them as the panel's own keys), the screen is the panel's newest.
  *  The panel must outlive it. */
 class YXFP_RUNTIME_EXPORT PanelControl final : public IRemotePanel {
 public:
-    explicit PanelControl(Panel& panel);
+    /** Remote operations on `panel`; the local mode goes through `mode` where it has functions,
+     *  otherwise to the root tree's flag. */
+    explicit PanelControl(Panel& panel, LocalMode mode = {});
     ~PanelControl() override;
 
     /** Posts the key to the panel; always true (the press runs in the next turn). A stopped
@@ -67,6 +77,7 @@ public:
 
 private:
     Panel& panel_;
+    LocalMode mode_;
 };
 
 /** The remote operations on a bare menu tree drawn on a `MemoryDisplay`, without a panel loop:

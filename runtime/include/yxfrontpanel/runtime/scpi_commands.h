@@ -101,7 +101,7 @@ public:
      *  Returns the index of the first command not run (`line.commands.size()` when done) and
      *  whether the last command run deferred what follows it (also the next line). */
     RunResult run(ParsedLine const& line, std::size_t first, Session& session,
-                    std::vector<std::string>& responses) const;
+                  std::vector<std::string>& responses) const;
     /** The registered patterns, in the order of registration. */
     std::vector<std::string> patterns() const;
 

@@ -54,10 +54,11 @@ struct YXFP_RUNTIME_EXPORT ParsedLine {
  *  '_') joined by ':', optionally starting with ':', optionally ending in '?'. As in SCPI, a
  *  header without a leading ':' after a command with a path continues that path: in
  *  `SOUR:VOLT 1;CURR 2` the second command is `SOUR:CURR`; a leading ':' starts again from the
- *  root, and common commands (also written ":*OPC?") leave the path alone. (`CommandTable` also accepts such a header
- *  from the root when the continued path names no command.) Blanks separate header and parameters;
- *  parameters are separated by ','. Errors: a character that cannot start a header or
- *  parameter (-101), a malformed header (-102), a header not followed by a blank or the end
+ *  root, and common commands (also written ":*OPC?") leave the path alone. (`CommandTable` also
+ * accepts such a header from the root when the continued path names no command.) Blanks separate
+ * header and parameters; parameters are separated by ','. Errors: a character that cannot start a
+ * header or parameter (-101), a malformed header (-102), a header not followed by a blank or the
+ * end
  *  (-103), an empty parameter (-109) and an unterminated string (-151).
  *
  *  Pure function: no state, any thread, never throws except std::bad_alloc. */
