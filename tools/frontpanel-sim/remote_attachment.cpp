@@ -7,7 +7,8 @@ namespace frontpanelsim {
 RemoteAttachment::RemoteAttachment(std::vector<std::string> addresses)
     : addresses_(std::move(addresses)) {}
 
-RemoteAttachment::~RemoteAttachment() { detach(); }
+// The server stops (its thread joined) before the addresses go.
+RemoteAttachment::~RemoteAttachment() = default;
 
 void RemoteAttachment::attach(SimContext const& context) {
     yxfrontpanel::runtime::RemoteControlOptions options;

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -102,6 +103,9 @@ struct ErrorCase {
     ErrorCode code;
     std::size_t commandsBefore;
 };
+
+// Names the case by its line (the default printer would dump the struct's padding bytes).
+void PrintTo(ErrorCase const& error, std::ostream* out) { *out << error.line; }
 
 class ScpiParserErrorTest : public ::testing::TestWithParam<ErrorCase> {};
 
