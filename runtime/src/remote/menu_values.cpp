@@ -141,6 +141,10 @@ RadioMenuItem* findChoice(RadioTreeMenuItem& group, std::string const& text) {
     return nullptr;
 }
 
+Error readOnly(std::string_view path) {
+    return Error(ErrorCode::ExecutionError, "item is read-only: " + std::string(path));
+}
+
 Error noValue(std::string_view path) {
     return Error(ErrorCode::IllegalParameterValue, "item has no value: " + std::string(path));
 }
@@ -222,6 +226,9 @@ void writeMenuValue(IMenuTree& root, std::string_view path, std::string const& t
         return;
     }
     if (auto* const choice = dynamic_cast<InlineEditorMenuItem*>(&item)) {
+        if (!choice->editable.load()) {
+            throw readOnly(path);
+        }
         std::optional<int> key;
         for (auto const& [valueKey, valueText] : choice->getValues()) {
             if (utf16ToUtf8(valueText) == text) {
@@ -250,6 +257,9 @@ void writeMenuValue(IMenuTree& root, std::string_view path, std::string const& t
             throw Error(ErrorCode::IllegalParameterValue,
                         "no choice " + text + " in " + std::string(path));
         }
+        if (!entry->getEditor()) {
+            throw readOnly(path);
+        }
         group->setValue(entry->getId());
         if (group->valueCallback) {
             group->valueCallback(entry->getId());
@@ -257,6 +267,9 @@ void writeMenuValue(IMenuTree& root, std::string_view path, std::string const& t
         return;
     }
     if (auto* const slider = dynamic_cast<SliderMenuItem*>(&item)) {
+        if (slider->getReadOnly()) {
+            throw readOnly(path);
+        }
         std::optional<int> const level = parseWhole(text);
         if (!level) {
             throw Error(ErrorCode::DataTypeError, "not a whole number: " + text);

@@ -118,7 +118,8 @@ struct ClientWork {
     bool closed = false;                   // the client is gone: drop its work
     std::string output;                    // response lines ready to send
 
-    // The executor's thread only.
+    // The executor's thread only, except the session's error queue, which has a lock of its own
+    // and takes the I/O thread's "line too long" errors.
     scpi::Session session;
     std::optional<scpi::ParsedLine> current;  // a line whose rest waits for the next turn
     std::size_t next = 0;

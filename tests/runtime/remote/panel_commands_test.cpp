@@ -145,6 +145,24 @@ TEST_F(PanelCommandsTest, BadValuesChangeNothing) {
               (Lines{"5.00", R"("192.168.1.100")", "4"}));
 }
 
+TEST_F(PanelCommandsTest, ItemsTheApplicationMadeReadOnlyRefuseWrites) {
+    menu.mode->editable.store(false);
+    menu.brightness->setReadOnly(true);
+    menu.contrast->setEditor(false);
+    run("MENU:VAL \"Output/Mode\",On;VAL \"Display/Brightness\",1;VAL \"Display/Contrast\",Low");
+    EXPECT_EQ(error(), R"(-200,"Execution error;item is read-only: Output/Mode")");
+    EXPECT_EQ(error(), R"(-200,"Execution error;item is read-only: Display/Brightness")");
+    EXPECT_EQ(error(), R"(-200,"Execution error;item is read-only: Display/Contrast")");
+    EXPECT_TRUE(menu.heard.empty());
+}
+
+TEST_F(PanelCommandsTest, AnUnavailableItemRefusesWrites) {
+    menu.voltage->setAvailable(false);
+    run("MENU:VAL \"Output/Voltage\",1;VAL? \"Output/Voltage\"");
+    EXPECT_EQ(error(), R"(-200,"Execution error;item not available: Output/Voltage")");
+    EXPECT_TRUE(menu.heard.empty());
+}
+
 TEST_F(PanelCommandsTest, UnknownPathsAndItemsWithoutValueAreErrors) {
     run("MENU:VAL? \"Output/Power\";VAL? \"Info\";VAL? \"Info/Deeper\";VAL \"Nothing\",1");
     EXPECT_EQ(error(), R"(-224,"Illegal parameter value;no menu item Output/Power")");

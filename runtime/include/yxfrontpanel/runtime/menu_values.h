@@ -35,7 +35,9 @@ YXFP_RUNTIME_EXPORT MenuValue readMenuValue(IMenuTree& root, std::string_view pa
  *  item's callback. Numbers for value editors and sliders; a dotted address for IP address
  *  editors; a value text or key for inline choices; a choice name or id for radio groups.
  *  Panel's thread only.
- *  @throws scpi::Error: unknown path or item without value (illegal parameter value), text that
+ *  @throws scpi::Error: unknown path or item without value (illegal parameter value), an item
+ *  that is not available or that the application made read-only (an inline choice not
+ *  `editable`, a radio choice without `setEditor`, a read-only slider: execution error), text that
  *  is no value of the item (data type error or illegal parameter value), a value outside the
  *  item's bounds (data out of range); nothing is changed then. */
 YXFP_RUNTIME_EXPORT void writeMenuValue(IMenuTree& root, std::string_view path,
