@@ -1,6 +1,7 @@
 #include "attachment.h"
 
 #include "remote_attachment.h"
+#include "web_attachment.h"
 
 namespace frontpanelsim {
 
@@ -11,11 +12,13 @@ bool Attachment::keepsRunning() const { return false; }
 
 Attachments attachmentsFor(SimOptions const& options) {
     Attachments attachments;
+    // One entry per option that plugs something into the run, in the order they attach.
     if (!options.listen.empty()) {
         attachments.push_back(std::make_unique<RemoteAttachment>(options.listen));
     }
-    // One entry per option that plugs something into the run, in the order they attach, e.g.
-    //     if (options.listen) attachments.push_back(std::make_unique<...>(*options.listen));
+    if (options.web) {
+        attachments.push_back(std::make_unique<WebAttachment>(*options.web, options.webToken));
+    }
     return attachments;
 }
 

@@ -120,12 +120,22 @@ SimOptions parseOptions(std::vector<std::string> const& arguments) {
             options.headless = true;
         } else if (name == "--listen") {
             options.listen.push_back(parseListenAddress(takeValue()));
+        } else if (name == "--web") {
+            options.web = parseEndpoint("--web", takeValue());
+        } else if (name == "--web-token") {
+            options.webToken = takeValue();
+            if (options.webToken.empty()) {
+                throw UsageError("--web-token needs a token that is not empty");
+            }
         } else {
             throw UsageError("unknown option '" + argument + "' (see --help)");
         }
     }
     if (options.print != PrintMode::None && !options.keyScript) {
         throw UsageError("--print needs a key script (--keys or --keys-file)");
+    }
+    if (!options.webToken.empty() && !options.web) {
+        throw UsageError("--web-token needs --web");
     }
     if (options.headless && options.keyScript) {
         throw UsageError(
@@ -138,7 +148,8 @@ SimOptions parseOptions(std::vector<std::string> const& arguments) {
 std::string usage() {
     return "Usage: frontpanel-sim [--size COLSxLINES] [--keys \"KEYS\" | --keys-file FILE]\n"
            "                      [--print all|last] [--idle SECONDS] [--headless]\n"
-           "                      [--listen HOST:PORT|unix:PATH]... [--help]\n"
+           "                      [--listen HOST:PORT|unix:PATH]...\n"
+           "                      [--web HOST:PORT [--web-token TOKEN]] [--help]\n"
            "\n"
            "Shows the front panel of a demo bench power supply, built with\n"
            "libYxFrontPanelToolbox, and lets you drive it with the keyboard.\n"
@@ -166,6 +177,10 @@ std::string usage() {
            "                        ADDRESS: HOST:PORT (e.g. 127.0.0.1:5025; port 0 picks\n"
            "                        one, logged at start) or unix:PATH; repeatable. Only\n"
            "                        the addresses named are used; see frontpanel-ctl\n"
+           "    --web HOST:PORT     serve the panel to browsers at http://HOST:PORT/\n"
+           "                        (e.g. 127.0.0.1:8080; port 0 picks a free one)\n"
+           "    --web-token TOKEN   only pages opened with ?token=TOKEN may press keys;\n"
+           "                        the others only watch\n"
            "    --help              show this help\n"
            "\n"
            "Key script words (separated by blanks or line ends; '#' starts a comment):\n" +

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "endpoint.h"
+
 namespace frontpanelsim {
 
 /** Which frames a headless run writes to standard output. */
@@ -27,6 +29,10 @@ struct SimOptions {
     bool headless = false;
     /** --listen (repeatable): addresses of the command server (HOST:PORT or unix:PATH). */
     std::vector<std::string> listen;
+    /** --web: where to serve the panel to browsers. */
+    std::optional<Endpoint> web;
+    /** --web-token: pages that do not present it only watch. */
+    std::string webToken;
     bool help = false;
 };
 

@@ -16,3 +16,4 @@
 #include <yxfrontpanel/runtime/scpi_error.h>
 #include <yxfrontpanel/runtime/scpi_parser.h>
 #include <yxfrontpanel/runtime/screen_print.h>
+#include <yxfrontpanel/runtime/web_panel.h>
