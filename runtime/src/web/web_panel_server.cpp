@@ -24,7 +24,6 @@ namespace {
 constexpr char const* kLogCategory = "libYxFrontPanelRuntime";
 constexpr int kWarning = 4;
 constexpr int kInfo = 6;
-constexpr int kDebug = 7;
 // A page's messages are tiny ({"key":"enter"}); anything longer is not ours.
 constexpr std::size_t kLongestMessage = 256;
 // How often the LOCAL/REMOTE state is compared while pages are open (a mode switch draws no
