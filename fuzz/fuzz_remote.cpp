@@ -41,7 +41,7 @@ extern "C" int LLVMFuzzerTestOneInput(uint8_t const* data, size_t size) {
     frontpanelhw::MemoryDisplay display(20, 4);
     yxfrontpanel::DrawingProvider provider(display);
     frontpanelsim::DemoPanel demo(provider);
-    demo.start();
+    demo.root().setFocus(true);
     scpi::CommandTable table;
     scpi::addCommonCommands(table, scpi::Identity{});
     yxfrontpanel::runtime::addPanelCommands(
