@@ -334,7 +334,8 @@ private:
         }
         // Round up, so that the loop never wakes a moment before its deadline and spins.
         auto const milliseconds = std::chrono::ceil<std::chrono::milliseconds>(*wait).count();
-        return static_cast<int>(std::min<std::int64_t>(milliseconds, 24 * 3600 * 1000));
+        return static_cast<int>(
+            std::min<std::int64_t>(milliseconds, std::int64_t{24} * 3600 * 1000));
     }
 
     /** The earliest time on the panel's clock at which the loop has work. */

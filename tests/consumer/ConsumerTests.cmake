@@ -37,3 +37,20 @@ add_test(NAME consumer.add_subdirectory
         --test-command consumer)
 set_tests_properties(consumer.add_subdirectory PROPERTIES
     PASS_REGULAR_EXPRESSION "consumer OK: 192.168.1.2")
+
+# The README's runtime example, examples/bench_supply, built against the same install and run
+# with its input closed (it then ends by itself).
+add_test(NAME consumer.example_bench_supply
+    COMMAND ${CMAKE_CTEST_COMMAND}
+        --build-and-test ${PROJECT_SOURCE_DIR}/examples/bench_supply
+            ${YXFP_CONSUMER_WORK}/bench_supply
+        --build-generator ${CMAKE_GENERATOR}
+        --build-options ${YXFP_CONSUMER_OPTIONS} -DCMAKE_PREFIX_PATH=${YXFP_CONSUMER_PREFIX}
+        --test-command sh ${YXFP_CONSUMER_DIR}/run_with_input_closed.sh
+            ${YXFP_CONSUMER_WORK}/bench_supply/bench_supply)
+set_tests_properties(consumer.example_bench_supply PROPERTIES
+    FIXTURES_REQUIRED yxfp_installed PASS_REGULAR_EXPRESSION "bench_supply ended with its input")
+add_test(NAME consumer.example_bench_supply_in_readme
+    COMMAND ${CMAKE_COMMAND} -DREADME=${PROJECT_SOURCE_DIR}/README.md
+        -DEXAMPLE=${PROJECT_SOURCE_DIR}/examples/bench_supply/main.cpp
+        -P ${YXFP_CONSUMER_DIR}/readme_shows_example.cmake)

@@ -212,6 +212,27 @@ TEST(TerminalKeySourceTest, HangUpIsClosedOnEveryPoll) {
     EXPECT_EQ(terminal.keys().poll(kLongWait), KeyEvent::closed());
 }
 
+// Input that is no terminal, pipe or socket (a file, /dev/null) ends after its last byte
+// instead of being readable forever.
+TEST(TerminalKeySourceTest, EndOfAFileIsClosed) {
+    yxfp_test::Utf8Locale const locale;
+    std::FILE* out = std::tmpfile();
+    std::FILE* in = std::tmpfile();
+    ASSERT_NE(out, nullptr);
+    ASSERT_NE(in, nullptr);
+    std::fputs("x", in);
+    std::fflush(in);
+    std::rewind(in);
+    {
+        TerminalDisplay display(4, 1, out, in, "xterm-256color");
+        TerminalKeySource keys(display);
+        EXPECT_EQ(keys.poll(kLongWait), KeyEvent::typed(U'x'));
+        EXPECT_EQ(keys.poll(kLongWait), KeyEvent::closed());
+    }
+    std::fclose(in);
+    std::fclose(out);
+}
+
 TEST(TerminalKeySourceTest, KeyTypedDuringTheWaitEndsItAtOnce) {
     TypedTerminal terminal;
     auto const start = std::chrono::steady_clock::now();

@@ -1,4 +1,5 @@
 #include <yxfrontpanel/runtime.h>
+#include <yxfrontpanel/trigger_menu_item.h>
 
 #include <gtest/gtest.h>
 
@@ -8,6 +9,7 @@
 #include <vector>
 
 #include "panel_fixture.h"
+#include "platform_capture.h"
 
 namespace {
 
@@ -82,6 +84,49 @@ TEST_F(PanelKeysTest, KeysQueuedDuringABlockingStepAreServedAfterwards) {
     keys->press(PanelKey::Up);
     settle();
     EXPECT_EQ(invertedLine(), 2);
+}
+
+// A confirmation tick blocks the panel's thread: keys pressed and work posted meanwhile wait
+// and are served right after it, the keys in order.
+TEST(PanelHintTest, KeysAndPostsDuringAHintAreServedAfterIt) {
+    frontpanelhw::MemoryDisplay display(20, 4);
+    yxfrontpanel::runtime::PanelOptions options;
+    options.framesPerSecond = 0;
+    yxfrontpanel::runtime::Panel panel(display, options,
+                                       std::make_shared<yxfrontpanel::runtime::ManualClock>());
+    auto tree = yxfrontpanel::MenuTreeFactory().create(panel.provider());
+    auto save = std::make_shared<yxfrontpanel::TriggerMenuItem>(u"Save", 1000ms);
+    int saves = 0;
+    save->action = [&saves] {
+        ++saves;
+        return true;
+    };
+    tree->addItem(save);
+    for (char16_t const* name : {u"Alpha", u"Beta", u"Gamma"}) {
+        tree->addItem(std::make_shared<yxfp_test::TestItem>(name));
+    }
+    tree->setLocal(true);
+    panel.setRoot(*tree);
+    auto keys = std::make_shared<yxfp_test::QueuedKeySource>();
+    panel.addKeySource(keys);
+    std::vector<std::string> events;
+    bool inHint = false;
+    yxfp_test::SleepCapture const hint([&](std::chrono::nanoseconds /*duration*/) {
+        inHint = true;
+        events.push_back("hint");
+        keys->press(PanelKey::Down);
+        keys->press(PanelKey::Down);
+        panel.post([&] { events.push_back(inHint ? "post inside the hint" : "post"); });
+        inHint = false;
+    });
+    panel.runOnce(0ms);
+    keys->press(PanelKey::Enter);
+    panel.runOnce(0ms);  // the tick; the keys and the post behind it in the same turn
+    EXPECT_EQ(saves, 1);
+    EXPECT_EQ(events, (std::vector<std::string>{"hint", "post"}));
+    EXPECT_EQ(display.getLastFrame().getLineString(2), u"Beta                ");
+    EXPECT_TRUE(display.getLastFrame().getCell(0, 2).inverted) << "both downs served, in order";
+    tree->clearItems();
 }
 
 // With stopWhenInputsClose, the loop ends once every source has closed.

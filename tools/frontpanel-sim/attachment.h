@@ -39,7 +39,8 @@ public:
      *  to `context.panel`. Throwing std::exception fails the run (exit status 1 with the
      *  message); attachments attached before it are detached again. */
     virtual void attach(SimContext const& context) = 0;
-    /** Unplugs: stops the threads started by `attach` and waits for them. Never throws. */
+    /** Unplugs: stops the threads started by `attach` and waits for them. Never throws. An
+     *  attachment may be attached again afterwards, to a new session (a restart). */
     virtual void detach() noexcept = 0;
     /** True for a server: a --headless run then keeps going when all key sources have closed
      *  and ends only on SIGINT or SIGTERM. */

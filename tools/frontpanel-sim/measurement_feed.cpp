@@ -13,14 +13,16 @@ constexpr char const* kPublicationKey = "measurement";
 AcquisitionThread::AcquisitionThread(std::chrono::milliseconds samplePeriod)
     : samplePeriod_(samplePeriod) {}
 
-AcquisitionThread::~AcquisitionThread() { detach(); }
+AcquisitionThread::~AcquisitionThread() { stop(); }
 
 void AcquisitionThread::attach(SimContext const& context) {
     stopping_ = false;
     thread_ = std::thread([this, context] { acquire(context); });
 }
 
-void AcquisitionThread::detach() noexcept {
+void AcquisitionThread::detach() noexcept { stop(); }
+
+void AcquisitionThread::stop() noexcept {
     {
         std::lock_guard<std::mutex> const lock(mutex_);
         stopping_ = true;
@@ -43,7 +45,7 @@ void AcquisitionThread::acquire(SimContext context) {
     }
 }
 
-ClockedAcquisition::~ClockedAcquisition() { detach(); }
+ClockedAcquisition::~ClockedAcquisition() { stop(); }
 
 void ClockedAcquisition::attach(SimContext const& context) {
     panel_ = &context.panel;
@@ -52,7 +54,9 @@ void ClockedAcquisition::attach(SimContext const& context) {
     });
 }
 
-void ClockedAcquisition::detach() noexcept {
+void ClockedAcquisition::detach() noexcept { stop(); }
+
+void ClockedAcquisition::stop() noexcept {
     if (panel_ != nullptr) {
         panel_->cancel(timer_);
         panel_ = nullptr;

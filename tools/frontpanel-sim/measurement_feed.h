@@ -30,6 +30,7 @@ public:
 
 private:
     void acquire(SimContext context);
+    void stop() noexcept;
 
     std::chrono::milliseconds samplePeriod_;
     std::mutex mutex_;
@@ -49,6 +50,8 @@ public:
     void detach() noexcept override;
 
 private:
+    void stop() noexcept;
+
     yxfrontpanel::runtime::Panel* panel_ = nullptr;
     yxfrontpanel::runtime::Panel::TimerId timer_ = 0;
 };

@@ -54,6 +54,15 @@ void Session::attach(Attachments attachments) {
     }
 }
 
+Attachments Session::detach() noexcept {
+    Attachments detached;
+    for (auto attachment = attached_.rbegin(); attachment != attached_.rend(); ++attachment) {
+        (*attachment)->detach();
+    }
+    detached.swap(attached_);
+    return detached;
+}
+
 void Session::detachAll() noexcept {
     while (!attached_.empty()) {
         attached_.back()->detach();

@@ -43,6 +43,9 @@ public:
     /** Attaches each of `attachments`, in order, and keeps them. When one throws, those attached
      *  before it are detached again and the exception passes on. */
     void attach(Attachments attachments);
+    /** Detaches the attachments, in reverse order, and hands them back in their order, so that
+     *  a new session can attach them again (a restart of the application). */
+    Attachments detach() noexcept;
 
     yxfrontpanel::runtime::Panel& panel();
     PanelApp& app();

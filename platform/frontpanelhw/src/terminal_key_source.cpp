@@ -55,7 +55,9 @@ bool waitForInput(int descriptor, std::chrono::milliseconds timeout) {
 }
 
 /** True when the input can never give a key again: the terminal hung up, or it reports data
- *  but has not a single byte to read (end of file). */
+ *  but has not a single byte to read (end of file). Input that cannot tell how much it holds
+ *  (a regular file, /dev/null) and is readable although curses found nothing is at its end
+ *  too: otherwise a loop waiting on it would wake at once, forever. */
 bool inputEnded(int descriptor) {
     pollfd input{descriptor, POLLIN, 0};
     if (::poll(&input, 1, 0) <= 0) {
@@ -65,7 +67,10 @@ bool inputEnded(int descriptor) {
         return true;
     }
     int available = 0;
-    return ioctl(descriptor, FIONREAD, &available) == 0 && available == 0;
+    if (ioctl(descriptor, FIONREAD, &available) != 0) {
+        return true;
+    }
+    return available == 0;
 }
 
 }  // namespace
