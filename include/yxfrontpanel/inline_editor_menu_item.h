@@ -6,6 +6,7 @@
 #include <atomic>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 
 namespace yxfrontpanel {
@@ -70,6 +71,10 @@ public:
     void clearValues();
     /** @brief The number of values. */
     unsigned getValueCount() const;
+    /** @brief The key of the current value; empty in the none and unknown states. */
+    std::optional<int> getCurrentKey() const;
+    /** @brief Every value by key. */
+    std::map<int, std::u16string> const& getValues() const;
     /** @brief Steps to the next value in key order (after the last, the first), rebuilds the
      *  line, then calls `valueCallback` with the new key when one is set. From none or unknown
      *  it steps to the first value; without values it does nothing. */

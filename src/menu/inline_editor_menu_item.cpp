@@ -74,6 +74,15 @@ unsigned InlineEditorMenuItem::getValueCount() const {
     return static_cast<unsigned>(values_.size());
 }
 
+std::optional<int> InlineEditorMenuItem::getCurrentKey() const {
+    if (!hasCurrentPair()) {
+        return std::nullopt;
+    }
+    return current_->first;
+}
+
+std::map<int, std::u16string> const& InlineEditorMenuItem::getValues() const { return values_; }
+
 void InlineEditorMenuItem::toggleValue() {
     if (values_.empty()) {
         return;

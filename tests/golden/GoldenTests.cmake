@@ -9,6 +9,15 @@ if(TARGET frontpanel-sim)
                 -P ${CMAKE_CURRENT_LIST_DIR}/run_golden.cmake)
     endforeach()
 
+    # The demo driven over its command server by frontpanel-ctl.
+    if(TARGET frontpanel-ctl)
+        add_test(NAME golden.remote_demo_over_ctl
+            COMMAND bash ${CMAKE_CURRENT_LIST_DIR}/remote/run_remote_golden.sh
+                $<TARGET_FILE:frontpanel-sim> $<TARGET_FILE:frontpanel-ctl>
+                ${CMAKE_CURRENT_LIST_DIR}/remote/demo_over_ctl.commands
+                ${CMAKE_CURRENT_LIST_DIR}/remote/demo_over_ctl.expected)
+    endif()
+
     # The real program in a real terminal: tmux runs it, sends keys, reads the screen.
     find_program(YXFP_TMUX tmux)
     if(YXFP_TMUX)

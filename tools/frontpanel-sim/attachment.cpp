@@ -7,6 +7,7 @@
 #ifdef YXFP_HAVE_SETTINGS
 #include "settings_attachment.h"
 #endif
+#include "remote_attachment.h"
 #include "web_attachment.h"
 
 namespace frontpanelsim {
@@ -25,6 +26,9 @@ Attachments attachmentsFor(SimOptions const& options) {
         attachments.push_back(std::make_unique<SettingsAttachment>(*options.settingsFile));
     }
 #endif
+    if (!options.listen.empty()) {
+        attachments.push_back(std::make_unique<RemoteAttachment>(options.listen));
+    }
     if (options.web) {
         attachments.push_back(std::make_unique<WebAttachment>(*options.web, options.webToken));
     }

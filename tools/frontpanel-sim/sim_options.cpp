@@ -1,5 +1,7 @@
 #include "sim_options.h"
 
+#include <yxfrontpanel/runtime/remote_endpoint.h>
+
 #include <cmath>
 #include <fstream>
 #include <locale>
@@ -63,6 +65,15 @@ std::chrono::milliseconds parseIdle(std::string const& text) {
     return std::chrono::milliseconds{std::llround(seconds * 1000)};
 }
 
+std::string parseListenAddress(std::string const& text) {
+    try {
+        yxfrontpanel::runtime::parseEndpoint(text);
+    } catch (std::invalid_argument const& error) {
+        throw UsageError(std::string("--listen: ") + error.what());
+    }
+    return text;
+}
+
 }  // namespace
 
 SimOptions parseOptions(std::vector<std::string> const& arguments) {
@@ -119,6 +130,8 @@ SimOptions parseOptions(std::vector<std::string> const& arguments) {
             options.headless = true;
         } else if (name == "--display") {
             options.display = parseDisplaySpec(takeValue());
+        } else if (name == "--listen") {
+            options.listen.push_back(parseListenAddress(takeValue()));
         } else if (name == "--web") {
             options.web = parseEndpoint("--web", takeValue());
         } else if (name == "--web-token") {
@@ -156,6 +169,7 @@ std::string usage() {
            "                      [--print all|last] [--idle SECONDS] [--settings FILE]\n"
            "                      [--headless] [--display DISPLAY]\n"
            "                      [--input evdev:PATH[:...] | gpio:CHIP:LINES]...\n"
+           "                      [--listen HOST:PORT|unix:PATH]...\n"
            "                      [--web HOST:PORT [--web-token TOKEN]] [--help]\n"
            "\n"
            "Shows the front panel of a demo bench power supply, built with\n"
@@ -195,6 +209,10 @@ std::string usage() {
            "                          (/dev/i2c-1; address default 0x27); a regular file\n"
            "                          or a FIFO at PATH receives the raw expander bytes\n" +
            inputSpecHelp() +
+           "    --listen ADDRESS    serve SCPI commands (keys, screen, menu values) on\n"
+           "                        ADDRESS: HOST:PORT (e.g. 127.0.0.1:5025; port 0 picks\n"
+           "                        one, logged at start) or unix:PATH; repeatable. Only\n"
+           "                        the addresses named are used; see frontpanel-ctl\n"
            "    --web HOST:PORT     serve the panel to browsers at http://HOST:PORT/\n"
            "                        (e.g. 127.0.0.1:8080; port 0 picks a free one)\n"
            "    --web-token TOKEN   only pages opened with ?token=TOKEN may press keys;\n"

@@ -36,6 +36,8 @@ struct SimOptions {
     DisplaySpec display;
     /** --input: key devices beside the terminal's keys, in the order given. */
     std::vector<InputSpec> inputs;
+    /** --listen (repeatable): addresses of the command server (HOST:PORT or unix:PATH). */
+    std::vector<std::string> listen;
     /** --web: where to serve the panel to browsers. */
     std::optional<Endpoint> web;
     /** --web-token: pages that do not present it only watch. */

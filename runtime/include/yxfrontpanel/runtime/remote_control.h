@@ -1,0 +1,67 @@
+#pragma once
+
+#include <yxfrontpanel/runtime/export.h>
+#include <yxfrontpanel/runtime/panel_commands.h>
+#include <yxfrontpanel/runtime/remote_panel.h>
+#include <yxfrontpanel/runtime/remote_server.h>
+#include <yxfrontpanel/runtime/scpi_commands.h>
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace yxfrontpanel::runtime {
+
+class Panel;
+
+/** Everything about a panel's command server. */
+struct RemoteControlOptions {
+    RemoteServerOptions server;
+    /** What `*IDN?` answers. */
+    scpi::Identity identity;
+    PanelCommandOptions panel;
+    /** How `SYSTem:REMote`, `SYSTem:LOCal` and `SYSTem:MODE?` switch and read the mode; by
+     *  default the root tree's flag. */
+    LocalMode localMode;
+};
+
+/** A panel's command server: the common and panel commands (plus the application's own, added
+ *  to `commands()` before `start`) served on the addresses of the options, every command run on
+ *  the panel's thread through `Panel::post`, each response sent once its work has run.
+ *
+ *  Use: construct it on the panel, add commands, `start()` (before or after the panel's `run`
+ *  started), and destroy it (or `stop()`) before the panel. */
+class YXFP_RUNTIME_EXPORT RemoteControl {
+public:
+    /** Registers the common and panel commands; binds nothing yet. The panel must outlive the
+     *  server's work on it. */
+    RemoteControl(Panel& panel, RemoteControlOptions options);
+    ~RemoteControl();
+    RemoteControl(RemoteControl const&) = delete;
+    RemoteControl& operator=(RemoteControl const&) = delete;
+
+    /** The command table, for the application's own commands (their handlers run on the
+     *  panel's thread). Before `start` only. */
+    scpi::CommandTable& commands();
+    /** The remote operations on the panel (for other remote channels of the application). */
+    PanelControl& control();
+    /** Binds the addresses and starts serving. A second call does nothing.
+     *  @throws as `RemoteServer`'s constructor and `start`. */
+    void start();
+    /** Stops serving (see `RemoteServer::stop`). Idempotent. */
+    void stop();
+    /** The bound addresses (empty before `start`); see `RemoteServer::addresses`. */
+    std::vector<std::string> addresses() const;
+    /** The number of connected clients. */
+    std::size_t clientCount() const;
+
+private:
+    Panel& panel_;
+    RemoteControlOptions options_;
+    std::shared_ptr<PanelControl> control_;
+    std::shared_ptr<scpi::CommandTable> table_;
+    std::unique_ptr<RemoteServer> server_;
+};
+
+}  // namespace yxfrontpanel::runtime

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <yxfrontpanel/runtime/export.h>
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace yxfrontpanel::runtime {
+
+/** Where a command server listens or a client connects: a TCP host and port, or a Unix-domain
+ *  socket path. */
+struct YXFP_RUNTIME_EXPORT Endpoint {
+    enum class Kind { Tcp, Unix };
+    Kind kind = Kind::Tcp;
+    /** Host name or numeric address (IPv6 without brackets); TCP only. */
+    std::string host;
+    /** Port; 0 lets the system pick one when listening. TCP only. */
+    std::uint16_t port = 0;
+    /** Socket path; Unix only. */
+    std::string path;
+
+    /** "127.0.0.1:5025", "[::1]:5025" or "unix:/run/panel.sock". */
+    std::string toString() const;
+};
+
+/** Parses "HOST:PORT", "[IPV6]:PORT" or "unix:PATH".
+ *  @throws std::invalid_argument with a message naming the text and the expected forms. */
+YXFP_RUNTIME_EXPORT Endpoint parseEndpoint(std::string_view text);
+
+/** Opens a blocking stream socket connected to `endpoint` (close-on-exec); returns its
+ *  descriptor, which the caller closes.
+ *  @throws std::system_error naming the endpoint when the name does not resolve or the
+ *  connection is refused. */
+YXFP_RUNTIME_EXPORT int connectTo(Endpoint const& endpoint);
+
+}  // namespace yxfrontpanel::runtime

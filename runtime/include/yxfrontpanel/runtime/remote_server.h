@@ -1,0 +1,89 @@
+#pragma once
+
+#include <yxfrontpanel/runtime/clock.h>
+#include <yxfrontpanel/runtime/export.h>
+#include <yxfrontpanel/runtime/scpi_commands.h>
+
+#include <chrono>
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace yxfrontpanel::runtime {
+
+/** The limits and addresses of a command server. Every limit has a safe default. */
+struct RemoteServerOptions {
+    /** Where to listen ("HOST:PORT", "[IPV6]:PORT", "unix:PATH"; see `parseEndpoint`).
+     *  Loopback by default; other addresses only when named here. */
+    std::vector<std::string> listen{"127.0.0.1:5025"};
+    /** When not empty, a client must send `SYSTem:AUTH "token"` before any other command; a
+     *  wrong token or another command first is answered with an error line, and the
+     *  connection is closed `authFailureDelay` later. */
+    std::string accessToken;
+    std::chrono::milliseconds authFailureDelay{1000};
+    /** Further clients are refused (closed at once, and logged). */
+    std::size_t maxClients = 8;
+    /** A longer line is discarded and "Input buffer overrun" is queued. */
+    std::size_t maxLineBytes = 4096;
+    /** A client whose unsent responses pass this size (it sends without reading) is
+     *  disconnected. */
+    std::size_t maxOutputBytes = 256 * 1024;
+    /** Lines waiting for the panel per client; beyond this the server stops reading from that
+     *  client until the panel has caught up, so a fast client cannot flood the panel. */
+    std::size_t maxPendingLines = 256;
+    /** Most lines one turn of the panel's loop runs for one client before letting the panel
+     *  serve its keys and other clients. */
+    std::size_t linesPerTurn = 32;
+    /** The clock of the authentication delay; the steady clock when empty. */
+    std::shared_ptr<IClock> clock;
+};
+
+/** A SCPI-style command server: accepts clients on TCP and Unix-domain sockets, reads their
+ *  newline-terminated command lines on its own I/O thread (poll(2)), runs the commands through
+ *  `executor` (e.g. a panel's `post`) on the thread that executor serves, and sends each
+ *  client its response lines in order once the work has run. Each client has its own error
+ *  queue. Connects, disconnects and refusals are logged with the peer address (category
+ *  "libYxFrontPanelRuntime.remote").
+ *
+ *  The server never waits for the executor's thread and never blocks it: a client that sends
+ *  faster than commands run stops being read, one that does not read its responses is
+ *  disconnected. */
+class YXFP_RUNTIME_EXPORT RemoteServer {
+public:
+    /** Runs a task on the thread that owns the commands' targets (the panel's thread); false
+     *  when it refuses (stopped). */
+    using Executor = std::function<bool(std::function<void()>)>;
+
+    /** Binds and listens on every address of `options.listen` (a stale Unix socket file is
+     *  replaced), but serves nobody until `start`. The table is shared with the tasks, so it
+     *  stays alive while any runs; do not change it after `start`.
+     *  @throws std::invalid_argument for an address that does not parse or an empty table or
+     *  executor; std::system_error naming the address when it cannot be bound. */
+    RemoteServer(std::shared_ptr<scpi::CommandTable const> table, Executor executor,
+                 RemoteServerOptions options);
+    /** `stop`, then removes the Unix socket files it created. */
+    ~RemoteServer();
+    RemoteServer(RemoteServer const&) = delete;
+    RemoteServer& operator=(RemoteServer const&) = delete;
+
+    /** Starts the I/O thread. A second call does nothing.
+     *  @throws std::system_error when the thread cannot be started. */
+    void start();
+    /** Closes every client and the listening sockets and joins the I/O thread. Work already
+     *  handed to the executor still runs; its responses are dropped. Idempotent; not from the
+     *  I/O thread. */
+    void stop();
+    /** The bound addresses, in the order of `options.listen`, with the port the system picked
+     *  for port 0 ("127.0.0.1:41873", "unix:/tmp/panel.sock"). Any thread. */
+    std::vector<std::string> addresses() const;
+    /** The number of connected clients. Any thread. */
+    std::size_t clientCount() const;
+
+private:
+    class Impl;
+    std::shared_ptr<Impl> impl_;
+};
+
+}  // namespace yxfrontpanel::runtime

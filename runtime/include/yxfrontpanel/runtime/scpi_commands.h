@@ -1,0 +1,126 @@
+#pragma once
+
+#include <yxfrontpanel/runtime/export.h>
+#include <yxfrontpanel/runtime/scpi_error.h>
+#include <yxfrontpanel/runtime/scpi_parser.h>
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace yxfrontpanel::runtime::scpi {
+
+/** What the server keeps for one client across its command lines. */
+struct YXFP_RUNTIME_EXPORT Session {
+    /** The client's errors, read with `SYSTem:ERRor?`. */
+    ErrorQueue errors;
+};
+
+/** One command as a handler sees it: its parameters, its client, and where its response goes.
+ *  The parameter accessors throw `Error` with the SCPI code a client expects, which the
+ *  dispatcher puts into the client's error queue. */
+class YXFP_RUNTIME_EXPORT Request {
+public:
+    Request(Command const& command, Session& session);
+
+    Command const& command() const;
+    Session& session() const;
+    std::size_t parameterCount() const;
+    /** @throws Error (missing parameter) when there are not that many. */
+    Parameter const& parameter(std::size_t index) const;
+    /** The parameter as a decimal number ("12.5", "-3", "1e3"), classic notation whatever the
+     *  locale. @throws Error (missing parameter, data type error for text or a quoted string). */
+    double number(std::size_t index) const;
+    /** The parameter as a whole number. @throws Error as `number`, and data type error for a
+     *  fraction or a number outside the range of long. */
+    long integer(std::size_t index) const;
+    /** Sends `line` (without newline) to the client as one response line; a query gives one.
+     *  Newlines inside `line` are replaced by blanks so that one line stays one line. */
+    void respond(std::string line);
+    /** Lets the rest of the command line wait for the next turn of the panel's loop: for a
+     *  command whose effect the panel applies later (a key press), so that the commands after
+     *  it see that effect. */
+    void deferRest();
+
+    /** The response lines so far. */
+    std::vector<std::string> const& responses() const;
+    /** Whether `deferRest` was called. */
+    bool restDeferred() const;
+
+private:
+    Command const& command_;
+    Session& session_;
+    std::vector<std::string> responses_;
+    bool deferred_ = false;
+};
+
+/** Runs one command on the panel's thread (or whatever thread the table is used on). It may
+ *  throw `Error`; anything else it throws counts as an execution error. */
+using Handler = std::function<void(Request& request)>;
+
+/** Whether `command` is named by `pattern`, a header in SCPI notation: mnemonics joined by ':'
+ *  whose upper-case part is the short form and whole text the long form ("SYSTem:KEY" matches
+ *  "SYST:KEY", "system:key", but not "SYSTE:KEY"), an optional node in brackets
+ *  ("[SOURce]:VOLTage"), a trailing '?' for a query; or a common command ("*IDN?").
+ *  Case-insensitive. A malformed pattern matches nothing. */
+YXFP_RUNTIME_EXPORT bool matches(std::string_view pattern, Command const& command);
+
+/** How far `CommandTable::run` got. */
+struct YXFP_RUNTIME_EXPORT RunResult {
+    std::size_t next = 0;
+    bool deferred = false;
+};
+
+/** The commands a server knows: headers with their handlers. Fill it before the server starts;
+ *  after that it is only read (from the panel's thread). */
+class YXFP_RUNTIME_EXPORT CommandTable {
+public:
+    CommandTable();
+    ~CommandTable();
+    CommandTable(CommandTable const&) = delete;
+    CommandTable& operator=(CommandTable const&) = delete;
+
+    /** Registers `handler` for `pattern` (see `matches`), which accepts between
+     *  `minParameters` and `maxParameters` parameters (others are refused with "Missing
+     *  parameter" or "Parameter not allowed" before the handler runs). A later registration
+     *  of the same pattern replaces the earlier one.
+     *  @throws std::invalid_argument for a malformed pattern, an empty handler or
+     *  minParameters > maxParameters. */
+    void add(std::string_view pattern, Handler handler, unsigned minParameters = 0,
+             unsigned maxParameters = 0);
+    /** Runs `command`: the handler of the first matching pattern with the parameter count
+     *  checked. @throws Error (undefined header, parameter count, or whatever the handler
+     *  throws; other exceptions become "Execution error" with their text). */
+    void execute(Request& request) const;
+    /** Runs the commands of `line` from index `first` on: each failed command puts its error
+     *  into the session's queue (a failed query answers nothing, as in SCPI) and the next one
+     *  runs. Stops after a command that deferred the rest; otherwise, at the end of the line,
+     *  queues the line's parse error, if any. Response lines are appended to `responses`.
+     *  Returns the index of the first command not run (`line.commands.size()` when done) and
+     *  whether the last command run deferred what follows it (also the next line). */
+    RunResult run(ParsedLine const& line, std::size_t first, Session& session,
+                  std::vector<std::string>& responses) const;
+    /** The registered patterns, in the order of registration. */
+    std::vector<std::string> patterns() const;
+
+private:
+    struct Entry;
+    std::vector<Entry> entries_;
+};
+
+/** What `*IDN?` answers: four fields supplied by the application. Commas in a field are
+ *  replaced by blanks, since they separate the fields. */
+struct YXFP_RUNTIME_EXPORT Identity {
+    std::string manufacturer = "YxFrontPanel";
+    std::string model = "Panel";
+    std::string serialNumber = "0";
+    std::string firmwareVersion = "0";
+};
+
+/** Registers the common commands: `*IDN?` (from `identity`), `*CLS` (empties the client's error
+ *  queue), `*OPC?` (answers 1 once everything before it ran) and `SYSTem:ERRor[:NEXT]?`. */
+YXFP_RUNTIME_EXPORT void addCommonCommands(CommandTable& table, Identity identity);
+
+}  // namespace yxfrontpanel::runtime::scpi

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <yxfrontpanel/runtime/export.h>
+#include <yxfrontpanel/runtime/scpi_error.h>
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace yxfrontpanel::runtime::scpi {
+
+/** One parameter of a command as the client wrote it. */
+struct YXFP_RUNTIME_EXPORT Parameter {
+    /** The text: a quoted string without its quotes and with doubled quotes made single, or
+     *  any other parameter (number, key name) as written, without surrounding blanks. */
+    std::string text;
+    /** Whether it was a quoted string ("..." or '...'). */
+    bool quoted = false;
+
+    bool operator==(Parameter const& other) const;
+};
+
+/** One command of a command line, with its header resolved to the full path. */
+struct YXFP_RUNTIME_EXPORT Command {
+    /** The mnemonics from the root ("SYST", "KEY") as written (case kept); for a common
+     *  command the single mnemonic with its star ("*IDN"). */
+    std::vector<std::string> mnemonics;
+    /** A common command (`*IDN?`, `*CLS`). */
+    bool common = false;
+    /** How many leading mnemonics came from the previous command's path (0 for a header
+     *  from the root). */
+    std::size_t inherited = 0;
+    /** The header ended in '?'. */
+    bool query = false;
+    std::vector<Parameter> parameters;
+
+    /** The header as written after resolution, e.g. "SYST:KEY" or "*IDN?" (for messages). */
+    std::string header() const;
+};
+
+/** A parsed command line: the commands up to the first error, and that error (if any). The
+ *  commands before an error still run; everything after it on the line is discarded. */
+struct YXFP_RUNTIME_EXPORT ParsedLine {
+    std::vector<Command> commands;
+    std::optional<ErrorEntry> error;
+};
+
+/** Parses one command line (without its newline; a trailing carriage return is ignored).
+ *
+ *  Commands are separated by ';' outside quoted strings; empty commands are skipped. A header
+ *  is a common command ('*' and letters) or mnemonics (a letter, then letters, digits and
+ *  '_') joined by ':', optionally starting with ':', optionally ending in '?'. As in SCPI, a
+ *  header without a leading ':' after a command with a path continues that path: in
+ *  `SOUR:VOLT 1;CURR 2` the second command is `SOUR:CURR`; a leading ':' starts again from the
+ *  root, and common commands (also written ":*OPC?") leave the path alone. (`CommandTable` also
+ * accepts such a header from the root when the continued path names no command.) Blanks separate
+ * header and parameters; parameters are separated by ','. Errors: a character that cannot start a
+ * header or parameter (-101), a malformed header (-102), a header not followed by a blank or the
+ * end
+ *  (-103), an empty parameter (-109) and an unterminated string (-151).
+ *
+ *  Pure function: no state, any thread, never throws except std::bad_alloc. */
+YXFP_RUNTIME_EXPORT ParsedLine parseLine(std::string_view line);
+
+/** Parameters and how reading them ended. */
+struct YXFP_RUNTIME_EXPORT ParsedParameters {
+    std::vector<Parameter> parameters;
+    std::optional<ErrorEntry> error;
+};
+
+/** Reads `text` as a comma-separated list of parameters, the form of a command's parameters and
+ *  of a response such as `"line 1","line 2"`. A ';' ends the list. Errors as for `parseLine`.
+ *  Pure function, any thread. */
+YXFP_RUNTIME_EXPORT ParsedParameters parseParameters(std::string_view text);
+
+/** `text` as a SCPI string: in double quotes, embedded double quotes doubled. */
+YXFP_RUNTIME_EXPORT std::string quoted(std::string_view text);
+
+}  // namespace yxfrontpanel::runtime::scpi

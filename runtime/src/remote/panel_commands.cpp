@@ -1,0 +1,122 @@
+#include <yxfrontpanel/menu_tree.h>
+#include <yxfrontpanel/runtime/menu_values.h>
+#include <yxfrontpanel/runtime/panel_commands.h>
+#include <yxfrontpanel/runtime/remote_panel.h>
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+namespace yxfrontpanel::runtime {
+
+namespace {
+
+using frontpanelhw::PanelKey;
+using scpi::Error;
+using scpi::ErrorCode;
+using scpi::Request;
+
+PanelKey keyOf(Request const& request) {
+    scpi::Parameter const& parameter = request.parameter(0);
+    std::string name = parameter.text;
+    std::transform(name.begin(), name.end(), name.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+    constexpr std::array<std::pair<char const*, PanelKey>, 6> kKeys{{{"UP", PanelKey::Up},
+                                                                     {"DOWN", PanelKey::Down},
+                                                                     {"LEFT", PanelKey::Left},
+                                                                     {"RIGHT", PanelKey::Right},
+                                                                     {"ENTER", PanelKey::Enter},
+                                                                     {"BACK", PanelKey::Back}}};
+    for (auto const& [text, key] : kKeys) {
+        if (!parameter.quoted && name == text) {
+            return key;
+        }
+    }
+    throw Error(ErrorCode::IllegalParameterValue, "no key " + parameter.text);
+}
+
+/** The 0-based screen line of the 1-based line number in parameter 0. */
+unsigned lineOf(Request const& request, std::size_t lineCount) {
+    long const line = request.integer(0);
+    if (line < 1 || static_cast<std::size_t>(line) > lineCount) {
+        throw Error(ErrorCode::DataOutOfRange,
+                    "line " + std::to_string(line) + " of 1 to " + std::to_string(lineCount));
+    }
+    return static_cast<unsigned>(line - 1);
+}
+
+IMenuTree& rootOf(IRemotePanel const& panel) {
+    IMenuTree* const root = panel.root();
+    if (root == nullptr) {
+        throw Error(ErrorCode::ExecutionError, "the panel has no menu");
+    }
+    return *root;
+}
+
+}  // namespace
+
+void addPanelCommands(scpi::CommandTable& table, std::shared_ptr<IRemotePanel> panel,
+                      PanelCommandOptions options) {
+    if (!panel) {
+        throw std::invalid_argument("panel commands need a panel");
+    }
+    table.add(
+        "SYSTem:KEY",
+        [panel](Request& request) {
+            if (panel->pressKey(keyOf(request))) {
+                request.deferRest();
+            }
+        },
+        1, 1);
+    table.add(
+        "DISPlay:TEXT?",
+        [panel](Request& request) {
+            std::vector<std::string> const lines = panel->screenLines();
+            if (request.parameterCount() == 1) {
+                request.respond(scpi::quoted(lines[lineOf(request, lines.size())]));
+                return;
+            }
+            std::string response;
+            for (auto const& line : lines) {
+                response += (response.empty() ? "" : ",") + scpi::quoted(line);
+            }
+            request.respond(response);
+        },
+        0, 1);
+    table.add(
+        "DISPlay:INVerted?",
+        [panel](Request& request) {
+            unsigned const line = lineOf(request, panel->screen().getLineCount());
+            request.respond(scpi::quoted(panel->invertedColumnsOf(line)));
+        },
+        1, 1);
+    table.add("SYSTem:REMote", [panel](Request& /*request*/) { panel->setLocal(false); });
+    table.add("SYSTem:LOCal", [panel](Request& /*request*/) { panel->setLocal(true); });
+    table.add("SYSTem:MODE?",
+              [panel](Request& request) { request.respond(panel->isLocal() ? "LOC" : "REM"); });
+    table.add(
+        "MENU:VALue?",
+        [panel](Request& request) {
+            MenuValue const value = readMenuValue(rootOf(*panel), request.parameter(0).text);
+            request.respond(value.numeric ? value.text : scpi::quoted(value.text));
+        },
+        1, 1);
+    table.add(
+        "MENU:VALue",
+        [panel, options](Request& request) {
+            IMenuTree& root = rootOf(*panel);
+            std::string const& path = request.parameter(0).text;
+            findMenuItem(root, path);  // an unknown path changes nothing, not even the mode
+            if (options.remoteOnMenuWrite && panel->isLocal()) {
+                panel->setLocal(false);
+            }
+            writeMenuValue(root, path, request.parameter(1).text);
+        },
+        2, 2);
+}
+
+}  // namespace yxfrontpanel::runtime

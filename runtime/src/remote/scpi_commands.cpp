@@ -1,0 +1,315 @@
+#include <yxfrontpanel/runtime/scpi_commands.h>
+
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+#include <cmath>
+#include <exception>
+#include <limits>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+namespace yxfrontpanel::runtime::scpi {
+
+namespace {
+
+std::string upper(std::string_view text) {
+    std::string result(text);
+    std::transform(result.begin(), result.end(), result.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+    return result;
+}
+
+/** A pattern taken apart: its nodes with short and long form, or a common command. */
+struct Pattern {
+    struct Node {
+        std::string shortForm;
+        std::string longForm;
+        bool optional = false;
+    };
+    std::vector<Node> nodes;
+    std::string common;  // "*IDN" for a common command, else empty
+    bool query = false;
+};
+
+std::optional<Pattern> parsePattern(std::string_view text) {
+    Pattern pattern;
+    if (!text.empty() && text.back() == '?') {
+        pattern.query = true;
+        text.remove_suffix(1);
+    }
+    if (text.empty()) {
+        return std::nullopt;
+    }
+    if (text.front() == '*') {
+        bool const letters =
+            text.size() > 1 && std::all_of(text.begin() + 1, text.end(), [](char c) {
+                return std::isalpha(static_cast<unsigned char>(c)) != 0;
+            });
+        if (!letters) {
+            return std::nullopt;
+        }
+        pattern.common = upper(text);
+        return pattern;
+    }
+    if (text.front() == ':') {
+        text.remove_prefix(1);
+    }
+    while (!text.empty()) {
+        std::string_view node;
+        Pattern::Node parsed;
+        if (text.front() == '[') {
+            // An optional node: "[SOURce]" or, after another node, "[:NEXT]".
+            std::size_t const close = text.find(']');
+            if (close == std::string_view::npos) {
+                return std::nullopt;
+            }
+            node = text.substr(1, close - 1);
+            if (!node.empty() && node.front() == ':') {
+                node.remove_prefix(1);
+            }
+            parsed.optional = true;
+            text.remove_prefix(close + 1);
+        } else {
+            std::size_t const end = std::min(text.find_first_of(":["), text.size());
+            node = text.substr(0, end);
+            text.remove_prefix(end);
+        }
+        if (node.empty() || std::isalpha(static_cast<unsigned char>(node.front())) == 0 ||
+            !std::all_of(node.begin(), node.end(),
+                         [](char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0; })) {
+            return std::nullopt;
+        }
+        std::size_t shortLength = 0;
+        while (shortLength < node.size() &&
+               std::islower(static_cast<unsigned char>(node[shortLength])) == 0) {
+            ++shortLength;
+        }
+        if (shortLength == 0) {
+            return std::nullopt;
+        }
+        parsed.shortForm = upper(node.substr(0, shortLength));
+        parsed.longForm = upper(node);
+        pattern.nodes.push_back(std::move(parsed));
+        if (!text.empty() && text.front() == ':') {
+            text.remove_prefix(1);
+            if (text.empty()) {
+                return std::nullopt;
+            }
+        } else if (!text.empty() && text.front() != '[') {
+            return std::nullopt;
+        }
+    }
+    return pattern;
+}
+
+bool nodeMatches(Pattern::Node const& node, std::string const& mnemonic) {
+    std::string const written = upper(mnemonic);
+    return written == node.shortForm || written == node.longForm;
+}
+
+bool nodesMatch(std::vector<Pattern::Node> const& nodes, std::size_t node,
+                std::vector<std::string> const& mnemonics, std::size_t mnemonic) {
+    if (node == nodes.size()) {
+        return mnemonic == mnemonics.size();
+    }
+    if (mnemonic < mnemonics.size() && nodeMatches(nodes[node], mnemonics[mnemonic]) &&
+        nodesMatch(nodes, node + 1, mnemonics, mnemonic + 1)) {
+        return true;
+    }
+    return nodes[node].optional && nodesMatch(nodes, node + 1, mnemonics, mnemonic);
+}
+
+bool patternMatches(Pattern const& pattern, Command const& command) {
+    if (pattern.query != command.query) {
+        return false;
+    }
+    if (command.common || !pattern.common.empty()) {
+        return command.common && !command.mnemonics.empty() &&
+               upper(command.mnemonics.front()) == pattern.common;
+    }
+    return nodesMatch(pattern.nodes, 0, command.mnemonics, 0);
+}
+
+Command fromRoot(Command const& command) {
+    Command rooted = command;
+    rooted.mnemonics.erase(rooted.mnemonics.begin(),
+                           rooted.mnemonics.begin() + static_cast<long>(command.inherited));
+    rooted.inherited = 0;
+    return rooted;
+}
+
+std::string withoutCommas(std::string field) {
+    std::replace(field.begin(), field.end(), ',', ' ');
+    return field;
+}
+
+}  // namespace
+
+struct CommandTable::Entry {
+    std::string text;
+    Pattern pattern;
+    Handler handler;
+    unsigned minParameters;
+    unsigned maxParameters;
+};
+
+Request::Request(Command const& command, Session& session) : command_(command), session_(session) {}
+
+Command const& Request::command() const { return command_; }
+
+Session& Request::session() const { return session_; }
+
+std::size_t Request::parameterCount() const { return command_.parameters.size(); }
+
+Parameter const& Request::parameter(std::size_t index) const {
+    if (index >= command_.parameters.size()) {
+        throw Error(ErrorCode::MissingParameter, command_.header());
+    }
+    return command_.parameters[index];
+}
+
+double Request::number(std::size_t index) const {
+    Parameter const& value = parameter(index);
+    double result = 0.0;
+    char const* const begin = value.text.data();
+    char const* const end = begin + value.text.size();
+    // from_chars does not take a leading '+', which SCPI numbers may have.
+    char const* const start = (begin != end && *begin == '+') ? begin + 1 : begin;
+    auto const [last, error] = std::from_chars(start, end, result);
+    if (value.quoted || error != std::errc{} || last != end || start == end) {
+        throw Error(ErrorCode::DataTypeError, "not a number: " + value.text);
+    }
+    return result;
+}
+
+long Request::integer(std::size_t index) const {
+    double const value = number(index);
+    if (std::floor(value) != value ||
+        value < static_cast<double>(std::numeric_limits<long>::min()) ||
+        value > static_cast<double>(std::numeric_limits<long>::max())) {
+        throw Error(ErrorCode::DataTypeError, "not a whole number: " + parameter(index).text);
+    }
+    return static_cast<long>(value);
+}
+
+void Request::respond(std::string line) {
+    std::replace(line.begin(), line.end(), '\n', ' ');
+    responses_.push_back(std::move(line));
+}
+
+void Request::deferRest() { deferred_ = true; }
+
+std::vector<std::string> const& Request::responses() const { return responses_; }
+
+bool Request::restDeferred() const { return deferred_; }
+
+bool matches(std::string_view pattern, Command const& command) {
+    std::optional<Pattern> const parsed = parsePattern(pattern);
+    return parsed && patternMatches(*parsed, command);
+}
+
+CommandTable::CommandTable() = default;
+
+CommandTable::~CommandTable() = default;
+
+void CommandTable::add(std::string_view pattern, Handler handler, unsigned minParameters,
+                       unsigned maxParameters) {
+    std::optional<Pattern> parsed = parsePattern(pattern);
+    if (!parsed) {
+        throw std::invalid_argument("not a SCPI header pattern: \"" + std::string(pattern) + '"');
+    }
+    if (!handler) {
+        throw std::invalid_argument("empty handler for " + std::string(pattern));
+    }
+    if (minParameters > maxParameters) {
+        throw std::invalid_argument("more parameters required than allowed for " +
+                                    std::string(pattern));
+    }
+    Entry entry{std::string(pattern), std::move(*parsed), std::move(handler), minParameters,
+                maxParameters};
+    auto const same = std::find_if(entries_.begin(), entries_.end(),
+                                   [&](Entry const& e) { return upper(e.text) == upper(pattern); });
+    if (same != entries_.end()) {
+        *same = std::move(entry);
+        return;
+    }
+    entries_.push_back(std::move(entry));
+}
+
+void CommandTable::execute(Request& request) const {
+    Command const& command = request.command();
+    auto const find = [this](Command const& wanted) {
+        return std::find_if(entries_.begin(), entries_.end(),
+                            [&](Entry const& e) { return patternMatches(e.pattern, wanted); });
+    };
+    auto entry = find(command);
+    if (entry == entries_.end() && command.inherited > 0) {
+        entry = find(fromRoot(command));
+    }
+    if (entry == entries_.end()) {
+        throw Error(ErrorCode::UndefinedHeader, command.header());
+    }
+    std::size_t const count = command.parameters.size();
+    if (count < entry->minParameters) {
+        throw Error(ErrorCode::MissingParameter, command.header());
+    }
+    if (count > entry->maxParameters) {
+        throw Error(ErrorCode::ParameterNotAllowed, command.header());
+    }
+    try {
+        entry->handler(request);
+    } catch (Error const&) {
+        throw;
+    } catch (std::exception const& e) {
+        throw Error(ErrorCode::ExecutionError, e.what());
+    }
+}
+
+RunResult CommandTable::run(ParsedLine const& line, std::size_t first, Session& session,
+                            std::vector<std::string>& responses) const {
+    for (std::size_t index = first; index < line.commands.size(); ++index) {
+        Request request(line.commands[index], session);
+        try {
+            execute(request);
+        } catch (Error const& e) {
+            session.errors.push(e.entry());
+            continue;
+        }
+        responses.insert(responses.end(), request.responses().begin(), request.responses().end());
+        if (request.restDeferred()) {
+            if (index + 1 == line.commands.size() && line.error) {
+                session.errors.push(*line.error);
+            }
+            return RunResult{index + 1, true};
+        }
+    }
+    if (line.error) {
+        session.errors.push(*line.error);
+    }
+    return RunResult{line.commands.size(), false};
+}
+
+std::vector<std::string> CommandTable::patterns() const {
+    std::vector<std::string> result;
+    result.reserve(entries_.size());
+    for (auto const& entry : entries_) {
+        result.push_back(entry.text);
+    }
+    return result;
+}
+
+void addCommonCommands(CommandTable& table, Identity identity) {
+    std::string const idn =
+        withoutCommas(identity.manufacturer) + ',' + withoutCommas(identity.model) + ',' +
+        withoutCommas(identity.serialNumber) + ',' + withoutCommas(identity.firmwareVersion);
+    table.add("*IDN?", [idn](Request& request) { request.respond(idn); });
+    table.add("*CLS", [](Request& request) { request.session().errors.clear(); });
+    table.add("*OPC?", [](Request& request) { request.respond("1"); });
+    table.add("SYSTem:ERRor[:NEXT]?",
+              [](Request& request) { request.respond(request.session().errors.pop().format()); });
+}
+
+}  // namespace yxfrontpanel::runtime::scpi

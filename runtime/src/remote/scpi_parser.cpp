@@ -1,0 +1,231 @@
+#include <yxfrontpanel/runtime/scpi_parser.h>
+
+#include <cctype>
+#include <string>
+#include <utility>
+
+namespace yxfrontpanel::runtime::scpi {
+
+namespace {
+
+bool isBlank(char c) { return c == ' ' || c == '\t'; }
+
+bool isLetter(char c) { return std::isalpha(static_cast<unsigned char>(c)) != 0; }
+
+bool isMnemonicChar(char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_'; }
+
+/** Reads one command from `line` at `pos` (up to an unquoted ';' or the end). */
+class CommandReader {
+public:
+    CommandReader(std::string_view line, std::size_t pos) : line_(line), pos_(pos) {}
+
+    /** The position after the command (at its ';' or the end). */
+    std::size_t position() const { return pos_; }
+
+    bool atCommandEnd() const { return pos_ >= line_.size() || line_[pos_] == ';'; }
+
+    void skipBlanks() {
+        while (pos_ < line_.size() && isBlank(line_[pos_])) {
+            ++pos_;
+        }
+    }
+
+    /** Reads the header into `command`; `rooted` tells whether it started with ':'. */
+    std::optional<ErrorEntry> readHeader(Command& command, bool& rooted) {
+        rooted = false;
+        // A colon before a common command is tolerated: clients join commands with ";:".
+        if (line_[pos_] == ':' && pos_ + 1 < line_.size() && line_[pos_ + 1] == '*') {
+            ++pos_;
+        }
+        if (line_[pos_] == '*') {
+            std::size_t const start = pos_++;
+            while (pos_ < line_.size() && isLetter(line_[pos_])) {
+                ++pos_;
+            }
+            if (pos_ - start < 2) {
+                return ErrorEntry{ErrorCode::SyntaxError, std::string(line_.substr(start, 1))};
+            }
+            command.common = true;
+            command.mnemonics.emplace_back(line_.substr(start, pos_ - start));
+            return readQueryMark(command);
+        }
+        if (line_[pos_] == ':') {
+            rooted = true;
+            ++pos_;
+        }
+        while (true) {
+            if (pos_ >= line_.size() || !isLetter(line_[pos_])) {
+                return pos_ < line_.size() && !isBlank(line_[pos_]) && line_[pos_] != ':' &&
+                               line_[pos_] != '?' && line_[pos_] != ';'
+                           ? ErrorEntry{ErrorCode::InvalidCharacter, std::string(1, line_[pos_])}
+                           : ErrorEntry{ErrorCode::SyntaxError, "incomplete header"};
+            }
+            std::size_t const start = pos_;
+            while (pos_ < line_.size() && isMnemonicChar(line_[pos_])) {
+                ++pos_;
+            }
+            command.mnemonics.emplace_back(line_.substr(start, pos_ - start));
+            if (pos_ < line_.size() && line_[pos_] == ':') {
+                ++pos_;
+                continue;
+            }
+            return readQueryMark(command);
+        }
+    }
+
+    std::optional<ErrorEntry> readParameters(Command& command) {
+        skipBlanks();
+        if (atCommandEnd()) {
+            return std::nullopt;
+        }
+        while (true) {
+            skipBlanks();
+            Parameter parameter;
+            if (pos_ < line_.size() && (line_[pos_] == '"' || line_[pos_] == '\'')) {
+                if (auto error = readString(parameter)) {
+                    return error;
+                }
+                skipBlanks();
+            } else {
+                std::size_t const start = pos_;
+                while (pos_ < line_.size() && line_[pos_] != ',' && line_[pos_] != ';') {
+                    if (line_[pos_] == '"' || line_[pos_] == '\'') {
+                        return ErrorEntry{
+                            ErrorCode::InvalidCharacter,
+                            "quote inside " + std::string(line_.substr(start, pos_ - start))};
+                    }
+                    ++pos_;
+                }
+                std::size_t end = pos_;
+                while (end > start && isBlank(line_[end - 1])) {
+                    --end;
+                }
+                parameter.text = std::string(line_.substr(start, end - start));
+                if (parameter.text.empty()) {
+                    return ErrorEntry{
+                        ErrorCode::MissingParameter,
+                        "empty parameter " + std::to_string(command.parameters.size() + 1)};
+                }
+            }
+            command.parameters.push_back(std::move(parameter));
+            if (atCommandEnd()) {
+                return std::nullopt;
+            }
+            if (line_[pos_] != ',') {
+                return ErrorEntry{ErrorCode::InvalidSeparator, std::string(1, line_[pos_])};
+            }
+            ++pos_;
+        }
+    }
+
+private:
+    std::optional<ErrorEntry> readQueryMark(Command& command) {
+        if (pos_ < line_.size() && line_[pos_] == '?') {
+            command.query = true;
+            ++pos_;
+        }
+        if (pos_ < line_.size() && !isBlank(line_[pos_]) && line_[pos_] != ';') {
+            return ErrorEntry{ErrorCode::InvalidSeparator,
+                              std::string(1, line_[pos_]) + " after " + command.header()};
+        }
+        return std::nullopt;
+    }
+
+    std::optional<ErrorEntry> readString(Parameter& parameter) {
+        char const quote = line_[pos_++];
+        parameter.quoted = true;
+        while (pos_ < line_.size()) {
+            char const c = line_[pos_++];
+            if (c != quote) {
+                parameter.text += c;
+                continue;
+            }
+            if (pos_ < line_.size() && line_[pos_] == quote) {
+                parameter.text += quote;
+                ++pos_;
+                continue;
+            }
+            return std::nullopt;
+        }
+        return ErrorEntry{ErrorCode::InvalidStringData, "unterminated string"};
+    }
+
+    std::string_view line_;
+    std::size_t pos_;
+};
+
+}  // namespace
+
+bool Parameter::operator==(Parameter const& other) const {
+    return text == other.text && quoted == other.quoted;
+}
+
+std::string Command::header() const {
+    std::string text;
+    for (auto const& mnemonic : mnemonics) {
+        text += (text.empty() ? "" : ":") + mnemonic;
+    }
+    return query ? text + '?' : text;
+}
+
+ParsedLine parseLine(std::string_view line) {
+    if (!line.empty() && line.back() == '\r') {
+        line.remove_suffix(1);
+    }
+    ParsedLine parsed;
+    std::vector<std::string> path;  // the path that a relative header continues
+    std::size_t pos = 0;
+    while (pos <= line.size()) {
+        CommandReader reader(line, pos);
+        reader.skipBlanks();
+        if (reader.atCommandEnd()) {
+            pos = reader.position() + 1;
+            continue;
+        }
+        Command command;
+        bool rooted = false;
+        std::optional<ErrorEntry> error = reader.readHeader(command, rooted);
+        if (!error) {
+            error = reader.readParameters(command);
+        }
+        if (error) {
+            parsed.error = std::move(error);
+            return parsed;
+        }
+        if (!command.common) {
+            if (!rooted && !path.empty()) {
+                command.mnemonics.insert(command.mnemonics.begin(), path.begin(), path.end());
+                command.inherited = path.size();
+            }
+            path.assign(command.mnemonics.begin(), command.mnemonics.end() - 1);
+        }
+        parsed.commands.push_back(std::move(command));
+        pos = reader.position() + 1;
+    }
+    return parsed;
+}
+
+ParsedParameters parseParameters(std::string_view text) {
+    CommandReader reader(text, 0);
+    Command command;
+    ParsedParameters parsed;
+    parsed.error = reader.readParameters(command);
+    parsed.parameters = std::move(command.parameters);
+    return parsed;
+}
+
+std::string quoted(std::string_view text) {
+    std::string result;
+    result.reserve(text.size() + 2);
+    result += '"';
+    for (char const c : text) {
+        result += c;
+        if (c == '"') {
+            result += '"';
+        }
+    }
+    result += '"';
+    return result;
+}
+
+}  // namespace yxfrontpanel::runtime::scpi

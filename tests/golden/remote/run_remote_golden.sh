@@ -1,0 +1,68 @@
+#!/usr/bin/env bash
+# Drives the demo through frontpanel-ctl and compares the answers and screens with the
+# checked-in expectation. Usage: run_remote_golden.sh SIM CTL COMMANDS EXPECTED
+# The simulator runs --headless with its command server on an ephemeral loopback port and a
+# Unix socket; its log tells the port. YXFP_UPDATE_GOLDEN=1 rewrites the expectation.
+set -euo pipefail
+sim=$1 ctl=$2 commands=$3 expected=$4
+
+work=$(mktemp -d)
+sim_pid=
+cleanup() {
+    if [ -n "$sim_pid" ]; then kill -TERM "$sim_pid" 2> /dev/null || true; fi
+    rm -rf "$work"
+}
+trap cleanup EXIT
+
+mkfifo "$work/log"
+"$sim" --headless --idle 0 --listen 127.0.0.1:0 --listen "unix:$work/panel.sock" \
+    2> "$work/log" &
+sim_pid=$!
+exec 3< "$work/log"
+# The server logs each address once it listens: read until the TCP one (no polling, no sleep).
+tcp=
+while IFS= read -r line <&3; do
+    case $line in
+        *"listening on 127.0.0.1:"*) tcp=${line##*listening on } ;;
+        *"listening on unix:"*) ;;
+        *) echo "$line" >&2 ;;
+    esac
+    [ -n "$tcp" ] && break
+done
+[ -n "$tcp" ] || { echo "frontpanel-sim did not start listening" >&2; exit 1; }
+# Keep reading the log so that the simulator never blocks on it.
+cat <&3 > "$work/rest.log" &
+
+actual="$work/actual"
+: > "$actual"
+while IFS= read -r line; do
+    case $line in '#'* | '') continue ;; esac
+    address=$tcp
+    if [ "${line#unix }" != "$line" ]; then
+        line=${line#unix }
+        address="unix:$work/panel.sock"
+    fi
+    echo "> $line" >> "$actual"
+    status=0
+    "$ctl" --screen "$address" "$line" >> "$actual" 2>&1 || status=$?
+    echo "exit $status" >> "$actual"
+done < "$commands"
+
+kill -TERM "$sim_pid"
+status=0
+wait "$sim_pid" || status=$?
+sim_pid=
+if [ "$status" -ne 0 ]; then
+    echo "frontpanel-sim --headless ended with status $status after SIGTERM" >&2
+    exit 1
+fi
+
+if [ "${YXFP_UPDATE_GOLDEN:-}" = 1 ]; then
+    cp "$actual" "$expected"
+    echo "rewrote $expected"
+    exit 0
+fi
+if ! diff -u "$expected" "$actual"; then
+    echo "the answers and screens differ from $expected (YXFP_UPDATE_GOLDEN=1 rewrites it)" >&2
+    exit 1
+fi

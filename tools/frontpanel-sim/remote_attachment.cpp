@@ -1,0 +1,28 @@
+#include "remote_attachment.h"
+
+#include <utility>
+
+namespace frontpanelsim {
+
+RemoteAttachment::RemoteAttachment(std::vector<std::string> addresses)
+    : addresses_(std::move(addresses)) {}
+
+// The server stops (its thread joined) before the addresses go.
+RemoteAttachment::~RemoteAttachment() = default;
+
+void RemoteAttachment::attach(SimContext const& context) {
+    yxfrontpanel::runtime::RemoteControlOptions options;
+    options.server.listen = addresses_;
+    options.identity = {"YxFrontPanel", "frontpanel-sim demo PSU", "YX-2026-00042", "1.4.2"};
+    PanelApp& app = context.app;
+    options.localMode.get = [&app] { return app.isLocal(); };
+    options.localMode.set = [&app](bool local) { app.setLocal(local); };
+    remote_ = std::make_unique<yxfrontpanel::runtime::RemoteControl>(context.panel, options);
+    remote_->start();
+}
+
+void RemoteAttachment::detach() noexcept { remote_.reset(); }
+
+bool RemoteAttachment::keepsRunning() const { return true; }
+
+}  // namespace frontpanelsim
