@@ -1,13 +1,13 @@
 #include <frontpanelhw/display.h>
 #include <yxbase2/this_thread.h>
 #include <yxfrontpanel/drawing_provider.h>
+#include <yxfrontpanel/testing/frame_text.h>
 
 #include <exception>
 #include <ostream>
 #include <string>
 #include <vector>
 
-#include "frame_printer.h"
 #include "key_script.h"
 #include "runners.h"
 
@@ -58,43 +58,20 @@ public:
     InstantSleep& operator=(InstantSleep const&) = delete;
 };
 
-void apply(PanelApp& app, ScriptAction action) {
-    using frontpanelhw::PanelKey;
-    switch (action) {
-        case ScriptAction::Up:
-            return app.press(PanelKey::Up);
-        case ScriptAction::Down:
-            return app.press(PanelKey::Down);
-        case ScriptAction::Left:
-            return app.press(PanelKey::Left);
-        case ScriptAction::Right:
-            return app.press(PanelKey::Right);
-        case ScriptAction::Enter:
-            return app.press(PanelKey::Enter);
-        case ScriptAction::Back:
-            return app.press(PanelKey::Back);
-        case ScriptAction::Local:
-            return app.setLocal(true);
-        case ScriptAction::Remote:
-            return app.setLocal(false);
-        case ScriptAction::Tick:
-            return app.tick();
-    }
-}
-
 void print(FrameLog::Entry const& entry, std::size_t number, std::ostream& out) {
-    out << "frame " << number << " after step " << entry.step << ": " << entry.word << '\n'
-        << formatFrame(entry.frame);
+    out << yxfrontpanel::testing::formatScriptFrame(number, entry.step, entry.word, entry.frame);
 }
 
 }  // namespace
 
 int runHeadless(SimOptions const& options, AppFactory const& makeApp, std::ostream& out,
                 std::ostream& err) {
-    std::vector<ScriptStep> steps;
+    PanelApp* running = nullptr;
+    auto const script = simulatorKeyScript([&running]() -> PanelApp& { return *running; });
+    std::vector<yxfrontpanel::testing::KeyScriptStep> steps;
     try {
-        steps = parseKeyScript(*options.keyScript);
-    } catch (ScriptError const& error) {
+        steps = script.parse(*options.keyScript);
+    } catch (yxfrontpanel::testing::KeyScriptError const& error) {
         err << "frontpanel-sim: " << options.keyScriptSource << ": " << error.what() << '\n';
         return 1;
     }
@@ -105,11 +82,12 @@ int runHeadless(SimOptions const& options, AppFactory const& makeApp, std::ostre
     std::size_t failedStep = 0;
     try {
         auto app = makeApp(provider);
+        running = app.get();
         app->start();
-        for (ScriptStep const& step : steps) {
+        for (auto const& step : steps) {
             failedStep = step.position;
             display.beginStep(step.position, step.word);
-            apply(*app, step.action);
+            step.perform();
         }
     } catch (std::exception const& error) {
         err << "frontpanel-sim: step " << failedStep << " failed: " << error.what() << '\n';

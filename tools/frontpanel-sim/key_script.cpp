@@ -1,73 +1,25 @@
 #include "key_script.h"
 
-#include <algorithm>
-#include <array>
-#include <sstream>
-#include <utility>
+#include <stdexcept>
 
 namespace frontpanelsim {
 
-namespace {
-
-struct Word {
-    char const* text;
-    ScriptAction action;
-    char const* meaning;
-};
-
-constexpr std::array<Word, 9> kWords{{
-    {"up", ScriptAction::Up, "the up key"},
-    {"down", ScriptAction::Down, "the down key"},
-    {"left", ScriptAction::Left, "the left key"},
-    {"right", ScriptAction::Right, "the right key"},
-    {"enter", ScriptAction::Enter, "the enter (action) key"},
-    {"back", ScriptAction::Back, "the back key"},
-    {"local", ScriptAction::Local, "switch to local mode (front-panel edits allowed)"},
-    {"remote", ScriptAction::Remote, "switch to remote mode (front-panel edits refused)"},
-    {"tick", ScriptAction::Tick, "let half a second pass (one measurement update)"},
-}};
-
-std::string withoutComments(std::string const& text) {
-    std::string result;
-    bool inComment = false;
-    for (char character : text) {
-        if (character == '#') {
-            inComment = true;
-        } else if (character == '\n') {
-            inComment = false;
-        }
-        result.push_back(inComment ? ' ' : character);
-    }
-    return result;
-}
-
-}  // namespace
-
-std::vector<ScriptStep> parseKeyScript(std::string const& text) {
-    std::istringstream words(withoutComments(text));
-    std::vector<ScriptStep> steps;
-    std::string word;
-    while (words >> word) {
-        std::size_t const position = steps.size() + 1;
-        auto const known = std::find_if(kWords.begin(), kWords.end(),
-                                        [&word](Word const& entry) { return word == entry.text; });
-        if (known == kWords.end()) {
-            throw ScriptError("unknown key '" + word + "' at position " + std::to_string(position) +
-                              " of the key script (known: up down left right enter back local "
-                              "remote tick)");
-        }
-        steps.push_back(ScriptStep{known->action, word, position});
-    }
-    return steps;
+yxfrontpanel::testing::KeyScript simulatorKeyScript(std::function<PanelApp&()> app) {
+    yxfrontpanel::testing::KeyScript script(
+        [app](frontpanelhw::PanelKey key) { app().press(key); });
+    script.addWord("local", "switch to local mode (front-panel edits allowed)",
+                   [app] { app().setLocal(true); });
+    script.addWord("remote", "switch to remote mode (front-panel edits refused)",
+                   [app] { app().setLocal(false); });
+    script.addWord("tick", "let half a second pass (one measurement update)",
+                   [app] { app().tick(); });
+    return script;
 }
 
 std::string keyScriptHelp() {
-    std::ostringstream help;
-    for (Word const& entry : kWords) {
-        help << "    " << entry.text << std::string(8 - std::string(entry.text).size(), ' ')
-             << entry.meaning << '\n';
-    }
-    return help.str();
+    // Help only lists the words; no step ever runs, so no application is needed.
+    return simulatorKeyScript([]() -> PanelApp& { throw std::logic_error("no application"); })
+        .help();
 }
 
 }  // namespace frontpanelsim
