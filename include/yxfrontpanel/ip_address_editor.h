@@ -11,7 +11,7 @@
 namespace yxfrontpanel {
 
 /**
- * @brief Full-screen editor of an IPv4 address, edited digit by digit.
+ * Full-screen editor of an IPv4 address, edited digit by digit.
  *
  * The value line shows the address in its 15-column form with blanks as fill ("192.168.  1.  2"),
  * centred. Left and right move the caret over the digit columns, jumping over the points and
@@ -28,7 +28,7 @@ namespace yxfrontpanel {
  */
 class YXFP_EXPORT IpAddressEditor : public BaseEditor {
 public:
-    /** @brief An editor titled `headline`, both addresses 0.0.0.0, no callback; the value line
+    /** An editor titled `headline`, both addresses 0.0.0.0, no callback; the value line
      *  stays empty until an address is set or the editor gains the focus. Draws nothing. */
     IpAddressEditor(IDrawingProvider const& provider, std::u16string const& headline);
     IpAddressEditor(IpAddressEditor const&) = delete;
@@ -37,17 +37,17 @@ public:
     IpAddressEditor& operator=(IpAddressEditor&&) = delete;
     ~IpAddressEditor() override;
 
-    /** @brief Gaining the focus shows the committed address (`setValue(getValue())`), then
+    /** Gaining the focus shows the committed address (`setValue(getValue())`), then
      *  draws; losing it only takes the focus (no draw). */
     void setFocus(bool focus) override;
-    /** @brief In editor mode: commits the edited address and calls the apply callback with its
+    /** In editor mode: commits the edited address and calls the apply callback with its
      *  dotted text. Outside editor mode nothing happens.
      *  @throws std::bad_function_call in editor mode when no callback is set (the address has
      *  already been committed then). */
     void apply() override;
     /**
-     * @brief Moves the caret one digit left (-1) or right (+1), with or without focus and
-     *        editor mode; redraws when the caret moved.
+     * Moves the caret one digit left (-1) or right (+1), with or without focus and
+     * editor mode; redraws when the caret moved.
      *
      * A landing place that the point search takes for a point is jumped over; right from the
      * last digit wraps to the first, left from the first to the last (with a value line
@@ -60,9 +60,9 @@ public:
      */
     void moveMarker(int direction) override;
     /**
-     * @brief Steps the digit under the caret by `delta` times its place (100, 10 or 1) within
-     *        its octet, clamps the octet to 0..255, then shows and commits the address
-     *        (`setValue`).
+     * Steps the digit under the caret by `delta` times its place (100, 10 or 1) within
+     * its octet, clamps the octet to 0..255, then shows and commits the address
+     * (`setValue`).
      *
      * Nothing happens without focus, outside editor mode, or while the caret is not on a digit
      * column (`getSelectedBlock()` is 5).
@@ -70,28 +70,28 @@ public:
     void changeValue(int delta) override;
 
     /**
-     * @brief The octet under the caret: for the caret's index into the value text
-     *        (`getMarkerInValuePosition(0)`), 0 for indices 0..2, 1 for 4..6, 2 for 8..10, 3 for
-     *        12..14, and 5 for the points (3, 7, 11), for indices above 14 and for negative
-     *        indices.
+     * The octet under the caret: for the caret's index into the value text
+     * (`getMarkerInValuePosition(0)`), 0 for indices 0..2, 1 for 4..6, 2 for 8..10, 3 for
+     * 12..14, and 5 for the points (3, 7, 11), for indices above 14 and for negative
+     * indices.
      */
     unsigned int getSelectedBlock() const;
-    /** @brief Shows `address` ("  1.  2.  3.  4" form) and makes it the edited address. */
+    /** Shows `address` ("  1.  2.  3.  4" form) and makes it the edited address. */
     void drawValue(ip::IpV4Address const& address);
-    /** @brief Makes `address` the committed and the edited address and shows it. */
+    /** Makes `address` the committed and the edited address and shows it. */
     void setValue(ip::IpV4Address const& address);
     /**
-     * @brief Parses dotted text (`ip::fromString`) and sets that address; true on success.
-     *        Text that does not parse (any `std::exception` from parsing) sets 0.0.0.0 instead
-     *        and yields false; no exception leaves the editor.
+     * Parses dotted text (`ip::fromString`) and sets that address; true on success.
+     * Text that does not parse (any `std::exception` from parsing) sets 0.0.0.0 instead
+     * and yields false; no exception leaves the editor.
      */
     bool setValue(std::string const& text);
 
-    /** @brief The committed address. */
+    /** The committed address. */
     ip::IpV4Address getValue() const;
-    /** @brief The address being edited and shown. */
+    /** The address being edited and shown. */
     ip::IpV4Address getEditValue() const;
-    /** @brief Replaces the callback that `apply()` hands the committed address text to. */
+    /** Replaces the callback that `apply()` hands the committed address text to. */
     void setApplyCallback(std::function<void(std::string const&)> const& callback);
 
 private:

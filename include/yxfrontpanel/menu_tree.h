@@ -181,7 +181,9 @@ private:
 class YXFP_EXPORT MenuTreeFactory {
 public:
     MenuTreeFactory() = default;
+    /** Factories hold no state; copies are interchangeable. */
     MenuTreeFactory(MenuTreeFactory const&) = default;
+    /** Factories hold no state; copies are interchangeable. */
     MenuTreeFactory& operator=(MenuTreeFactory const&) = default;
     virtual ~MenuTreeFactory();
 

@@ -16,7 +16,8 @@ class IMenuTree;
 namespace yxfrontpanel::testing {
 
 /** A key script that cannot be run: an unknown word, or an argument its word refuses. The
- *  message names the word (control characters escaped as \xNN) and its 1-based position. */
+ *  message names the word (control characters escaped as a backslash, 'x' and two hex digits)
+ *  and its 1-based position. */
 class YXFP_TESTING_EXPORT KeyScriptError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
@@ -59,9 +60,13 @@ public:
      *  script and the steps it parses). */
     explicit KeyScript(IMenuTree& tree);
     ~KeyScript();
+    /** A script with the same words (their actions are shared). */
     KeyScript(KeyScript const& other);
+    /** Takes the words of `other` (their actions are shared). */
     KeyScript& operator=(KeyScript const& other);
+    /** Takes over the words of `other`, which is left without words. */
     KeyScript(KeyScript&& other) noexcept;
+    /** Takes over the words of `other`, which is left without words. */
     KeyScript& operator=(KeyScript&& other) noexcept;
 
     /** Adds the word `word` that runs `action`; `meaning` is its line in `help()`. Returns this

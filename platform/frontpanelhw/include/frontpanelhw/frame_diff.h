@@ -10,7 +10,9 @@ namespace frontpanelhw::drawing {
 
 /** The position of one cell of a buffer: column from the left, line from the top. */
 struct CellPosition {
+    /** Column, from 0 at the left. */
     unsigned column;
+    /** Line, from 0 at the top. */
     unsigned line;
 };
 
