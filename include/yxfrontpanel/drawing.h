@@ -33,9 +33,11 @@ enum class TextAllignment : std::uint32_t {  // NOLINT(readability-identifier-na
 
 /** Both coordinates equal. */
 YXFP_EXPORT bool operator==(Point const& lhs, Point const& rhs);
+/** The negation of `operator==`. */
 YXFP_EXPORT bool operator!=(Point const& lhs, Point const& rhs);
 /** Both dimensions equal. */
 YXFP_EXPORT bool operator==(Rectangle const& lhs, Rectangle const& rhs);
+/** The negation of `operator==`. */
 YXFP_EXPORT bool operator!=(Rectangle const& lhs, Rectangle const& rhs);
 
 /** Writes "X: <x> - Y: <y>". */

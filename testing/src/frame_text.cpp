@@ -1,4 +1,4 @@
-#include <frontpanelhw/code_page.h>
+#include <frontpanelhw/screen_text.h>
 #include <yxfrontpanel/testing/frame_text.h>
 
 namespace yxfrontpanel::testing {
@@ -6,33 +6,12 @@ namespace yxfrontpanel::testing {
 using frontpanelhw::drawing::DisplayBuffer;
 
 std::string invertedColumns(DisplayBuffer const& frame, unsigned line) {
-    // Asking for the line first gives a line past the last its exception on a 0-column panel too.
-    frontpanelhw::drawing::DisplayLine const cells = frame.getLine(line);
-    std::string ranges;
-    unsigned const width = cells.size();
-    unsigned column = 0;
-    while (column < width) {
-        if (!cells.getCharacter(column).inverted) {
-            ++column;
-            continue;
-        }
-        unsigned last = column;
-        while (last + 1 < width && cells.getCharacter(last + 1).inverted) {
-            ++last;
-        }
-        ranges += (ranges.empty() ? "" : ", ") + std::to_string(column);
-        if (last != column) {
-            ranges += "-" + std::to_string(last);
-        }
-        column = last + 1;
-    }
-    return ranges;
-}
-
-std::string lineText(DisplayBuffer const& frame, unsigned line) {
     std::string text;
-    for (char16_t const code : frame.getLineString(line)) {
-        text += frontpanelhw::toUtf8(frontpanelhw::toUnicode(code));
+    for (frontpanelhw::ColumnRange const& range : frontpanelhw::invertedRanges(frame, line)) {
+        text += (text.empty() ? "" : ", ") + std::to_string(range.first);
+        if (range.last != range.first) {
+            text += "-" + std::to_string(range.last);
+        }
     }
     return text;
 }
@@ -41,7 +20,7 @@ std::string formatFrame(DisplayBuffer const& frame) {
     std::string const rule = "+" + std::string(frame.getChars(), '-') + "+\n";
     std::string text = rule;
     for (unsigned line = 0; line < frame.getLineCount(); ++line) {
-        text += '|' + lineText(frame, line) + '|';
+        text += '|' + frontpanelhw::lineText(frame, line) + '|';
         std::string const inverted = invertedColumns(frame, line);
         if (!inverted.empty()) {
             text += " < inverted " + inverted;

@@ -28,7 +28,9 @@ constexpr KeyWord kKeyWords[] = {
     {"back", PanelKey::Back, "the back key"},
 };
 
-constexpr std::size_t kMinimumHelpColumn = 8;
+constexpr std::size_t kHelpIndent = 4;
+constexpr std::size_t kHelpMeaningColumn = 12;
+constexpr std::size_t kHelpWidth = 80;
 
 std::string withoutComments(std::string const& text) {
     std::string result;
@@ -144,9 +146,9 @@ std::vector<KeyScriptStep> KeyScript::parse(std::string const& text) const {
         try {
             action = entry->bind(argument);
         } catch (std::exception const& error) {
-            throw KeyScriptError("bad key " + where + ": " + error.what());
+            throw KeyScriptError("bad " + entry->name + " " + where + ": " + error.what());
         }
-        steps.push_back(KeyScriptStep{word, position, std::move(action)});
+        steps.push_back(KeyScriptStep{word, entry->name, argument, position, std::move(action)});
     }
     return steps;
 }
@@ -169,17 +171,32 @@ std::string KeyScript::knownWords() const {
 }
 
 std::string KeyScript::help() const {
-    auto const label = [](Word const& entry) {
-        return entry.argumentName.empty() ? entry.name : entry.name + ":" + entry.argumentName;
-    };
-    std::size_t column = kMinimumHelpColumn;
-    for (Word const& entry : words_) {
-        column = std::max(column, label(entry).size() + 2);
-    }
+    std::string const indent(kHelpMeaningColumn, ' ');
     std::string help;
     for (Word const& entry : words_) {
-        std::string const shown = label(entry);
-        help += "    " + shown + std::string(column - shown.size(), ' ') + entry.meaning + '\n';
+        std::string const label =
+            entry.argumentName.empty() ? entry.name : entry.name + ":" + entry.argumentName;
+        std::string line = std::string(kHelpIndent, ' ') + label;
+        if (line.size() + 2 > kHelpMeaningColumn) {
+            help += line + '\n';
+            line = indent;
+        } else {
+            line.resize(kHelpMeaningColumn, ' ');
+        }
+        // The meaning, word by word, wrapped before the right edge.
+        std::istringstream meaning(entry.meaning);
+        std::string word;
+        bool lineHasWords = false;
+        while (meaning >> word) {
+            if (lineHasWords && line.size() + 1 + word.size() >= kHelpWidth) {
+                help += line + '\n';
+                line = indent;
+                lineHasWords = false;
+            }
+            line += (lineHasWords ? " " : "") + word;
+            lineHasWords = true;
+        }
+        help += line + '\n';
     }
     return help;
 }

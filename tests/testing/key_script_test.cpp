@@ -34,14 +34,14 @@ std::string errorOf(KeyScript const& script, std::string const& text) {
     return "no error";
 }
 
-TEST(KeyScriptTest, SixKeyWordsPressTheirKeysInOrder) {
+TEST(KitKeyScriptTest, SixKeyWordsPressTheirKeysInOrder) {
     NotedKeys keys;
     keys.script.run("up down left right enter back");
     EXPECT_EQ(keys.pressed,
               (std::vector<std::string>{"up", "down", "left", "right", "enter", "back"}));
 }
 
-TEST(KeyScriptTest, WordsMaySpanLinesAndCarryComments) {
+TEST(KitKeyScriptTest, WordsMaySpanLinesAndCarryComments) {
     NotedKeys keys;
     auto const steps = keys.script.parse("# open the menu\n  enter\tdown # to current\n\nback");
     ASSERT_EQ(steps.size(), 3U);
@@ -52,13 +52,13 @@ TEST(KeyScriptTest, WordsMaySpanLinesAndCarryComments) {
     EXPECT_EQ(keys.pressed, (std::vector<std::string>{"back"}));
 }
 
-TEST(KeyScriptTest, EmptyScriptHasNoSteps) {
+TEST(KitKeyScriptTest, EmptyScriptHasNoSteps) {
     NotedKeys keys;
     EXPECT_TRUE(keys.script.parse("").empty());
     EXPECT_TRUE(keys.script.parse("  # nothing\n").empty());
 }
 
-TEST(KeyScriptTest, UnknownWordStopsTheScriptBeforeTheFirstKey) {
+TEST(KitKeyScriptTest, UnknownWordStopsTheScriptBeforeTheFirstKey) {
     NotedKeys keys;
     EXPECT_THROW(keys.script.run("down jump"), KeyScriptError);
     EXPECT_TRUE(keys.pressed.empty());
@@ -67,19 +67,19 @@ TEST(KeyScriptTest, UnknownWordStopsTheScriptBeforeTheFirstKey) {
               "enter back)");
 }
 
-TEST(KeyScriptTest, WordsAreCaseSensitive) {
+TEST(KitKeyScriptTest, WordsAreCaseSensitive) {
     NotedKeys keys;
     EXPECT_THROW(keys.script.parse("Enter"), KeyScriptError);
 }
 
-TEST(KeyScriptTest, ControlBytesOfAnUnknownWordAreEscaped) {
+TEST(KitKeyScriptTest, ControlBytesOfAnUnknownWordAreEscaped) {
     NotedKeys keys;
     EXPECT_EQ(errorOf(keys.script, std::string("up \x01\x1b[31mx\x7f")),
               "unknown key '\\x01\\x1B[31mx\\x7F' at position 2 of the key script (known: up "
               "down left right enter back)");
 }
 
-TEST(KeyScriptTest, ProgramWordsRunTheirActions) {
+TEST(KitKeyScriptTest, ProgramWordsRunTheirActions) {
     NotedKeys keys;
     int ticks = 0;
     keys.script.addWord("tick", "half a second", [&ticks] { ++ticks; });
@@ -89,7 +89,7 @@ TEST(KeyScriptTest, ProgramWordsRunTheirActions) {
     EXPECT_EQ(keys.script.knownWords(), "up down left right enter back tick");
 }
 
-TEST(KeyScriptTest, WordsWithAnArgumentBindItWhileParsing) {
+TEST(KitKeyScriptTest, WordsWithAnArgumentBindItWhileParsing) {
     NotedKeys keys;
     std::vector<double> waits;
     keys.script.addWordWithArgument("wait", "SECONDS", "let time pass",
@@ -109,17 +109,17 @@ TEST(KeyScriptTest, WordsWithAnArgumentBindItWhileParsing) {
               std::string::npos);
 }
 
-TEST(KeyScriptTest, RefusedArgumentNamesWordPositionAndReason) {
+TEST(KitKeyScriptTest, RefusedArgumentNamesWordPositionAndReason) {
     NotedKeys keys;
     keys.script.addWordWithArgument(
         "wait", "SECONDS", "let time pass", [](std::string const& argument) -> KeyScript::Action {
             throw std::invalid_argument("'" + argument + "' is not a number");
         });
     EXPECT_EQ(errorOf(keys.script, "up wait:soon"),
-              "bad key 'wait:soon' at position 2 of the key script: 'soon' is not a number");
+              "bad wait 'wait:soon' at position 2 of the key script: 'soon' is not a number");
 }
 
-TEST(KeyScriptTest, BadOrRepeatedWordsAreRefusedWhenAdded) {
+TEST(KitKeyScriptTest, BadOrRepeatedWordsAreRefusedWhenAdded) {
     NotedKeys keys;
     auto const nothing = [] {};
     EXPECT_THROW(keys.script.addWord("up", "again", nothing), std::invalid_argument);
@@ -132,16 +132,38 @@ TEST(KeyScriptTest, BadOrRepeatedWordsAreRefusedWhenAdded) {
                  std::invalid_argument);
 }
 
-TEST(KeyScriptTest, HelpAlignsMeaningsPastTheLongestWord) {
+TEST(KitKeyScriptTest, HelpPutsMeaningsInOneColumnAndLongWordsOnTheirOwnLine) {
+    NotedKeys keys;
+    keys.script.addWord("remote", "switch to remote mode", [] {});
+    keys.script.addWordWithArgument(
+        "wait", "SECONDS",
+        "let SECONDS pass (decimals allowed): timers, measurements, the idle home screen",
+        [](std::string const&) { return [] {}; });
+    EXPECT_EQ(keys.script.help(),
+              "    up      the up key\n"
+              "    down    the down key\n"
+              "    left    the left key\n"
+              "    right   the right key\n"
+              "    enter   the enter (action) key\n"
+              "    back    the back key\n"
+              "    remote  switch to remote mode\n"
+              "    wait:SECONDS\n"
+              "            let SECONDS pass (decimals allowed): timers, measurements, the idle\n"
+              "            home screen\n");
+}
+
+TEST(KitKeyScriptTest, StepsNameTheirWordAndArgument) {
     NotedKeys keys;
     keys.script.addWordWithArgument("wait", "SECONDS", "let time pass",
                                     [](std::string const&) { return [] {}; });
-    std::string const help = keys.script.help();
-    EXPECT_EQ(help.substr(0, help.find('\n') + 1), "    up            the up key\n");
-    EXPECT_NE(help.find("    wait:SECONDS  let time pass\n"), std::string::npos) << help;
+    auto const steps = keys.script.parse("down wait:2.5");
+    EXPECT_EQ(steps[0].name, "down");
+    EXPECT_EQ(steps[0].argument, "");
+    EXPECT_EQ(steps[1].name, "wait");
+    EXPECT_EQ(steps[1].argument, "2.5");
 }
 
-TEST(KeyScriptTest, TreeScriptUsesThePanelKeyMapping) {
+TEST(KitKeyScriptTest, TreeScriptUsesThePanelKeyMapping) {
     yxfrontpanel::testing::RecordingDisplay display(21, 4);
     auto tree = yxfrontpanel::MenuTreeFactory().create(display);
     for (char16_t const* name : {u"First", u"Second", u"Third"}) {

@@ -1,67 +1,101 @@
 #include "key_script.h"
 
-#include <frontpanelhw/key_source.h>
-
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
+#include <algorithm>
 
 namespace {
 
-using frontpanelhw::PanelKey;
-using yxfrontpanel::testing::KeyScriptError;
+using frontpanelsim::parseKeyScript;
+using frontpanelsim::ScriptAction;
+using frontpanelsim::ScriptError;
 
-// Notes what the simulator's words did to the application.
-class NotingApp : public frontpanelsim::PanelApp {
-public:
-    void start() override { calls.push_back("start"); }
-    void press(PanelKey key) override { calls.push_back(frontpanelhw::panelKeyName(key)); }
-    void setLocal(bool local) override {
-        local_ = local;
-        calls.push_back(local ? "local" : "remote");
-    }
-    bool isLocal() const override { return local_; }
-    void tick() override { calls.push_back("tick"); }
-
-    std::vector<std::string> calls;
-
-private:
-    bool local_ = true;
-};
-
-TEST(SimulatorKeyScriptTest, EveryWordReachesTheApplication) {
-    NotingApp app;
-    auto const script =
-        frontpanelsim::simulatorKeyScript([&app]() -> frontpanelsim::PanelApp& { return app; });
-    script.run("up down left right enter back local remote tick");
-    EXPECT_EQ(app.calls, (std::vector<std::string>{"up", "down", "left", "right", "enter", "back",
-                                                   "local", "remote", "tick"}));
+TEST(KeyScriptTest, ParsesEveryWordInOrder) {
+    auto const steps = parseKeyScript("up down left right enter back local remote tick");
+    std::vector<ScriptAction> actions(steps.size());
+    std::transform(steps.begin(), steps.end(), actions.begin(),
+                   [](auto const& step) { return step.action; });
+    EXPECT_EQ(actions, (std::vector<ScriptAction>{
+                           ScriptAction::Up, ScriptAction::Down, ScriptAction::Left,
+                           ScriptAction::Right, ScriptAction::Enter, ScriptAction::Back,
+                           ScriptAction::Local, ScriptAction::Remote, ScriptAction::Tick}));
+    EXPECT_EQ(steps[4].word, "enter");
+    EXPECT_EQ(steps[4].position, 5U);
 }
 
-TEST(SimulatorKeyScriptTest, ParsingDoesNotNeedTheApplication) {
-    auto const script = frontpanelsim::simulatorKeyScript(
-        []() -> frontpanelsim::PanelApp& { throw std::logic_error("asked for the application"); });
-    auto const steps = script.parse("# open the output menu\n  enter\tdown # to current\n\ntick");
+TEST(KeyScriptTest, WordsMaySpanLinesAndCarryComments) {
+    auto const steps = parseKeyScript("# open the output menu\n  enter\tdown # to current\n\nback");
     ASSERT_EQ(steps.size(), 3U);
-    EXPECT_EQ(steps[2].word, "tick");
+    EXPECT_EQ(steps[0].action, ScriptAction::Enter);
+    EXPECT_EQ(steps[1].action, ScriptAction::Down);
+    EXPECT_EQ(steps[2].action, ScriptAction::Back);
     EXPECT_EQ(steps[2].position, 3U);
 }
 
-TEST(SimulatorKeyScriptTest, UnknownWordNamesEveryKnownWord) {
-    auto const script = frontpanelsim::simulatorKeyScript(
-        []() -> frontpanelsim::PanelApp& { throw std::logic_error("asked for the application"); });
+TEST(KeyScriptTest, EmptyScriptHasNoSteps) {
+    EXPECT_TRUE(parseKeyScript("").empty());
+    EXPECT_TRUE(parseKeyScript("  # nothing\n").empty());
+}
+
+TEST(KeyScriptTest, UnknownWordIsNamedWithItsPosition) {
     try {
-        script.parse("down down jump enter");
-        FAIL() << "expected KeyScriptError";
-    } catch (KeyScriptError const& error) {
-        EXPECT_STREQ(error.what(),
-                     "unknown key 'jump' at position 3 of the key script (known: up down left "
-                     "right enter back local remote tick)");
+        parseKeyScript("down down jump enter");
+        FAIL() << "expected ScriptError";
+    } catch (ScriptError const& error) {
+        EXPECT_NE(std::string(error.what()).find("unknown key 'jump' at position 3"),
+                  std::string::npos)
+            << error.what();
     }
 }
 
-TEST(SimulatorKeyScriptTest, HelpListsEveryWordInOneColumn) {
+TEST(KeyScriptTest, WaitCarriesItsSeconds) {
+    auto const steps = parseKeyScript("wait:60 wait:0.25 wait:0");
+    ASSERT_EQ(steps.size(), 3U);
+    EXPECT_EQ(steps[0].action, ScriptAction::Wait);
+    EXPECT_EQ(steps[0].duration, std::chrono::milliseconds{60000});
+    EXPECT_EQ(steps[1].duration, std::chrono::milliseconds{250});
+    EXPECT_EQ(steps[2].duration, std::chrono::milliseconds{0});
+    EXPECT_EQ(steps[1].word, "wait:0.25");
+    EXPECT_EQ(parseKeyScript("tick")[0].duration, std::chrono::milliseconds{0});
+}
+
+TEST(KeyScriptTest, BadWaitIsNamedWithItsPosition) {
+    for (char const* bad : {"wait:", "wait:-1", "wait:soon", "wait:5s", "wait:90000"}) {
+        try {
+            parseKeyScript(std::string("up ") + bad);
+            FAIL() << "expected ScriptError for " << bad;
+        } catch (ScriptError const& error) {
+            EXPECT_NE(
+                std::string(error.what()).find(std::string("bad wait '") + bad + "' at position 2"),
+                std::string::npos)
+                << error.what();
+        }
+    }
+}
+
+TEST(KeyScriptTest, WordsAreCaseSensitive) { EXPECT_THROW(parseKeyScript("Enter"), ScriptError); }
+
+TEST(KeyScriptTest, HelpListsEveryWord) {
+    std::string const help = frontpanelsim::keyScriptHelp();
+    for (char const* word :
+         {"up", "down", "left", "right", "enter", "back", "local", "remote", "tick"}) {
+        EXPECT_NE(help.find(std::string("    ") + word + " "), std::string::npos) << word;
+    }
+    EXPECT_NE(help.find("    wait:SECONDS"), std::string::npos);
+}
+
+TEST(KeyScriptTest, UnknownWordMessageNamesEveryWordAndEscapesControlBytes) {
+    try {
+        parseKeyScript("down \x1b[2Jx");
+        FAIL() << "expected ScriptError";
+    } catch (ScriptError const& error) {
+        EXPECT_STREQ(error.what(),
+                     "unknown key '\\x1B[2Jx' at position 2 of the key script (known: up down "
+                     "left right enter back local remote tick wait:SECONDS)");
+    }
+}
+
+TEST(KeyScriptTest, HelpTextIsTheSimulatorsWordList) {
     EXPECT_EQ(frontpanelsim::keyScriptHelp(),
               "    up      the up key\n"
               "    down    the down key\n"
@@ -71,7 +105,10 @@ TEST(SimulatorKeyScriptTest, HelpListsEveryWordInOneColumn) {
               "    back    the back key\n"
               "    local   switch to local mode (front-panel edits allowed)\n"
               "    remote  switch to remote mode (front-panel edits refused)\n"
-              "    tick    let half a second pass (one measurement update)\n");
+              "    tick    let half a second pass (one measurement update)\n"
+              "    wait:SECONDS\n"
+              "            let SECONDS pass (decimals allowed): timers, measurements, the idle\n"
+              "            home screen\n");
 }
 
 }  // namespace

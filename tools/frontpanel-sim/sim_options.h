@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -19,6 +20,11 @@ struct SimOptions {
     /** Where the key script came from, for messages ("--keys" or the file name). */
     std::string keyScriptSource;
     PrintMode print = PrintMode::None;
+    /** --idle: time without a key before the home screen shows (zero: never); unset means the
+     *  default of the run (off in a key script, a minute otherwise). */
+    std::optional<std::chrono::milliseconds> idle;
+    /** --headless: run without a terminal until SIGINT or SIGTERM. */
+    bool headless = false;
     bool help = false;
 };
 

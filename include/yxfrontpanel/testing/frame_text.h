@@ -23,16 +23,12 @@ YXFP_TESTING_EXPORT std::string formatScriptFrame(
     std::size_t number, std::size_t step, std::string const& word,
     frontpanelhw::drawing::DisplayBuffer const& frame);
 
-/** The inverted columns of line `line` of `frame`, 0-based, runs written first-last and
- *  separated by ", ": "0-18" or "3, 6-8"; empty when none is inverted.
- *  @throws std::out_of_range for a line past the last. */
+/** The inverted columns of line `line` of `frame` (`frontpanelhw::invertedRanges`), 0-based,
+ *  runs written first-last and separated by ", ": "0-18" or "3, 6-8"; a run of one column is
+ *  its number. Empty when none is inverted or the line does not exist. A line's text is
+ *  `frontpanelhw::lineText`. */
 YXFP_TESTING_EXPORT std::string invertedColumns(frontpanelhw::drawing::DisplayBuffer const& frame,
                                                 unsigned line);
-
-/** Line `line` of `frame` as UTF-8 with the panel's glyphs, all cells including trailing
- *  blanks. @throws std::out_of_range for a line past the last. */
-YXFP_TESTING_EXPORT std::string lineText(frontpanelhw::drawing::DisplayBuffer const& frame,
-                                         unsigned line);
 
 /** All lines of `frame` as their 16-bit codes. */
 YXFP_TESTING_EXPORT std::vector<std::u16string> screenLines(

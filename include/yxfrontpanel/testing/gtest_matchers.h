@@ -4,6 +4,7 @@
 // (gmock). Include it in test sources only.
 
 #include <frontpanelhw/display_types.h>
+#include <frontpanelhw/screen_text.h>
 #include <yxfrontpanel/testing/frame_text.h>
 #include <yxfrontpanel/testing/golden_file.h>
 #include <yxfrontpanel/testing/recording_display.h>
@@ -47,9 +48,9 @@ inline std::string withoutTrailingBlanks(std::string text) {
 }
 
 /** Matches a `DisplayBuffer`, or the newest frame of a `RecordingDisplay`, whose line `line`
- *  shows `text` (UTF-8 with the panel's glyphs, as `lineText` gives it); trailing blanks of
- *  both are ignored, so `LineIs(1, "Network")` matches "Network             ". A line past the
- *  last does not match. */
+ *  shows `text` (UTF-8 with the panel's glyphs, as `frontpanelhw::lineText` gives it); trailing
+ * blanks of both are ignored, so `LineIs(1, "Network")` matches "Network             ". A line past
+ * the last does not match. */
 MATCHER_P2(LineIs, line, text,
            "line " + ::testing::PrintToString(line) + " shows " + ::testing::PrintToString(text)) {
     auto const& frame = ::yxfrontpanel::testing::matchedFrame(arg);
@@ -57,7 +58,7 @@ MATCHER_P2(LineIs, line, text,
         *result_listener << "the frame has " << frame.getLineCount() << " lines";
         return false;
     }
-    std::string const shown = ::yxfrontpanel::testing::lineText(frame, static_cast<unsigned>(line));
+    std::string const shown = ::frontpanelhw::lineText(frame, static_cast<unsigned>(line));
     *result_listener << "line " << line << " is \"" << shown << "\"";
     return ::yxfrontpanel::testing::withoutTrailingBlanks(shown) ==
            ::yxfrontpanel::testing::withoutTrailingBlanks(std::string(text));

@@ -28,6 +28,10 @@ public:
 struct KeyScriptStep {
     /** The word as written in the script. */
     std::string word;
+    /** The known word it is: `word` itself, or for "wait:2.5" the name "wait". */
+    std::string name;
+    /** The text after the colon of a word with an argument ("2.5"); empty for other words. */
+    std::string argument;
     /** Its place in the script, counting words from 1. */
     std::size_t position = 0;
     /** What the word does; call it to run the step. */
@@ -83,7 +87,8 @@ public:
 
     /** The steps of `text`, in order. @throws KeyScriptError for an unknown word ("unknown key
      *  'jump' at position 3 of the key script (known: up down ...)") or a refused argument
-     *  ("bad key 'wait:x' at position 2 of the key script: REASON"). */
+     *  ("bad wait 'wait:x' at position 2 of the key script: REASON", where REASON is what the
+     *  word's `bind` threw). */
     std::vector<KeyScriptStep> parse(std::string const& text) const;
     /** Parses `text`, then performs its steps in order. @throws KeyScriptError as `parse`;
      *  whatever an action throws passes through, and the later steps do not run. */
@@ -92,8 +97,10 @@ public:
     /** The known words, in the order they were added (the six keys first), separated by
      *  single blanks; a word with an argument shows as "name:ARGUMENT". */
     std::string knownWords() const;
-    /** One line per known word for a program's --help: four blanks, the word, blanks to a
-     *  common column (at least two), its meaning and '\n'. */
+    /** The known words with their meanings for a program's --help: each word indented by four
+     *  blanks, its meaning from column 12 (on the next line when the word is longer than six
+     *  characters), wrapped before column 80 with the same indentation; every line ends with
+     *  '\n'. */
     std::string help() const;
 
 private:

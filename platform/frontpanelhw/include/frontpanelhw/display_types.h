@@ -19,6 +19,7 @@ struct DisplayChar {
 
 /** Cells are equal when both the character and the inverted flag are equal. */
 FRONTPANELHW_EXPORT bool operator==(DisplayChar const& lhs, DisplayChar const& rhs);
+/** The negation of `operator==`. */
 FRONTPANELHW_EXPORT bool operator!=(DisplayChar const& lhs, DisplayChar const& rhs);
 
 /** A row of cells of any length; a copyable value. A line taken from a `DisplayBuffer` has the

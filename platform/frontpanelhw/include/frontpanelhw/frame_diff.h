@@ -18,6 +18,7 @@ struct CellPosition {
 
 /** Positions are equal when column and line are equal. */
 FRONTPANELHW_EXPORT bool operator==(CellPosition const& lhs, CellPosition const& rhs);
+/** The negation of `operator==`. */
 FRONTPANELHW_EXPORT bool operator!=(CellPosition const& lhs, CellPosition const& rhs);
 
 /** The cells of `next` a device has to send again when it last showed `previous`: those whose

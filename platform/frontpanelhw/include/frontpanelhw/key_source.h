@@ -53,6 +53,7 @@ struct KeyEvent {
 
 /** Events are equal when kind, panel key, character and action are equal. */
 FRONTPANELHW_EXPORT bool operator==(KeyEvent const& lhs, KeyEvent const& rhs);
+/** The negation of `operator==`. */
 FRONTPANELHW_EXPORT bool operator!=(KeyEvent const& lhs, KeyEvent const& rhs);
 
 /** The lower-case name of a panel key ("up", "down", "left", "right", "enter", "back"). */

@@ -1,0 +1,17 @@
+#include "attachment.h"
+
+namespace frontpanelsim {
+
+// Out of line so that the interface's vtable has one home.
+Attachment::~Attachment() = default;
+
+bool Attachment::keepsRunning() const { return false; }
+
+Attachments attachmentsFor(SimOptions const& /*options*/) {
+    Attachments attachments;
+    // One entry per option that plugs something into the run, in the order they attach, e.g.
+    //     if (options.listen) attachments.push_back(std::make_unique<...>(*options.listen));
+    return attachments;
+}
+
+}  // namespace frontpanelsim
