@@ -17,8 +17,9 @@ class TerminalSession;
 
 /** The panel key for what curses read: `code` is the value wget_wch stored and `isFunctionKey`
  *  tells whether it returned KEY_CODE_YES (a key code such as KEY_UP) rather than a character.
- *  The arrow keys give the four directions; KEY_ENTER, line feed and carriage return give Enter;
- * KEY_BACKSPACE, DEL (127), BS (8) and Escape (27) give Back. Anything else gives no panel key. */
+ *  The arrow keys give the four directions; KEY_ENTER, line feed and carriage return give
+ *  Enter; KEY_BACKSPACE, DEL (127), BS (8) and Escape (27) give Back. Anything else gives no
+ *  panel key. */
 FRONTPANELHW_EXPORT std::optional<PanelKey> panelKeyFor(int code, bool isFunctionKey);
 
 /** Reads the keys typed on the terminal of a TerminalDisplay and maps them to panel keys.
