@@ -10,7 +10,8 @@ namespace yxfrontpanel::testing {
 namespace {
 
 bool updateRequested() {
-    char const* const value = std::getenv(kUpdateGoldenVariable);
+    // Tests read the environment; they do not change it while other threads run.
+    char const* const value = std::getenv(kUpdateGoldenVariable);  // NOLINT(concurrency-mt-unsafe)
     return value != nullptr && std::string(value) == "1";
 }
 

@@ -70,7 +70,7 @@ KeyScript::ArgumentAction ignoringArgument(KeyScript::Action action) {
 
 KeyScriptError::~KeyScriptError() = default;
 
-KeyScript::KeyScript(KeyPress pressKey) {
+KeyScript::KeyScript(KeyPress const& pressKey) {
     for (KeyWord const& keyWord : kKeyWords) {
         add(Word{keyWord.name, "", keyWord.meaning,
                  ignoringArgument([pressKey, key = keyWord.key] { pressKey(key); })});

@@ -3,10 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <optional>
 #include <string>
+
+#include "environment_variable.h"
 
 namespace {
 
@@ -18,23 +20,11 @@ using yxfrontpanel::testing::lineDiff;
 class GoldenFileTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        char const* const update = std::getenv("YXFP_UPDATE_GOLDEN");
-        if (update != nullptr) {
-            savedUpdate_ = update;
-        }
-        unsetenv("YXFP_UPDATE_GOLDEN");
         path_ = ::testing::TempDir() + "golden_file_test_" +
                 ::testing::UnitTest::GetInstance()->current_test_info()->name() + ".txt";
         std::remove(path_.c_str());
     }
-    void TearDown() override {
-        std::remove(path_.c_str());
-        if (!savedUpdate_.empty()) {
-            setenv("YXFP_UPDATE_GOLDEN", savedUpdate_.c_str(), 1);
-        } else {
-            unsetenv("YXFP_UPDATE_GOLDEN");
-        }
-    }
+    void TearDown() override { std::remove(path_.c_str()); }
     void write(std::string const& text) const { std::ofstream(path_, std::ios::binary) << text; }
     std::string read() const {
         std::ifstream file(path_, std::ios::binary);
@@ -42,9 +32,7 @@ protected:
     }
 
     std::string path_;
-
-private:
-    std::string savedUpdate_;
+    yxfp_test::EnvironmentVariable update_{"YXFP_UPDATE_GOLDEN", std::nullopt};
 };
 
 TEST_F(GoldenFileTest, EqualTextMatchesWithoutAMessage) {
@@ -81,7 +69,7 @@ TEST_F(GoldenFileTest, MissingFileSaysHowToCreateIt) {
 
 TEST_F(GoldenFileTest, UpdateVariableRewritesTheFile) {
     write("old\n");
-    setenv("YXFP_UPDATE_GOLDEN", "1", 1);
+    update_.set("1");
     auto const comparison = compareWithGoldenFile("new\n", path_);
     EXPECT_TRUE(comparison.matches);
     EXPECT_EQ(comparison.message,
@@ -91,13 +79,13 @@ TEST_F(GoldenFileTest, UpdateVariableRewritesTheFile) {
 
 TEST_F(GoldenFileTest, OtherUpdateValuesOnlyCompare) {
     write("old\n");
-    setenv("YXFP_UPDATE_GOLDEN", "yes", 1);
+    update_.set("yes");
     EXPECT_FALSE(compareWithGoldenFile("new\n", path_).matches);
     EXPECT_EQ(read(), "old\n");
 }
 
 TEST_F(GoldenFileTest, UnwritableFileDoesNotMatch) {
-    setenv("YXFP_UPDATE_GOLDEN", "1", 1);
+    update_.set("1");
     std::string const path = path_ + ".missing-folder/golden.txt";
     auto const comparison = compareWithGoldenFile("new\n", path);
     EXPECT_FALSE(comparison.matches);
@@ -112,8 +100,8 @@ TEST(LineDiffTest, DistantChangesGetTheirOwnHunksWithThreeLinesOfContext) {
         expected += std::string(1, line) + "\n";
     }
     std::string actual = expected;
-    actual[2 * 1] = 'B';   // line 2
-    actual[2 * 14] = 'O';  // line 15
+    actual[2] = 'B';   // line 2: each line is one letter and its line end
+    actual[28] = 'O';  // line 15
     EXPECT_EQ(lineDiff(expected, actual),
               "@@ -1,5 +1,5 @@\n a\n-b\n+B\n c\n d\n e\n"
               "@@ -12,5 +12,5 @@\n l\n m\n n\n-o\n+O\n p\n");

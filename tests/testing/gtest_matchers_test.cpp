@@ -5,9 +5,11 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <fstream>
+#include <optional>
 #include <string>
+
+#include "environment_variable.h"
 
 namespace {
 
@@ -72,18 +74,13 @@ TEST(GtestMatchersTest, ScreenMatchersReadTheNewestFrameOfARecordingDisplay) {
 
 TEST(GtestMatchersTest, MatchesGoldenFileExplainsWithTheDiff) {
     // Compares only, even while the suite runs with the update variable set.
-    std::string const update =
-        std::getenv("YXFP_UPDATE_GOLDEN") != nullptr ? std::getenv("YXFP_UPDATE_GOLDEN") : "";
-    unsetenv("YXFP_UPDATE_GOLDEN");
+    yxfp_test::EnvironmentVariable const update("YXFP_UPDATE_GOLDEN", std::nullopt);
     std::string const path = ::testing::TempDir() + "gtest_matchers_golden.txt";
     std::ofstream(path) << "a\nb\n";
     EXPECT_THAT("a\nb\n", MatchesGoldenFile(path));
     std::string const why = explanation(std::string("a\nc\n"), MatchesGoldenFile(path));
     EXPECT_NE(why.find("@@ -1,2 +1,2 @@\n a\n-b\n+c\n"), std::string::npos) << why;
     std::remove(path.c_str());
-    if (!update.empty()) {
-        setenv("YXFP_UPDATE_GOLDEN", update.c_str(), 1);
-    }
 }
 
 }  // namespace

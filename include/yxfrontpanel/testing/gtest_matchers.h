@@ -17,7 +17,8 @@
 namespace frontpanelhw::drawing {
 
 /** GoogleTest prints a frame in a failure message as its text (`formatFrame`). */
-inline void PrintTo(DisplayBuffer const& frame, std::ostream* stream) {
+inline void PrintTo(  // NOLINT(readability-identifier-naming): the name GoogleTest looks for
+    DisplayBuffer const& frame, std::ostream* stream) {
     *stream << '\n' << ::yxfrontpanel::testing::formatFrame(frame);
 }
 
@@ -26,7 +27,8 @@ inline void PrintTo(DisplayBuffer const& frame, std::ostream* stream) {
 namespace yxfrontpanel::testing {
 
 /** GoogleTest prints a recording display in a failure message as its newest frame's text. */
-inline void PrintTo(RecordingDisplay const& display, std::ostream* stream) {
+inline void PrintTo(  // NOLINT(readability-identifier-naming): the name GoogleTest looks for
+    RecordingDisplay const& display, std::ostream* stream) {
     *stream << '\n' << display.text();
 }
 

@@ -59,7 +59,7 @@ public:
     using KeyPress = std::function<void(frontpanelhw::PanelKey)>;
 
     /** A script whose six key words call `pressKey`. */
-    explicit KeyScript(KeyPress pressKey);
+    explicit KeyScript(KeyPress const& pressKey);
     /** A script whose six key words go to `tree` through `applyKey` (the tree must outlive the
      *  script and the steps it parses). */
     explicit KeyScript(IMenuTree& tree);
