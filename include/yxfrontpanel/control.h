@@ -18,6 +18,7 @@ namespace yxfrontpanel {
  *  other threads may read and switch them; text and callbacks belong to the key thread. */
 class YXFP_EXPORT Control {
 public:
+    /** Receives the control's location and the control's cells to copy into the parent. */
     using DrawCallback = std::function<void(drawing::Point, frontpanelhw::drawing::DisplayBuffer&)>;
 
     /** A control of `size` cells at `location`, text "Ctrl", visible, not shown, no callbacks. */
@@ -51,15 +52,21 @@ public:
     /** Calls the redraw-parent callback; false when none is installed. */
     bool redrawParent();
 
+    /** The text. */
     std::u16string const& getText() const;
+    /** The location inside the parent. */
     drawing::Point getLocation() const;
+    /** The size in cells, as given or last overwritten. */
     drawing::Rectangle getSize() const;
+    /** The control's own cells (a shared empty buffer for a control of no cells). */
     frontpanelhw::drawing::DisplayBuffer const& getBuffer() const;
     /** Whether the owning menu is the active screen (set by the menu tree). */
     bool getShown() const;
+    /** Stores the shown flag (atomic; any thread); draws nothing. */
     void setShown(bool shown);
 
 protected:
+    /** The control's own cells, for derived controls to draw into. */
     frontpanelhw::drawing::DisplayBuffer& buffer();
 
 private:
@@ -94,6 +101,7 @@ public:
     /** Stores the alignment and draws with a parent redraw, also when it is unchanged. */
     void setTextAllignment(  // NOLINT(readability-identifier-naming)
         drawing::TextAllignment alignment);
+    /** The alignment. */
     drawing::TextAllignment getTextAllignment() const;  // NOLINT(readability-identifier-naming)
     /** First column of the text as computed by the last draw. */
     unsigned getStartColumn() const;

@@ -9,13 +9,17 @@ namespace yxfrontpanel::drawing {
 
 /** A cell position: column `x` and line `y`, both counted from 0. */
 struct Point {
+    /** Column, from the left. */
     std::uint32_t x;
+    /** Line, from the top. */
     std::uint32_t y;
 };
 
 /** A size in cells (no origin): `width` columns by `height` lines. */
 struct Rectangle {
+    /** Columns. */
     std::uint32_t width;
+    /** Lines. */
     std::uint32_t height;
 };
 
@@ -29,9 +33,11 @@ enum class TextAllignment : std::uint32_t {  // NOLINT(readability-identifier-na
 
 /** Both coordinates equal. */
 YXFP_EXPORT bool operator==(Point const& lhs, Point const& rhs);
+/** The negation of `operator==`. */
 YXFP_EXPORT bool operator!=(Point const& lhs, Point const& rhs);
 /** Both dimensions equal. */
 YXFP_EXPORT bool operator==(Rectangle const& lhs, Rectangle const& rhs);
+/** The negation of `operator==`. */
 YXFP_EXPORT bool operator!=(Rectangle const& lhs, Rectangle const& rhs);
 
 /** Writes "X: <x> - Y: <y>". */

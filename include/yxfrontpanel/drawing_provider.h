@@ -33,6 +33,7 @@ public:
  *  together. Drawing starts enabled. The device is not owned and must outlive the provider. */
 class YXFP_EXPORT DrawingProvider : public IDrawingProvider {
 public:
+    /** A provider for `display`, drawing enabled. */
     explicit DrawingProvider(frontpanelhw::IDisplay& display);
     ~DrawingProvider() override;
 

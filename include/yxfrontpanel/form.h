@@ -14,7 +14,7 @@ namespace yxfrontpanel {
 class Control;
 
 /**
- * @brief A full-screen view composed of one-line controls.
+ * A full-screen view composed of one-line controls.
  *
  * The form owns one buffer of the whole panel (`provider.getChars()` columns by
  * `provider.getLines()` lines). On every redraw it clears the buffer, lets each visible control
@@ -32,23 +32,23 @@ class Control;
  */
 class YXFP_EXPORT Form : public IForm {
 public:
-    /** @brief A form without controls and without focus on `provider`; draws nothing. */
+    /** A form without controls and without focus on `provider`; draws nothing. */
     explicit Form(IDrawingProvider const& provider);
     Form(Form const&) = delete;
     Form& operator=(Form const&) = delete;
     Form(Form&&) = delete;
     Form& operator=(Form&&) = delete;
-    /** @brief Releases the control list and the buffer; the controls themselves are untouched. */
+    /** Releases the control list and the buffer; the controls themselves are untouched. */
     ~Form() override;
 
-    /** @brief Stores a changed focus; gaining it draws the form once, losing it draws nothing.
+    /** Stores a changed focus; gaining it draws the form once, losing it draws nothing.
      *  Setting the current value again does nothing. */
     void setFocus(bool focus) override;
-    /** @brief The focus flag. */
+    /** The focus flag. */
     bool getFocus() const override;
 
     /**
-     * @brief Places `control` on the form (after the controls already there).
+     * Places `control` on the form (after the controls already there).
      *
      * Installs on the control an on-draw callback that writes the text of line 0 of the
      * control's buffer into the form's buffer at the control's location (inversion and further
@@ -59,16 +59,16 @@ public:
      */
     bool addControl(Control* control);
 
-    /** @brief Clears the buffer, draws every visible control in insertion order (later controls
+    /** Clears the buffer, draws every visible control in insertion order (later controls
      *  overwrite earlier ones) and hands the buffer to the provider. Does nothing without focus.
      */
     void draw();
 
-    /** @brief The form's screen as composed by the last draw (blank before it). */
+    /** The form's screen as composed by the last draw (blank before it). */
     frontpanelhw::drawing::DisplayBuffer const& getDisplayBuffer() const;
 
 protected:
-    /** @brief Takes every occurrence of `control` off the form and leaves the control's
+    /** Takes every occurrence of `control` off the form and leaves the control's
      *  callbacks in place; false when it was not on the form. Nothing is redrawn. */
     bool removeControl(Control const* control);
 

@@ -12,10 +12,10 @@
 namespace yxfrontpanel {
 
 /**
- * @brief The menu entry that edits an IPv4 address: the line shows the item's name; the action
- *        key opens a full-screen `IpAddressEditor` titled with the name, and a second action key
- *        applies the edited address (the callback of `connectEditor` hears its dotted text) and,
- *        unless `setCloseAfterApply(false)`, returns to the menu.
+ * The menu entry that edits an IPv4 address: the line shows the item's name; the action
+ * key opens a full-screen `IpAddressEditor` titled with the name, and a second action key
+ * applies the edited address (the callback of `connectEditor` hears its dotted text) and,
+ * unless `setCloseAfterApply(false)`, returns to the menu.
  *
  * The editor is editable exactly while the panel is in local mode (`setLocal`, passed in by the
  * menu before every enter). Left and right move the caret only while the editor is open; up and
@@ -28,7 +28,7 @@ namespace yxfrontpanel {
  */
 class YXFP_EXPORT IpAddressEditorMenuItem : public MenuItem {
 public:
-    /** @brief An item named `text` owning an `IpAddressEditor(provider, text)` as its form;
+    /** An item named `text` owning an `IpAddressEditor(provider, text)` as its form;
      *  closing after apply. */
     IpAddressEditorMenuItem(IDrawingProvider const& provider, std::u16string const& text);
     IpAddressEditorMenuItem(IpAddressEditorMenuItem const&) = delete;
@@ -38,35 +38,35 @@ public:
     ~IpAddressEditorMenuItem() override;
 
     /**
-     * @brief Editor closed: opens it (`MenuItem::enter()`, refused while unavailable) and
-     *        returns that answer. Editor open: the editor's `apply()` (reporting only while
-     *        editable), then closes it (`MenuItem::exit()`, false) or, with
-     *        `setCloseAfterApply(false)`, keeps it open (`MenuItem::enter()`, false).
+     * Editor closed: opens it (`MenuItem::enter()`, refused while unavailable) and
+     * returns that answer. Editor open: the editor's `apply()` (reporting only while
+     * editable), then closes it (`MenuItem::exit()`, false) or, with
+     * `setCloseAfterApply(false)`, keeps it open (`MenuItem::enter()`, false).
      * @throws std::bad_function_call when applying while editable without a connected callback.
      */
     bool enter() override;
-    /** @brief Makes the editor editable (true) or read-only (false). */
+    /** Makes the editor editable (true) or read-only (false). */
     void setLocal(bool local) override;
-    /** @brief Editor open: moves the caret one digit left and returns true; closed: false. */
+    /** Editor open: moves the caret one digit left and returns true; closed: false. */
     bool left() override;
-    /** @brief Editor open: moves the caret one digit right and returns true; closed: false. */
+    /** Editor open: moves the caret one digit right and returns true; closed: false. */
     bool right() override;
-    /** @brief Hands +1 to the editor's `changeValue`, whatever its state; true when the editor
+    /** Hands +1 to the editor's `changeValue`, whatever its state; true when the editor
      *  is open and editable. */
     bool up() override;
-    /** @brief Hands -1 to the editor's `changeValue`, whatever its state; true when the editor
+    /** Hands -1 to the editor's `changeValue`, whatever its state; true when the editor
      *  is open and editable. */
     bool down() override;
 
-    /** @brief Sets the address from dotted text (committed and shown); text that does not parse
+    /** Sets the address from dotted text (committed and shown); text that does not parse
      *  sets 0.0.0.0 and yields false. */
     bool setValue(std::string const& text);
-    /** @brief Replaces the editor's apply callback by a copy of `onApply`. */
+    /** Replaces the editor's apply callback by a copy of `onApply`. */
     void connectEditor(std::function<void(std::string const&)> const& onApply);
-    /** @brief Whether the action key on the open editor closes it after applying (default
+    /** Whether the action key on the open editor closes it after applying (default
      *  true). */
     void setCloseAfterApply(bool close);
-    /** @brief The owned editor. */
+    /** The owned editor. */
     IpAddressEditor& getEditor() const;
 
 private:

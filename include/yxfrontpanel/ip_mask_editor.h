@@ -10,7 +10,7 @@
 namespace yxfrontpanel {
 
 /**
- * @brief A ready-made radio group for choosing an IPv4 network mask by its prefix length.
+ * A ready-made radio group for choosing an IPv4 network mask by its prefix length.
  *
  * The sub-menu lists 21 masks in ascending prefix order, each as mask text, " | /" and the
  * prefix length ("255.255.255.0 | /24"): 0, 4, 8, 12 and 16, then every length from 17 to 32.
@@ -24,17 +24,17 @@ namespace yxfrontpanel {
  */
 class YXFP_EXPORT IpMaskEditor : public RadioTreeMenuItem {
 public:
-    /** @brief A mask editor named `text` (its line in the parent menu) with all 21 choices. */
+    /** A mask editor named `text` (its line in the parent menu) with all 21 choices. */
     IpMaskEditor(IDrawingProvider const& provider, std::u16string const& text);
     ~IpMaskEditor() override;
 
-    /** @brief Fills the prefix-to-mask table; does nothing when it already holds any entry. */
+    /** Fills the prefix-to-mask table; does nothing when it already holds any entry. */
     void initBitToMaskMap();
-    /** @brief Adds one choice per table entry, in ascending prefix order. Called once by the
+    /** Adds one choice per table entry, in ascending prefix order. Called once by the
      *  constructor; a further call lists every mask a second time in the sub-menu while the
      *  group keeps the first choices. */
     void initElementsFromMap();
-    /** @brief The prefix-to-mask table (prefix length to dotted mask text). */
+    /** The prefix-to-mask table (prefix length to dotted mask text). */
     std::map<int, std::u16string> const& getBitToMaskMap() const;
 
 private:

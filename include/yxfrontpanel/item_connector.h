@@ -10,9 +10,9 @@
 namespace yxfrontpanel {
 
 /**
- * @brief A value that the application publishes from any thread, with the function that
- *        carries each publication to its consumer (usually a menu item) and the mutex that
- *        serialises the publications.
+ * A value that the application publishes from any thread, with the function that
+ * carries each publication to its consumer (usually a menu item) and the mutex that
+ * serialises the publications.
  *
  * After `changedCb(f)`, `callback` locks `mutex`, calls `f` with the new value and only then
  * stores it in `value`, so `value` changes only once the consumer has accepted it and
@@ -24,17 +24,17 @@ namespace yxfrontpanel {
 template <class T>
 class YXFP_EXPORT CallbackValue {
 public:
-    /** @brief The current value (value-initialised); read it with `get()` while others
+    /** The current value (value-initialised); read it with `get()` while others
      *  publish. */
     T value{};
-    /** @brief Publishes a new value; empty until `changedCb`. */
+    /** Publishes a new value; empty until `changedCb`. */
     std::function<void(T)> callback;
-    /** @brief Serialises publications and guards `value`. */
+    /** Serialises publications and guards `value`. */
     std::mutex mutex;
 
     /**
-     * @brief Replaces `callback` by a function that, for a new value v, locks `mutex`, calls
-     *        `f(v)`, stores v in `value` and unlocks.
+     * Replaces `callback` by a function that, for a new value v, locks `mutex`, calls
+     * `f(v)`, stores v in `value` and unlocks.
      *
      * Publishing through it throws `std::bad_function_call` when `f` is empty (the mutex is
      * released and `value` is unchanged) and `std::system_error` when the mutex cannot be
@@ -48,7 +48,7 @@ public:
         };
     }
 
-    /** @brief Publishes `v`: through `callback` when one is installed, otherwise by storing it
+    /** Publishes `v`: through `callback` when one is installed, otherwise by storing it
      *  under the mutex. */
     void set(T v) {
         if (callback) {
@@ -59,7 +59,7 @@ public:
         value = v;
     }
 
-    /** @brief The current value, read under the mutex. */
+    /** The current value, read under the mutex. */
     T get() {
         std::lock_guard<std::mutex> const lock(mutex);
         return value;
@@ -69,14 +69,14 @@ public:
 /** Functions that wire menu items to the application's values in one call. */
 namespace itemconnector {
 
-/** @brief A setter that does nothing, for callers that have no use for one of the two `bool`
+/** A setter that does nothing, for callers that have no use for one of the two `bool`
  *  setters `valueEditor` hands out (note that `valueEditor` overwrites what it is given). One
  *  per translation unit. */
 static std::function<void(bool)> voidBoolDefault = [](bool /*unused*/) {};
 
 /**
- * @brief Wires a value editor item to the application's values, in this order: the minimum, the
- *        maximum, the value, the visibility setter, the editor-mode setter, the apply callback.
+ * Wires a value editor item to the application's values, in this order: the minimum, the
+ * maximum, the value, the visibility setter, the editor-mode setter, the apply callback.
  *
  * For `T = std::function<void(double)>`: `minValue`, `maxValue` and `value` are overwritten
  * with functions calling the item's `setMinValue`, `setMaxValue` and `setValue`.
@@ -95,18 +95,20 @@ void valueEditor(T& value, T& minValue, T& maxValue, std::function<void(double)>
                  ValueEditorMenuItem& item, std::function<void(bool)>& setVisible,
                  std::function<void(bool)>& setEditorMode);
 
+/** `valueEditor` for values read and written through plain functions. */
 extern template YXFP_EXPORT void valueEditor<std::function<void(double)>>(
     std::function<void(double)>& value, std::function<void(double)>& minValue,
     std::function<void(double)>& maxValue, std::function<void(double)> const& onApply,
     ValueEditorMenuItem& item, std::function<void(bool)>& setVisible,
     std::function<void(bool)>& setEditorMode);
 
+/** `valueEditor` for values published through `CallbackValue`s. */
 extern template YXFP_EXPORT void valueEditor<CallbackValue<double>>(
     CallbackValue<double>& value, CallbackValue<double>& minValue, CallbackValue<double>& maxValue,
     std::function<void(double)> const& onApply, ValueEditorMenuItem& item,
     std::function<void(bool)>& setVisible, std::function<void(bool)>& setEditorMode);
 
-/** @brief A function through which the application pushes a new value key into `item` (its
+/** A function through which the application pushes a new value key into `item` (its
  *  `setValue(int)`). It holds a plain reference to `item`, which must outlive it. */
 YXFP_EXPORT std::function<void(int)> inlineEditor(InlineEditorMenuItem& item);
 

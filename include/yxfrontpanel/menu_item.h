@@ -40,7 +40,9 @@ YXFP_EXPORT void sleep_for(  // NOLINT(readability-identifier-naming)
  *  or presses keys on the same menu; everything else belongs to the key thread. */
 class YXFP_EXPORT MenuItem : public Control {
 public:
+    /** Receives true when the item's form takes the focus, false when it gives it back. */
     using FocusChangedCallback = std::function<void(bool)>;
+    /** Receives the item's new visibility. */
     using VisibleChangedCallback = std::function<void(bool)>;
 
     /** An item named `text` at (0, 0) of size (0, 0), available, not selected, without form;

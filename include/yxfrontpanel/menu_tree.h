@@ -67,10 +67,10 @@ public:
  *    false and calls nothing;
  *  - `backToMenu` without the focus and without a selected item calls nothing and returns
  *    false;
- *  - `moveUp`, `moveDown` on a tree with no selected item never touch an item; `moveUp` on a
- *    focused tree that was never filled (or was just cleared) still moves its cursor index from
- *    1 to 0 and draws the blank screen once, as its cursor rule says, and from then on does
- *    nothing;
+ *  - keys on a focused empty tree (never filled, just cleared, or every item hidden) do
+ *    nothing: `moveUp` and `moveDown` neither move the cursor nor draw, `left`, `right` and
+ *    `action` return false, `backToMenu` returns true; on an unfocused tree without a selected
+ *    item no key touches an item;
  *  - a panel of 0 columns gives item lines of length 0 instead of a wrapped-around width.
  *  Adding or clearing items while an item's form is open moves the cursor to the top, so the
  *  keys then reach the first item; change the item lists while the tree is active or unfocused.
@@ -181,7 +181,9 @@ private:
 class YXFP_EXPORT MenuTreeFactory {
 public:
     MenuTreeFactory() = default;
+    /** Factories hold no state; copies are interchangeable. */
     MenuTreeFactory(MenuTreeFactory const&) = default;
+    /** Factories hold no state; copies are interchangeable. */
     MenuTreeFactory& operator=(MenuTreeFactory const&) = default;
     virtual ~MenuTreeFactory();
 

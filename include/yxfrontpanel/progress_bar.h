@@ -37,8 +37,11 @@ public:
     /** Sets the bar text (which draws when it changed). */
     void updateControl();
 
+    /** The value as last set. */
     int getValue() const;
+    /** The value of an empty bar. */
     int getMin() const;
+    /** The value of a full bar. */
     int getMax() const;
 
 private:
@@ -52,6 +55,8 @@ private:
  *  render into a private line that becomes the widget's own label text. */
 class YXFP_EXPORT PowerWidget : public Label {
 public:
+    /** A widget at `position`, barWidth + textWidth + 1 columns wide: `symbol`, a bar from `min`
+     *  to `max` showing 0, and `text` right-aligned in the last `textWidth` columns. */
     PowerWidget(drawing::Point position, unsigned barWidth, unsigned textWidth, int min, int max,
                 char16_t symbol, std::u16string const& text);
     ~PowerWidget() override;

@@ -15,8 +15,8 @@ class Label;
 class ProgressBar;
 
 /**
- * @brief A full-screen form choosing an integer from a short range by moving a cursor along a
- *        bar with the left and right keys.
+ * A full-screen form choosing an integer from a short range by moving a cursor along a
+ * bar with the left and right keys.
  *
  * For a panel of W columns, caption width a, bar width b and minimum c:
  * - line 0: ">> title <<" centred over the whole width;
@@ -45,8 +45,8 @@ class ProgressBar;
 class YXFP_EXPORT Slider : public Form {
 public:
     /**
-     * @brief Builds the layout on `provider` (see the class comment); editor mode off, committed
-     *        value 0, no callback. Draws nothing (no focus yet).
+     * Builds the layout on `provider` (see the class comment); editor mode off, committed
+     * value 0, no callback. Draws nothing (no focus yet).
      * @throws std::out_of_range "Labels and Bar does not fit into line!" when
      *         barWidth + 2 * captionWidth exceeds the provider's width; no control is made then.
      */
@@ -57,53 +57,53 @@ public:
     Slider& operator=(Slider const&) = delete;
     Slider(Slider&&) = delete;
     Slider& operator=(Slider&&) = delete;
-    /** @brief Destroys the controls, then the form. */
+    /** Destroys the controls, then the form. */
     ~Slider() override;
 
-    /** @brief Losing the focus draws nothing. Gaining it first drops uncommitted moves (shows
+    /** Losing the focus draws nothing. Gaining it first drops uncommitted moves (shows
      *  the committed value again, unless that value is outside the range), then draws once. */
     void setFocus(bool focus) override;
 
-    /** @brief Shows `value` and commits it; false, changing nothing, outside the range. */
+    /** Shows `value` and commits it; false, changing nothing, outside the range. */
     bool setValue(int value);
-    /** @brief Shows `value` without committing it: bar, "Val:<value>" and scale, drawn once
+    /** Shows `value` without committing it: bar, "Val:<value>" and scale, drawn once
      *  when the form has the focus. False, changing nothing, outside the range. */
     bool setValueInternal(int value);
-    /** @brief `moveCursor(-1)`. */
+    /** `moveCursor(-1)`. */
     bool moveLeft();
-    /** @brief `moveCursor(+1)`. */
+    /** `moveCursor(+1)`. */
     bool moveRight();
-    /** @brief In editor mode shows the value `delta` away from the shown one; false (nothing)
+    /** In editor mode shows the value `delta` away from the shown one; false (nothing)
      *  outside editor mode or past either end (no wrap-around). */
     bool moveCursor(int delta);
-    /** @brief The value shown: the bar's value minus 1. */
+    /** The value shown: the bar's value minus 1. */
     int getBarValCorrected() const;
-    /** @brief Commits the shown value (always); in editor mode then calls the callback, if one
+    /** Commits the shown value (always); in editor mode then calls the callback, if one
      *  is set, with it. */
     void apply();
-    /** @brief Stores the editor mode and rebuilds the scale for the committed value, which shows
+    /** Stores the editor mode and rebuilds the scale for the committed value, which shows
      *  (on) or hides (off) the arrow; drawn at once when the form has the focus. */
     void setEditorMode(bool on);
-    /** @brief The editor-mode flag. */
+    /** The editor-mode flag. */
     bool getEditorMode() const;
-    /** @brief The committed value. */
+    /** The committed value. */
     int getValue() const;
-    /** @brief Replaces the commit callback (the previous one is destroyed). */
+    /** Replaces the commit callback (the previous one is destroyed). */
     void setCallback(std::function<void(int)> callback);
 
-    /** @brief The scale text: for i from the bar's minimum up to, not including, the bar's
+    /** The scale text: for i from the bar's minimum up to, not including, the bar's
      *  width, 0x1E when i equals `position` in editor mode, else an apostrophe. */
     std::u16string createCursor(int position) const;
 
-    /** @brief (Re)creates the headline: line 0, `width` wide, ">> title <<" centred. A control
+    /** (Re)creates the headline: line 0, `width` wide, ">> title <<" centred. A control
      *  built earlier by this call is taken off the form and destroyed; the form is redrawn when
      *  it has the focus. */
     void initHeadline(unsigned width, std::u16string const& title);
-    /** @brief (Re)creates line 1: the two captions and the bar (range minimum..minimum +
+    /** (Re)creates line 1: the two captions and the bar (range minimum..minimum +
      *  barWidth, showing `minimum`), replacing earlier ones as `initHeadline` does. */
     void initBarLine(unsigned captionWidth, unsigned barWidth, int minimum,
                      std::u16string const& minCaption, std::u16string const& maxCaption);
-    /** @brief (Re)creates line 2: the scale for the bar's minimum and "Val:0", replacing earlier
+    /** (Re)creates line 2: the scale for the bar's minimum and "Val:0", replacing earlier
      *  ones as `initHeadline` does. Needs the bar line. */
     void initScaleLine(unsigned captionWidth, unsigned barWidth);
 

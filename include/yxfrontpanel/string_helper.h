@@ -9,7 +9,7 @@
 namespace yxfrontpanel::stringhelper {
 
 /**
- * @brief Widens every byte of @p text to one UTF-16 code unit of the same value (0..255).
+ * Widens every byte of @p text to one UTF-16 code unit of the same value (0..255).
  *
  * No character-set decoding happens: bytes 0x80..0xFF become U+0080..U+00FF and multi-byte UTF-8
  * sequences are widened byte by byte. The length is kept.
@@ -17,21 +17,21 @@ namespace yxfrontpanel::stringhelper {
 YXFP_EXPORT std::u16string toU16(std::string const& text);
 
 /**
- * @brief Narrows every code unit of @p text to one byte by keeping its low 8 bits.
+ * Narrows every code unit of @p text to one byte by keeping its low 8 bits.
  *
  * The high byte is dropped (U+20AC becomes 0xAC). The length is kept.
  */
 YXFP_EXPORT std::string toStr(std::u16string const& text);
 
 /**
- * @brief Removes, in place, all trailing spaces, line feeds, carriage returns and tabs.
+ * Removes, in place, all trailing spaces, line feeds, carriage returns and tabs.
  *
  * A text made only of these characters becomes empty; leading whitespace is never touched.
  */
 YXFP_EXPORT void rTrim(std::u16string& text);
 
 /**
- * @brief Replaces the contents of @p parts with the pieces of @p text between @p delimiter.
+ * Replaces the contents of @p parts with the pieces of @p text between @p delimiter.
  *
  * Every delimiter ends one piece, and the rest after the last delimiter is always appended, so
  * adjacent delimiters give empty pieces, a trailing delimiter gives a trailing empty piece and an
@@ -43,8 +43,8 @@ YXFP_EXPORT unsigned split(std::u16string const& text, std::vector<std::u16strin
                            char16_t delimiter);
 
 /**
- * @brief Greedily wraps one line without line feeds at its spaces into lines shorter than
- *        @p width, appending every finished line to @p lines.
+ * Greedily wraps one line without line feeds at its spaces into lines shorter than
+ * @p width, appending every finished line to @p lines.
  *
  * Words are never cut. A line without spaces is appended unchanged, however long, and the result
  * is empty. Otherwise a word joins the current line only while word length plus current length
@@ -59,7 +59,7 @@ YXFP_EXPORT std::u16string SplitLineAtWhitespaces(  // NOLINT(readability-identi
     std::u16string const& line, unsigned width, std::vector<std::u16string>& lines);
 
 /**
- * @brief Wraps @p text into lines for a view @p width characters wide.
+ * Wraps @p text into lines for a view @p width characters wide.
  *
  * The text is split at line feeds. A piece that fits the width is right-trimmed and kept (an
  * empty piece gives an empty line, so a trailing line feed yields a final empty line, and the

@@ -12,19 +12,19 @@ namespace yxfrontpanel {
 
 class Label;
 
-/** @brief A centred one-line label of `width` cells at `position` showing `text`, every byte
+/** A centred one-line label of `width` cells at `position` showing `text`, every byte
  *  widened to one code unit (no decoding). A text longer than `width` shows nothing (the
  *  centred-label rule). */
 YXFP_EXPORT std::unique_ptr<Label> createLine(std::string const& text, drawing::Point position,
                                               unsigned width);
 
-/** @brief The confirm hint of a dialog: a right-aligned label of `width` cells at column
+/** The confirm hint of a dialog: a right-aligned label of `width` cells at column
  *  `width + 1` of line 2 showing "OK: " followed by `okText` (widened byte by byte). */
 YXFP_EXPORT std::unique_ptr<Label> createOkLbl(unsigned width, std::string const& okText);
 
 /**
- * @brief A full-screen confirmation: two centred message lines and, on line 2, the key hints
- *        "BACK: Cancel" and "OK: <word>".
+ * A full-screen confirmation: two centred message lines and, on line 2, the key hints
+ * "BACK: Cancel" and "OK: <word>".
  *
  * For a panel of W columns and H = W / 2 (rounded down) the cancel hint covers columns 0..H-1
  * (left-aligned, so on narrow panels it is cut: "BACK: Canc" when H is 10), column H stays
@@ -38,7 +38,7 @@ YXFP_EXPORT std::unique_ptr<Label> createOkLbl(unsigned width, std::string const
  */
 class YXFP_EXPORT UserDialog : public Form {
 public:
-    /** @brief Lays out the four labels on `provider`'s width and adds them in the order first
+    /** Lays out the four labels on `provider`'s width and adds them in the order first
      *  line, second line, cancel hint, confirm hint. Draws nothing (no focus yet). Any texts are
      *  accepted. */
     UserDialog(IDrawingProvider const& provider, std::string const& firstLine,
@@ -47,7 +47,7 @@ public:
     UserDialog& operator=(UserDialog const&) = delete;
     UserDialog(UserDialog&&) = delete;
     UserDialog& operator=(UserDialog&&) = delete;
-    /** @brief Destroys the labels, then the form. */
+    /** Destroys the labels, then the form. */
     ~UserDialog() override;
 
 private:

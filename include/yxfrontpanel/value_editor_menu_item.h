@@ -13,11 +13,11 @@
 namespace yxfrontpanel {
 
 /**
- * @brief The menu entry that edits one number: the action key opens a full-screen
- *        `ValueEditor` titled with the item's name; left and right move the caret, up and down
- *        step the digit under it, and a second action key commits the value through the
- *        callback given to `connectEditor` and, unless `setCloseAfterApply(false)`, returns to
- *        the menu.
+ * The menu entry that edits one number: the action key opens a full-screen
+ * `ValueEditor` titled with the item's name; left and right move the caret, up and down
+ * step the digit under it, and a second action key commits the value through the
+ * callback given to `connectEditor` and, unless `setCloseAfterApply(false)`, returns to
+ * the menu.
  *
  * The editor may change the value only while editing is wanted (`setEditorMode`, true after
  * construction) and the panel is in local mode (`setLocal`, false after construction, passed in
@@ -37,7 +37,7 @@ namespace yxfrontpanel {
  */
 class YXFP_EXPORT ValueEditorMenuItem : public MenuItem {
 public:
-    /** @brief An item named `text` owning a `ValueEditor(provider, text, minValue, maxValue)`
+    /** An item named `text` owning a `ValueEditor(provider, text, minValue, maxValue)`
      *  as its form; editing wanted, not local, closing after apply. */
     ValueEditorMenuItem(IDrawingProvider const& provider, std::u16string const& text,
                         double minValue, double maxValue);
@@ -48,47 +48,47 @@ public:
     ~ValueEditorMenuItem() override;
 
     /**
-     * @brief Editor closed: opens it (`MenuItem::enter()`, refused while unavailable) and
-     *        returns that answer. Editor open: the editor's `apply()` (committing and reporting
-     *        only while editable), then closes it (`MenuItem::exit()`, false) or, with
-     *        `setCloseAfterApply(false)`, keeps it open (`MenuItem::enter()`, false).
+     * Editor closed: opens it (`MenuItem::enter()`, refused while unavailable) and
+     * returns that answer. Editor open: the editor's `apply()` (committing and reporting
+     * only while editable), then closes it (`MenuItem::exit()`, false) or, with
+     * `setCloseAfterApply(false)`, keeps it open (`MenuItem::enter()`, false).
      * @throws std::bad_function_call when applying while editable without a connected callback.
      */
     bool enter() override;
-    /** @brief Stores the local-mode flag; the editor becomes editable exactly while editing is
+    /** Stores the local-mode flag; the editor becomes editable exactly while editing is
      *  wanted and the panel is local (through the virtual `setEditorMode`). */
     void setLocal(bool isLocal) override;
-    /** @brief Editor open: moves the caret one digit left and returns true; closed: false. */
+    /** Editor open: moves the caret one digit left and returns true; closed: false. */
     bool left() override;
-    /** @brief Editor open: moves the caret one digit right and returns true; closed: false. */
+    /** Editor open: moves the caret one digit right and returns true; closed: false. */
     bool right() override;
-    /** @brief Hands +1 to the editor's `changeValue` (ignored unless it is open and editable);
+    /** Hands +1 to the editor's `changeValue` (ignored unless it is open and editable);
      *  true when the editor is open and editable. */
     bool up() override;
-    /** @brief Hands -1 to the editor's `changeValue` (ignored unless it is open and editable);
+    /** Hands -1 to the editor's `changeValue` (ignored unless it is open and editable);
      *  true when the editor is open and editable. */
     bool down() override;
 
-    /** @brief The editor's `setValue`: shown at once; committed unless the editor is open. */
+    /** The editor's `setValue`: shown at once; committed unless the editor is open. */
     virtual void setValue(double value);
-    /** @brief The editor's `setMinValue`. */
+    /** The editor's `setMinValue`. */
     virtual void setMinValue(double value);
-    /** @brief The editor's `setMaxValue`. */
+    /** The editor's `setMaxValue`. */
     virtual void setMaxValue(double value);
-    /** @brief The editor's `setUnit` (shown from the next value drawn). */
+    /** The editor's `setUnit` (shown from the next value drawn). */
     virtual void setUnit(std::u16string const& unit);
-    /** @brief Stores whether editing is wanted; the editor becomes editable exactly when `mode`
+    /** Stores whether editing is wanted; the editor becomes editable exactly when `mode`
      *  and the local flag are both true. */
     virtual void setEditorMode(bool mode);
 
-    /** @brief The editor's number of decimals, used from the next value drawn. */
+    /** The editor's number of decimals, used from the next value drawn. */
     void setPrecision(unsigned int precision);
-    /** @brief Replaces the editor's apply callback by a copy of `onApply`. */
+    /** Replaces the editor's apply callback by a copy of `onApply`. */
     void connectEditor(std::function<void(double)> const& onApply);
-    /** @brief Whether the action key on the open editor closes it after applying (default
+    /** Whether the action key on the open editor closes it after applying (default
      *  true). */
     void setCloseAfterApply(bool close);
-    /** @brief The owned editor. */
+    /** The owned editor. */
     ValueEditor& getEditor() const;
 
 private:

@@ -98,7 +98,8 @@ void MenuTree::moveUp() {
         }
         return;
     }
-    if (selectedIndex_ == 0) {
+    // Index 0 is the top; an index past the end means no item is selected (an empty tree).
+    if (selectedIndex_ == 0 || selectedIndex_ >= visibleItems_.size()) {
         return;
     }
     markItem(selectedIndex_, false);

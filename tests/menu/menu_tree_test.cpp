@@ -528,13 +528,24 @@ TEST(MenuTreeTest, FocusedEmptyTreeIgnoresKeys) {
     EXPECT_EQ(menu.provider.drawCount(), 1U);
 }
 
-TEST(MenuTreeTest, MoveUpOnAFreshEmptyTreeRedrawsTheBlankScreenOnce) {
+TEST(MenuTreeTest, MoveUpOnAFocusedEmptyTreeDoesNothing) {
     TestMenu menu(21, 4);
     menu.tree->setFocus(true);
     menu.tree->moveUp();
     menu.tree->moveUp();
-    EXPECT_EQ(menu.provider.drawCount(), 2U);
+    EXPECT_EQ(menu.provider.drawCount(), 1U);
     EXPECT_EQ(menu.provider.screen(), Screen(4, std::u16string(21, u' ')));
+    EXPECT_EQ(menu.menuTree().selectedItem(), nullptr);
+}
+
+TEST(MenuTreeTest, MoveUpOnAFocusedClearedTreeDoesNothing) {
+    NumberedMenu menu(3);
+    menu.tree->clearItems();
+    menu.provider.reset();
+    for (Key key : {Key::Up, Key::Up, Key::Down}) {
+        press(*menu.tree, key);
+    }
+    EXPECT_EQ(menu.provider.drawCount(), 0U);
     EXPECT_EQ(menu.menuTree().selectedItem(), nullptr);
 }
 

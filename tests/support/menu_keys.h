@@ -1,5 +1,7 @@
 #pragma once
 
+#include <frontpanelhw/key_source.h>
+#include <yxfrontpanel/apply_key.h>
 #include <yxfrontpanel/menu_tree.h>
 
 #include <initializer_list>
@@ -31,27 +33,29 @@ inline char const* keyName(Key key) {
 
 inline std::ostream& operator<<(std::ostream& stream, Key key) { return stream << keyName(key); }
 
-/** Feeds one key to a menu tree the way an application maps its keys: up to moveUp, down to
- *  moveDown, left to left, right to right, enter to action, back to backToMenu. Returns the
- *  operation's answer; up and down have none and give false. */
-inline bool press(yxfrontpanel::IMenuTree& tree, Key key) {
+/** The panel key `key` stands for. */
+inline frontpanelhw::PanelKey panelKey(Key key) {
     switch (key) {
         case Key::Up:
-            tree.moveUp();
-            return false;
+            return frontpanelhw::PanelKey::Up;
         case Key::Down:
-            tree.moveDown();
-            return false;
+            return frontpanelhw::PanelKey::Down;
         case Key::Left:
-            return tree.left();
+            return frontpanelhw::PanelKey::Left;
         case Key::Right:
-            return tree.right();
+            return frontpanelhw::PanelKey::Right;
         case Key::Enter:
-            return tree.action();
+            return frontpanelhw::PanelKey::Enter;
         case Key::Back:
-            return tree.backToMenu();
+            return frontpanelhw::PanelKey::Back;
     }
-    return false;
+    return frontpanelhw::PanelKey::Up;
+}
+
+/** Feeds one key to a menu tree with the toolkit's own mapping (`yxfrontpanel::applyKey`) and
+ *  returns the operation's answer; up and down have none and give false. */
+inline bool press(yxfrontpanel::IMenuTree& tree, Key key) {
+    return yxfrontpanel::applyKey(tree, panelKey(key));
 }
 
 /** Presses the keys in order. */

@@ -1,57 +1,35 @@
 #pragma once
 
 #include <frontpanelhw/display_types.h>
-#include <yxfrontpanel/drawing_provider.h>
+#include <yxfrontpanel/testing/frame_text.h>
+#include <yxfrontpanel/testing/recording_display.h>
 
 #include <cstddef>
-#include <mutex>
 #include <string>
 #include <vector>
 
 namespace yxfp_test {
 
-/** A drawing provider for tests: a panel of a given size that keeps every frame it is handed,
- *  so a test can compare whole screens, inversion and the number of draws. */
-class RecordingProvider : public yxfrontpanel::IDrawingProvider {
-public:
-    RecordingProvider(unsigned chars, unsigned lines);
-
-    void enableDrawing(bool enable) override;
-    bool draw(frontpanelhw::drawing::DisplayBuffer const& buffer) const override;
-    unsigned getLines() const override;
-    unsigned getChars() const override;
-
-    /** Number of frames handed over so far. */
-    std::size_t drawCount() const;
-    /** A copy of every frame, oldest first. */
-    std::vector<frontpanelhw::drawing::DisplayBuffer> frames() const;
-    /** The newest frame; a blank panel before the first draw. */
-    frontpanelhw::drawing::DisplayBuffer lastFrame() const;
-    /** Line `line` of the newest frame. */
-    std::u16string line(unsigned line) const;
-    /** All lines of the newest frame. */
-    std::vector<std::u16string> screen() const;
-    /** Inversion of line `line` of the newest frame, one character a cell: '#' inverted, '.' not.
-     */
-    std::string inversion(unsigned line) const;
-    /** Forgets the frames recorded so far (the draw count starts again from 0). */
-    void reset();
-
-private:
-    unsigned chars_;
-    unsigned lines_;
-    bool enabled_ = true;
-    mutable std::mutex mutex_;
-    mutable std::vector<frontpanelhw::drawing::DisplayBuffer> frames_;
-};
+/** The installed kit's recording display under the name the suites grew up with. */
+using RecordingProvider = yxfrontpanel::testing::RecordingDisplay;
 
 /** All lines of `buffer`. */
-std::vector<std::u16string> screenOf(frontpanelhw::drawing::DisplayBuffer const& buffer);
+inline std::vector<std::u16string> screenOf(frontpanelhw::drawing::DisplayBuffer const& buffer) {
+    return yxfrontpanel::testing::screenLines(buffer);
+}
 /** Inversion of one line of `buffer`: '#' for an inverted cell, '.' otherwise. */
-std::string inversionOf(frontpanelhw::drawing::DisplayBuffer const& buffer, unsigned line);
+inline std::string inversionOf(frontpanelhw::drawing::DisplayBuffer const& buffer, unsigned line) {
+    return yxfrontpanel::testing::inversionMask(buffer.getLine(line));
+}
 /** Inversion of a `DisplayLine`, as above. */
-std::string inversionOf(frontpanelhw::drawing::DisplayLine const& line);
+inline std::string inversionOf(frontpanelhw::drawing::DisplayLine const& line) {
+    return yxfrontpanel::testing::inversionMask(line);
+}
 /** `text` cut or padded with blanks to `width` characters: how a panel line shows it. */
-std::u16string padded(std::u16string const& text, std::size_t width);
+inline std::u16string padded(std::u16string const& text, std::size_t width) {
+    std::u16string result = text.substr(0, width);
+    result.resize(width, u' ');
+    return result;
+}
 
 }  // namespace yxfp_test

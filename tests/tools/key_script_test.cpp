@@ -92,4 +92,34 @@ TEST(KeyScriptTest, HelpListsEveryWord) {
     EXPECT_NE(help.find("    wait:SECONDS"), std::string::npos);
 }
 
+TEST(KeyScriptTest, UnknownWordMessageNamesEveryWordAndEscapesControlBytes) {
+    try {
+        parseKeyScript("down \x1b[2Jx");
+        FAIL() << "expected ScriptError";
+    } catch (ScriptError const& error) {
+        EXPECT_STREQ(error.what(),
+                     "unknown key '\\x1B[2Jx' at position 2 of the key script (known: up down "
+                     "left right enter back local remote tick restart wait:SECONDS)");
+    }
+}
+
+TEST(KeyScriptTest, HelpTextIsTheSimulatorsWordList) {
+    EXPECT_EQ(frontpanelsim::keyScriptHelp(),
+              "    up      the up key\n"
+              "    down    the down key\n"
+              "    left    the left key\n"
+              "    right   the right key\n"
+              "    enter   the enter (action) key\n"
+              "    back    the back key\n"
+              "    local   switch to local mode (front-panel edits allowed)\n"
+              "    remote  switch to remote mode (front-panel edits refused)\n"
+              "    tick    let half a second pass (one measurement update)\n"
+              "    restart\n"
+              "            stop the panel and build it again (from the --settings file, if\n"
+              "            any)\n"
+              "    wait:SECONDS\n"
+              "            let SECONDS pass (decimals allowed): timers, measurements, the idle\n"
+              "            home screen\n");
+}
+
 }  // namespace

@@ -1,7 +1,7 @@
 #include "ctl_run.h"
 
+#include <frontpanelhw/screen_text.h>
 #include <yxfrontpanel/runtime/scpi_parser.h>
-#include <yxfrontpanel/runtime/screen_print.h>
 
 #include <cstddef>
 #include <ostream>
@@ -60,8 +60,8 @@ void printScreen(LineConnection& connection, std::ostream& out) {
         std::vector<std::string> const ranges = strings(connection.readLine());
         inverted.push_back(ranges.empty() ? std::string{} : ranges.front());
     }
-    out << yxfrontpanel::runtime::formatScreen(lines, inverted,
-                                               lines.empty() ? 0 : characters(lines.front()));
+    out << frontpanelhw::formatScreen(lines, inverted,
+                                      lines.empty() ? 0 : characters(lines.front()));
 }
 
 /** Reads the error queue empty; returns how many errors it held. */

@@ -1,105 +1,101 @@
 #include "key_script.h"
 
+#include <yxfrontpanel/testing/key_script.h>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <locale>
-#include <optional>
 #include <sstream>
-#include <utility>
+#include <stdexcept>
 
 namespace frontpanelsim {
 
 namespace {
 
+using yxfrontpanel::testing::KeyScript;
+
 struct Word {
     char const* text;
     ScriptAction action;
-    char const* meaning;
 };
 
-constexpr std::array<Word, 10> kWords{{
-    {"up", ScriptAction::Up, "the up key"},
-    {"down", ScriptAction::Down, "the down key"},
-    {"left", ScriptAction::Left, "the left key"},
-    {"right", ScriptAction::Right, "the right key"},
-    {"enter", ScriptAction::Enter, "the enter (action) key"},
-    {"back", ScriptAction::Back, "the back key"},
-    {"local", ScriptAction::Local, "switch to local mode (front-panel edits allowed)"},
-    {"remote", ScriptAction::Remote, "switch to remote mode (front-panel edits refused)"},
-    {"tick", ScriptAction::Tick, "let half a second pass (one measurement update)"},
-    {"restart", ScriptAction::Restart,
-     "stop the panel and build it again (from the --settings file, if any)"},
+// Which action each word of the simulator's script stands for; the words themselves, their
+// meanings and the parsing are the testing kit's (`vocabulary`).
+constexpr std::array<Word, 11> kActions{{
+    {"up", ScriptAction::Up},
+    {"down", ScriptAction::Down},
+    {"left", ScriptAction::Left},
+    {"right", ScriptAction::Right},
+    {"enter", ScriptAction::Enter},
+    {"back", ScriptAction::Back},
+    {"local", ScriptAction::Local},
+    {"remote", ScriptAction::Remote},
+    {"tick", ScriptAction::Tick},
+    {"wait", ScriptAction::Wait},
+    {"restart", ScriptAction::Restart},
 }};
 
-constexpr char const* kWaitPrefix = "wait:";
 constexpr double kLongestWaitSeconds = 24 * 3600;
 
-// "wait:2.5" -> 2500 ms; not a wait word: nothing.
-std::optional<std::chrono::milliseconds> parseWait(std::string const& word, std::size_t position) {
-    if (word.rfind(kWaitPrefix, 0) != 0) {
-        return std::nullopt;
-    }
-    std::istringstream text(word.substr(std::string(kWaitPrefix).size()));
+// "2.5" -> 2500 ms. @throws std::invalid_argument for anything but seconds from 0 to 86400.
+std::chrono::milliseconds waitDuration(std::string const& seconds) {
+    std::istringstream text(seconds);
     text.imbue(std::locale::classic());
-    double seconds = -1;
-    if (!(text >> seconds) || text.peek() != std::char_traits<char>::eof() || seconds < 0 ||
-        seconds > kLongestWaitSeconds) {
-        throw ScriptError("bad wait '" + word + "' at position " + std::to_string(position) +
-                          " of the key script: wants seconds from 0 to 86400, e.g. wait:60 or "
-                          "wait:0.25");
+    double value = -1;
+    if (!(text >> value) || text.peek() != std::char_traits<char>::eof() || value < 0 ||
+        value > kLongestWaitSeconds) {
+        throw std::invalid_argument("wants seconds from 0 to 86400, e.g. wait:60 or wait:0.25");
     }
-    return std::chrono::milliseconds{std::llround(seconds * 1000)};
+    return std::chrono::milliseconds{std::llround(value * 1000)};
 }
 
-std::string withoutComments(std::string const& text) {
-    std::string result;
-    bool inComment = false;
-    for (char character : text) {
-        if (character == '#') {
-            inComment = true;
-        } else if (character == '\n') {
-            inComment = false;
-        }
-        result.push_back(inComment ? ' ' : character);
-    }
-    return result;
+// The simulator's words. The script runner performs the steps through their actions
+// (`applyStep`), so the words here only check what they carry.
+KeyScript vocabulary() {
+    KeyScript script([](frontpanelhw::PanelKey) {});
+    auto const nothing = [] {};
+    script.addWord("local", "switch to local mode (front-panel edits allowed)", nothing);
+    script.addWord("remote", "switch to remote mode (front-panel edits refused)", nothing);
+    script.addWord("tick", "let half a second pass (one measurement update)", nothing);
+    script.addWord("restart",
+                   "stop the panel and build it again (from the --settings file, if any)", nothing);
+    script.addWordWithArgument(
+        "wait", "SECONDS",
+        "let SECONDS pass (decimals allowed): timers, measurements, the idle home screen",
+        [](std::string const& seconds) -> KeyScript::Action {
+            (void)waitDuration(seconds);
+            return [] {};
+        });
+    return script;
 }
 
 }  // namespace
 
 std::vector<ScriptStep> parseKeyScript(std::string const& text) {
-    std::istringstream words(withoutComments(text));
+    std::vector<yxfrontpanel::testing::KeyScriptStep> parsed;
+    try {
+        parsed = vocabulary().parse(text);
+    } catch (yxfrontpanel::testing::KeyScriptError const& error) {
+        throw ScriptError(error.what());
+    }
     std::vector<ScriptStep> steps;
-    std::string word;
-    while (words >> word) {
-        std::size_t const position = steps.size() + 1;
-        if (auto const wait = parseWait(word, position)) {
-            steps.push_back(ScriptStep{ScriptAction::Wait, word, position, *wait});
-            continue;
+    steps.reserve(parsed.size());
+    for (auto const& step : parsed) {
+        auto const known =
+            std::find_if(kActions.begin(), kActions.end(),
+                         [&step](Word const& entry) { return step.name == entry.text; });
+        if (known == kActions.end()) {
+            throw std::logic_error("the key word '" + step.name + "' has no action");
         }
-        auto const known = std::find_if(kWords.begin(), kWords.end(),
-                                        [&word](Word const& entry) { return word == entry.text; });
-        if (known == kWords.end()) {
-            throw ScriptError("unknown key '" + word + "' at position " + std::to_string(position) +
-                              " of the key script (known: up down left right enter back local "
-                              "remote tick restart wait:SECONDS)");
-        }
-        steps.push_back(ScriptStep{known->action, word, position});
+        bool const wait = known->action == ScriptAction::Wait;
+        steps.push_back(
+            ScriptStep{known->action, step.word, step.position,
+                       wait ? waitDuration(step.argument) : std::chrono::milliseconds{0}});
     }
     return steps;
 }
 
-std::string keyScriptHelp() {
-    std::ostringstream help;
-    for (Word const& entry : kWords) {
-        help << "    " << entry.text << std::string(8 - std::string(entry.text).size(), ' ')
-             << entry.meaning << '\n';
-    }
-    help << "    wait:SECONDS\n"
-            "            let SECONDS pass (decimals allowed): timers, measurements, the idle\n"
-            "            home screen\n";
-    return help.str();
-}
+std::string keyScriptHelp() { return vocabulary().help(); }
 
 }  // namespace frontpanelsim

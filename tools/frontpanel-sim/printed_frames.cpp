@@ -1,8 +1,8 @@
 #include "printed_frames.h"
 
-#include <ostream>
+#include <frontpanelhw/screen_text.h>
 
-#include "frame_printer.h"
+#include <ostream>
 
 namespace frontpanelsim {
 
@@ -26,7 +26,7 @@ void PrintedFrames::detach() noexcept {
         return;
     }
     for (std::size_t index = first; index < frames_.size(); ++index) {
-        out_ << "frame " << index + 1 << '\n' << formatFrame(frames_[index]);
+        out_ << "frame " << index + 1 << '\n' << frontpanelhw::formatFrame(frames_[index]);
     }
     out_.flush();
 }

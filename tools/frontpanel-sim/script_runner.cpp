@@ -1,6 +1,7 @@
 #include <frontpanelhw/display.h>
 #include <yxbase2/this_thread.h>
 #include <yxfrontpanel/runtime/clock.h>
+#include <yxfrontpanel/testing/frame_text.h>
 
 #include <exception>
 #include <memory>
@@ -8,7 +9,6 @@
 #include <string>
 #include <vector>
 
-#include "frame_printer.h"
 #include "key_script.h"
 #include "measurement_feed.h"
 #include "module_display.h"
@@ -101,8 +101,7 @@ void applyStep(Session& session, ManualClock& clock, ScriptStep const& step) {
 }
 
 void print(FrameLog::Entry const& entry, std::size_t number, std::ostream& out) {
-    out << "frame " << number << " after step " << entry.step << ": " << entry.word << '\n'
-        << formatFrame(entry.frame);
+    out << yxfrontpanel::testing::formatScriptFrame(number, entry.step, entry.word, entry.frame);
 }
 
 }  // namespace

@@ -17,7 +17,6 @@
 #include <yxfrontpanel/runtime/scpi_commands.h>
 #include <yxfrontpanel/runtime/scpi_error.h>
 #include <yxfrontpanel/runtime/scpi_parser.h>
-#include <yxfrontpanel/runtime/screen_print.h>
 #include <yxfrontpanel/runtime/setting_bindings.h>
 #include <yxfrontpanel/runtime/setting_definition.h>
 #include <yxfrontpanel/runtime/settings_store.h>

@@ -2,7 +2,6 @@
 #include <yxfrontpanel/apply_key.h>
 #include <yxfrontpanel/menu_tree.h>
 #include <yxfrontpanel/runtime/remote_panel.h>
-#include <yxfrontpanel/runtime/screen_print.h>
 
 namespace yxfrontpanel::runtime {
 
@@ -19,7 +18,7 @@ std::vector<std::string> IRemotePanel::screenLines() const {
 }
 
 std::string IRemotePanel::invertedColumnsOf(unsigned line) const {
-    return formatColumnRanges(frontpanelhw::invertedRanges(screen(), line));
+    return frontpanelhw::formatColumnRanges(frontpanelhw::invertedRanges(screen(), line));
 }
 
 TreeControl::TreeControl(IMenuTree& tree, frontpanelhw::MemoryDisplay const& display)

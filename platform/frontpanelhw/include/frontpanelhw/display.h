@@ -24,6 +24,7 @@ public:
 /** A display that only remembers what it was shown: for tests, headless runs and simulators. */
 class FRONTPANELHW_EXPORT MemoryDisplay : public IDisplay {
 public:
+    /** A display of `chars` columns and `lines` lines that has drawn nothing yet. */
     MemoryDisplay(unsigned chars, unsigned lines);
     ~MemoryDisplay() override;
 

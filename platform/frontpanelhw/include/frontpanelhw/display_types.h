@@ -11,12 +11,15 @@ namespace frontpanelhw::drawing {
 /** One cell of the panel: a 16-bit character code of the display's character set and whether
  *  the cell is shown inverted. Build it as an aggregate: `DisplayChar{u'A', false}`. */
 struct DisplayChar {
+    /** The code of the display's character set. */
     char16_t character;
+    /** Shown inverted. */
     bool inverted;
 };
 
 /** Cells are equal when both the character and the inverted flag are equal. */
 FRONTPANELHW_EXPORT bool operator==(DisplayChar const& lhs, DisplayChar const& rhs);
+/** The negation of `operator==`. */
 FRONTPANELHW_EXPORT bool operator!=(DisplayChar const& lhs, DisplayChar const& rhs);
 
 /** A row of cells of any length; a copyable value. A line taken from a `DisplayBuffer` has the
@@ -30,9 +33,13 @@ public:
 
     /** An empty line without cells. */
     DisplayLine() = default;
+    /** A copy of the cells of `other`. */
     DisplayLine(DisplayLine const& other);
+    /** Makes the cells a copy of those of `other`. */
     DisplayLine& operator=(DisplayLine const& other);
+    /** Takes the cells of `other`, which is left empty. */
     DisplayLine(DisplayLine&& other) noexcept;
+    /** Takes the cells of `other`, which is left empty. */
     DisplayLine& operator=(DisplayLine&& other) noexcept;
     ~DisplayLine() = default;
 

@@ -10,12 +10,15 @@ namespace frontpanelhw::drawing {
 
 /** The position of one cell of a buffer: column from the left, line from the top. */
 struct CellPosition {
+    /** Column, from 0 at the left. */
     unsigned column;
+    /** Line, from 0 at the top. */
     unsigned line;
 };
 
 /** Positions are equal when column and line are equal. */
 FRONTPANELHW_EXPORT bool operator==(CellPosition const& lhs, CellPosition const& rhs);
+/** The negation of `operator==`. */
 FRONTPANELHW_EXPORT bool operator!=(CellPosition const& lhs, CellPosition const& rhs);
 
 /** The cells of `next` a device has to send again when it last showed `previous`: those whose

@@ -15,14 +15,19 @@ enum class PanelKey { Up, Down, Left, Right, Enter, Back };
  *  change of the terminal's size (repaint the display), or the end of the input (the device
  *  went away or the terminal hung up). Build it with the static functions. */
 struct KeyEvent {
+    /** What was read. */
     enum class Kind { Panel, Character, Resize, Closed };
     /** How a panel key moved. Sources that only know key strokes report presses. */
     enum class Action { Press, Release, Repeat };
 
+    /** What was read. */
     Kind kind;
-    PanelKey panelKey;              // the key when kind is Panel, else PanelKey::Up
-    char32_t character;             // the typed character when kind is Character, else 0
-    Action action = Action::Press;  // for kind Panel; Press for every other kind
+    /** The key when kind is Panel, else PanelKey::Up. */
+    PanelKey panelKey;
+    /** The typed character when kind is Character, else 0. */
+    char32_t character;
+    /** How the key moved, for kind Panel; Press for every other kind. */
+    Action action = Action::Press;
 
     /** One of the six panel keys, pressed unless `action` says otherwise. */
     static constexpr KeyEvent panel(PanelKey key, Action action = Action::Press) {
@@ -48,6 +53,7 @@ struct KeyEvent {
 
 /** Events are equal when kind, panel key, character and action are equal. */
 FRONTPANELHW_EXPORT bool operator==(KeyEvent const& lhs, KeyEvent const& rhs);
+/** The negation of `operator==`. */
 FRONTPANELHW_EXPORT bool operator!=(KeyEvent const& lhs, KeyEvent const& rhs);
 
 /** The lower-case name of a panel key ("up", "down", "left", "right", "enter", "back"). */
@@ -56,8 +62,10 @@ FRONTPANELHW_EXPORT char const* panelKeyName(PanelKey key);
 /** What a key source can tell about its keys. A source that reports releases but no repeats
  *  lets the panel runtime repeat held keys itself. */
 struct KeySourceCapabilities {
-    bool releases = false;  // Action::Release events come when a key is let go
-    bool repeats = false;   // the device itself sends Action::Repeat while a key is held
+    /** Action::Release events come when a key is let go. */
+    bool releases = false;
+    /** The device itself sends Action::Repeat while a key is held. */
+    bool repeats = false;
 };
 
 /** An input device that gives panel keys: a terminal, a Linux input device, GPIO buttons.

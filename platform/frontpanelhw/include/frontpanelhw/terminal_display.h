@@ -17,7 +17,9 @@ class TerminalSession;
 
 /** Where the top-left corner of the panel's frame lies on the terminal: row and column from 0. */
 struct TerminalOrigin {
+    /** Terminal row of the frame's top border. */
     unsigned row = 0;
+    /** Terminal column of the frame's left border. */
     unsigned column = 0;
 };
 

@@ -14,7 +14,9 @@ namespace yxfrontpanel::runtime {
  *  replaceable so that tests and scripted runs move time themselves instead of sleeping. */
 class YXFP_RUNTIME_EXPORT IClock {
 public:
+    /** A moment of the clock's steady time. */
     using TimePoint = std::chrono::steady_clock::time_point;
+    /** A span of the clock's steady time. */
     using Duration = std::chrono::steady_clock::duration;
     /** Called after a clock that moves by hand was moved. */
     using AdvanceListener = std::function<void()>;

@@ -34,6 +34,7 @@ struct PanelOptions {
     /** For sources that report releases but no repeats: how long an arrow key is held before it
      *  repeats, and the time between repeats. Enter and back never repeat. */
     std::chrono::milliseconds repeatDelay{500};
+    /** The time between repeats of a held arrow key (see `repeatDelay`). */
     std::chrono::milliseconds repeatInterval{100};
     /** Stop `run` when every key source added has closed for good (scripted and replayed
      *  input). Off by default: a panel without keys still serves its posts and timers. */
