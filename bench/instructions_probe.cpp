@@ -1,9 +1,7 @@
 // Presses keys a given number of times, for counting instructions per press with callgrind:
 // the difference between two run lengths cancels the set-up cost.
 //   instructions_probe menu|value-editor PRESSES [ITEMS]
-// Also measures the resident memory of a menu in a fresh process, where no freed memory of
-// earlier work hides the growth:
-//   instructions_probe memory ITEMS
+// (The memory of a menu is measured by menu_memory_probe.)
 #include <cstdlib>
 #include <iostream>
 #include <string>
@@ -12,19 +10,8 @@
 
 int main(int argc, char** argv) {
     if (argc < 3) {
-        std::cerr << "usage: instructions_probe menu|value-editor PRESSES [ITEMS]\n"
-                     "       instructions_probe memory ITEMS\n";
+        std::cerr << "usage: instructions_probe menu|value-editor PRESSES [ITEMS]\n";
         return 2;
-    }
-    if (std::string(argv[1]) == "memory") {
-        long const items = std::atol(argv[2]);
-        yxfp_bench::DiscardingProvider const provider(20, 4);
-        std::size_t const before = yxfp_bench::residentBytes();
-        auto menu = yxfp_bench::plainMenu(provider, static_cast<std::size_t>(items));
-        std::size_t const after = yxfp_bench::residentBytes();
-        std::cout << "resident bytes per item: "
-                  << static_cast<double>(after - before) / static_cast<double>(items) << '\n';
-        return 0;
     }
     std::string const what = argv[1];
     long const presses = std::atol(argv[2]);

@@ -1,6 +1,6 @@
 # Runs one scripted walk of frontpanel-sim and compares the printed frames with the checked-in
 # expectation. Variables: SIM (the program), KEYS (the .keys file), EXPECTED (the .expected
-# file). A line "# options: ..." in the key script adds command-line options (e.g. --size 16x2).
+# file), EMULATOR (optional: the command that runs a cross-built SIM, its words joined by '|'). A line "# options: ..." in the key script adds command-line options (e.g. --size 16x2).
 # With the environment variable YXFP_UPDATE_GOLDEN=1 the expectation is rewritten instead.
 file(STRINGS ${KEYS} option_lines REGEX "^# options:")
 set(options "")
@@ -10,8 +10,9 @@ foreach(line IN LISTS option_lines)
     list(APPEND options ${line_options})
 endforeach()
 
+string(REPLACE "|" ";" emulator "${EMULATOR}")
 execute_process(
-    COMMAND ${SIM} --keys-file ${KEYS} --print all ${options}
+    COMMAND ${emulator} ${SIM} --keys-file ${KEYS} --print all ${options}
     OUTPUT_VARIABLE actual
     ERROR_VARIABLE errors
     RESULT_VARIABLE status)
