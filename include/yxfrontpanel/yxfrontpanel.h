@@ -7,6 +7,7 @@
 #include <frontpanelhw/display_types.h>
 #include <frontpanelhw/frame_diff.h>
 #include <frontpanelhw/key_source.h>
+#include <frontpanelhw/screen_text.h>
 #include <frontpanelhw/terminal_display.h>
 #include <frontpanelhw/terminal_keys.h>
 #include <yxbase2/log.h>

@@ -1,120 +1,122 @@
-#include <frontpanelhw/display_types.h>
-#include <yxbase2/this_thread.h>
-#include <yxfrontpanel/drawing_provider.h>
+#include <yxfrontpanel/runtime/panel.h>
 
 #include <gtest/gtest.h>
 
-#include <chrono>
+#include <csignal>
+#include <memory>
 #include <sstream>
-#include <stdexcept>
 
+#include "echo_app.h"
+#include "queued_key_source.h"
 #include "runners.h"
 
 namespace {
 
+using frontpanelhw::KeyEvent;
 using frontpanelhw::PanelKey;
-using frontpanelsim::PrintMode;
-using frontpanelsim::SimOptions;
 
-// Draws one frame per event naming it; "fails" on the back key; sleeps an hour on tick.
-class EchoApp : public frontpanelsim::PanelApp {
+// What an attachment saw of its run; outlives the attachment, which the runner destroys.
+struct Outcome {
+    bool attached = false;
+    bool detached = false;
+    bool signalled = false;
+};
+
+// Adds a key source that gives one key and closes. Once it closed, work posted a turn later
+// sends SIGTERM the way a service manager would: it runs only when the run goes on after the
+// close.
+class KeysThenSignal : public frontpanelsim::Attachment {
 public:
-    explicit EchoApp(yxfrontpanel::IDrawingProvider const& provider) : provider_(provider) {}
+    KeysThenSignal(bool server, std::shared_ptr<Outcome> outcome)
+        : server_(server), outcome_(std::move(outcome)) {}
 
-    void start() override { show(u"start"); }
-    void press(PanelKey key) override {
-        if (key == PanelKey::Back) {
-            throw std::runtime_error("no way back");
-        }
-        show(key == PanelKey::Up ? u"up" : u"other");
+    void attach(frontpanelsim::SimContext const& context) override {
+        auto keys = std::make_shared<yxfp_test::QueuedKeySource>();
+        keys->press(PanelKey::Down);
+        keys->closeInput();
+        context.panel.addKeySource(keys);
+        auto& panel = context.panel;
+        auto outcome = outcome_;
+        panel.setEventHandler([&panel, outcome](KeyEvent const& event) {
+            if (event.kind == KeyEvent::Kind::Closed) {
+                panel.post([&panel, outcome] {
+                    panel.post([outcome] {
+                        outcome->signalled = true;
+                        std::raise(SIGTERM);
+                    });
+                });
+            }
+            return false;
+        });
+        outcome_->attached = true;
     }
-    void setLocal(bool local) override {
-        local_ = local;
-        show(local ? u"local" : u"remote");
-    }
-    bool isLocal() const override { return local_; }
-    void tick() override {
-        yxbase2::system::this_thread::sleep_for(std::chrono::hours(1));
-        show(u"tick");
-    }
+    void detach() noexcept override { outcome_->detached = true; }
+    bool keepsRunning() const override { return server_; }
 
 private:
-    void show(std::u16string const& text) const {
-        frontpanelhw::drawing::DisplayBuffer frame(provider_.getChars(), provider_.getLines());
-        frame.setLineContent(0, 0, text);
-        provider_.draw(frame);
-    }
-
-    yxfrontpanel::IDrawingProvider const& provider_;
-    bool local_ = true;
+    bool server_;
+    std::shared_ptr<Outcome> outcome_;
 };
 
-struct RunResult {
-    int status;
-    std::string out;
-    std::string err;
-};
-
-RunResult run(std::string const& keys, PrintMode print) {
-    SimOptions options;
+int runHeadless(bool server, std::shared_ptr<Outcome> const& outcome, std::ostream& err) {
+    frontpanelsim::SimOptions options;
     options.chars = 6;
-    options.lines = 1;
-    options.keyScript = keys;
-    options.keyScriptSource = "--keys";
-    options.print = print;
-    std::ostringstream out;
+    options.lines = 2;
+    options.headless = true;
+    frontpanelsim::Attachments attachments;
+    attachments.push_back(std::make_unique<KeysThenSignal>(server, outcome));
+    auto const journal = std::make_shared<yxfp_test::Journal>();
+    return frontpanelsim::runHeadless(
+        options,
+        [journal](yxfrontpanel::IDrawingProvider const& provider) {
+            return std::make_unique<yxfp_test::EchoApp>(provider, journal);
+        },
+        std::move(attachments), err);
+}
+
+TEST(HeadlessRunnerTest, EndsWhenItsKeySourcesCloseAndNoServerIsAttached) {
+    auto const outcome = std::make_shared<Outcome>();
+    std::ostringstream err;
+    EXPECT_EQ(runHeadless(false, outcome, err), 0) << err.str();
+    EXPECT_EQ(err.str(), "");
+    EXPECT_TRUE(outcome->attached);
+    EXPECT_TRUE(outcome->detached);
+    EXPECT_FALSE(outcome->signalled) << "the run went on after its inputs closed";
+}
+
+TEST(HeadlessRunnerTest, ServerKeepsItRunningUntilSigterm) {
+    auto const outcome = std::make_shared<Outcome>();
+    std::ostringstream err;
+    EXPECT_EQ(runHeadless(true, outcome, err), 0) << err.str();
+    EXPECT_TRUE(outcome->attached);
+    EXPECT_TRUE(outcome->detached);
+    EXPECT_TRUE(outcome->signalled) << "the run ended before the signal";
+}
+
+// An attachment that cannot plug in fails the run with its message; nothing runs.
+TEST(HeadlessRunnerTest, FailingAttachmentFailsTheRun) {
+    class Refusing : public frontpanelsim::Attachment {
+    public:
+        void attach(frontpanelsim::SimContext const& /*context*/) override {
+            throw std::runtime_error("port 5025 is in use");
+        }
+        void detach() noexcept override {}
+    };
+    frontpanelsim::SimOptions options;
+    options.chars = 6;
+    options.lines = 2;
+    frontpanelsim::Attachments attachments;
+    attachments.push_back(std::make_unique<Refusing>());
+    auto const journal = std::make_shared<yxfp_test::Journal>();
     std::ostringstream err;
     int const status = frontpanelsim::runHeadless(
         options,
-        [](yxfrontpanel::IDrawingProvider const& provider) {
-            return std::make_unique<EchoApp>(provider);
+        [journal](yxfrontpanel::IDrawingProvider const& provider) {
+            return std::make_unique<yxfp_test::EchoApp>(provider, journal);
         },
-        out, err);
-    return RunResult{status, out.str(), err.str()};
-}
-
-TEST(HeadlessRunnerTest, PrintsEveryFrameWithItsStep) {
-    RunResult const result = run("up remote", PrintMode::All);
-    EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.out,
-              "frame 1 after step 0: start\n+------+\n|start |\n+------+\n"
-              "frame 2 after step 1: up\n+------+\n|up    |\n+------+\n"
-              "frame 3 after step 2: remote\n+------+\n|remote|\n+------+\n");
-    EXPECT_EQ(result.err, "");
-}
-
-TEST(HeadlessRunnerTest, PrintsOnlyTheLastFrame) {
-    RunResult const result = run("up down", PrintMode::Last);
-    EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.out, "frame 3 after step 2: down\n+------+\n|other |\n+------+\n");
-}
-
-TEST(HeadlessRunnerTest, PrintsNothingWithoutPrintMode) {
-    RunResult const result = run("up", PrintMode::None);
-    EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.out, "");
-}
-
-TEST(HeadlessRunnerTest, TimedWaitsPassAtOnce) {
-    auto const before = std::chrono::steady_clock::now();
-    RunResult const result = run("tick tick", PrintMode::Last);
-    EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::minutes(1));
-    EXPECT_EQ(result.status, 0);
-    EXPECT_NE(result.out.find("|tick  |"), std::string::npos);
-}
-
-TEST(HeadlessRunnerTest, UnknownWordFailsBeforeAnythingRuns) {
-    RunResult const result = run("up sideways", PrintMode::All);
-    EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.out, "");
-    EXPECT_NE(result.err.find("--keys: unknown key 'sideways' at position 2"), std::string::npos)
-        << result.err;
-}
-
-TEST(HeadlessRunnerTest, FailingStepIsReportedWithItsPosition) {
-    RunResult const result = run("up back", PrintMode::All);
-    EXPECT_EQ(result.status, 1);
-    EXPECT_NE(result.err.find("step 2 failed: no way back"), std::string::npos) << result.err;
+        std::move(attachments), err);
+    EXPECT_EQ(status, 1);
+    EXPECT_EQ(err.str(), "frontpanel-sim: port 5025 is in use\n");
 }
 
 }  // namespace

@@ -48,6 +48,31 @@ TEST(KeyScriptTest, UnknownWordIsNamedWithItsPosition) {
     }
 }
 
+TEST(KeyScriptTest, WaitCarriesItsSeconds) {
+    auto const steps = parseKeyScript("wait:60 wait:0.25 wait:0");
+    ASSERT_EQ(steps.size(), 3U);
+    EXPECT_EQ(steps[0].action, ScriptAction::Wait);
+    EXPECT_EQ(steps[0].duration, std::chrono::milliseconds{60000});
+    EXPECT_EQ(steps[1].duration, std::chrono::milliseconds{250});
+    EXPECT_EQ(steps[2].duration, std::chrono::milliseconds{0});
+    EXPECT_EQ(steps[1].word, "wait:0.25");
+    EXPECT_EQ(parseKeyScript("tick")[0].duration, std::chrono::milliseconds{0});
+}
+
+TEST(KeyScriptTest, BadWaitIsNamedWithItsPosition) {
+    for (char const* bad : {"wait:", "wait:-1", "wait:soon", "wait:5s", "wait:90000"}) {
+        try {
+            parseKeyScript(std::string("up ") + bad);
+            FAIL() << "expected ScriptError for " << bad;
+        } catch (ScriptError const& error) {
+            EXPECT_NE(
+                std::string(error.what()).find(std::string("bad wait '") + bad + "' at position 2"),
+                std::string::npos)
+                << error.what();
+        }
+    }
+}
+
 TEST(KeyScriptTest, WordsAreCaseSensitive) { EXPECT_THROW(parseKeyScript("Enter"), ScriptError); }
 
 TEST(KeyScriptTest, HelpListsEveryWord) {
@@ -56,6 +81,7 @@ TEST(KeyScriptTest, HelpListsEveryWord) {
          {"up", "down", "left", "right", "enter", "back", "local", "remote", "tick"}) {
         EXPECT_NE(help.find(std::string("    ") + word + " "), std::string::npos) << word;
     }
+    EXPECT_NE(help.find("    wait:SECONDS"), std::string::npos);
 }
 
 }  // namespace

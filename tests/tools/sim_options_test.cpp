@@ -28,6 +28,24 @@ TEST(SimOptionsTest, DefaultsToAnInteractive20x4Panel) {
     EXPECT_FALSE(options.keyScript.has_value());
     EXPECT_EQ(options.print, PrintMode::None);
     EXPECT_FALSE(options.help);
+    EXPECT_FALSE(options.idle.has_value()) << "the run picks its own default";
+    EXPECT_FALSE(options.headless);
+}
+
+TEST(SimOptionsTest, IdleTakesSecondsAndZeroTurnsItOff) {
+    EXPECT_EQ(parseOptions({"--idle", "60"}).idle, std::chrono::milliseconds{60000});
+    EXPECT_EQ(parseOptions({"--idle=0.25"}).idle, std::chrono::milliseconds{250});
+    EXPECT_EQ(parseOptions({"--idle", "0"}).idle, std::chrono::milliseconds{0});
+    for (char const* bad : {"-1", "soon", "5s", "100000"}) {
+        EXPECT_NE(problemWith({"--idle", bad}).find("--idle wants seconds"), std::string::npos)
+            << bad;
+    }
+}
+
+TEST(SimOptionsTest, HeadlessRunsWithoutAKeyScript) {
+    EXPECT_TRUE(parseOptions({"--headless"}).headless);
+    EXPECT_TRUE(parseOptions({"--headless", "--idle", "5"}).headless);
+    EXPECT_NE(problemWith({"--headless", "--keys", "up"}).find("--headless"), std::string::npos);
 }
 
 TEST(SimOptionsTest, AcceptsTheSupportedSizes) {
@@ -87,7 +105,8 @@ TEST(SimOptionsTest, HelpIsRecognisedAndExplainsEveryOption) {
     EXPECT_TRUE(parseOptions({"--help"}).help);
     EXPECT_TRUE(parseOptions({"-h"}).help);
     std::string const text = frontpanelsim::usage();
-    for (char const* option : {"--size", "--keys", "--keys-file", "--print", "--help"}) {
+    for (char const* option :
+         {"--size", "--keys", "--keys-file", "--print", "--idle", "--headless", "--help"}) {
         EXPECT_NE(text.find(option), std::string::npos) << option;
     }
     EXPECT_NE(text.find("LOCAL"), std::string::npos);

@@ -168,10 +168,6 @@ void DemoPanel::resetToDefaults() {
     contrast_->setValue(1);
 }
 
-void DemoPanel::start() { root_->setFocus(true); }
-
-void DemoPanel::press(frontpanelhw::PanelKey key) { yxfrontpanel::applyKey(*root_, key); }
-
 void DemoPanel::setLocal(bool local) {
     local_ = local;
     root_->setLocal(local);
@@ -179,14 +175,33 @@ void DemoPanel::setLocal(bool local) {
 
 bool DemoPanel::isLocal() const { return local_; }
 
-void DemoPanel::tick() {
-    ++ticks_;
+DemoPanel::Reading DemoPanel::measure(unsigned sample) {
     // A few millivolts of ripple make the update visible.
-    double const ripple = 0.001 * static_cast<double>(static_cast<int>(ticks_ % 5) - 2);
-    double const volts = outputOn_ ? std::max(0.0, voltage_.get() + ripple) : 0.0;
-    double const amps = outputOn_ ? std::min(current_.get(), volts / kLoadOhms) : 0.0;
-    measured_->setValue(volts, 3);
-    status_->form().show(volts, amps, kRatedWatts);
+    double const ripple = 0.001 * static_cast<double>(static_cast<int>(sample % 5) - 2);
+    bool const on = outputOn_.load();
+    double const volts = on ? std::max(0.0, voltage_.get() + ripple) : 0.0;
+    double const amps = on ? std::min(current_.get(), volts / kLoadOhms) : 0.0;
+    return Reading{volts, amps};
+}
+
+PanelApp::Update DemoPanel::acquire(unsigned sample) {
+    return [this, reading = measure(sample)] { show(reading); };
+}
+
+void DemoPanel::show(Reading reading) {
+    shown_ = reading;
+    measured_->setValue(reading.volts, 3);
+    status_->form().show(reading.volts, reading.amps, kRatedWatts);
+}
+
+void DemoPanel::drawHomeScreen(yxfrontpanel::IDrawingProvider const& provider) {
+    if (!home_) {
+        home_ = std::make_unique<StatusForm>(provider);
+        home_->show(shown_.volts, shown_.amps, kRatedWatts);
+        home_->setFocus(true);  // draws it
+        return;
+    }
+    home_->show(shown_.volts, shown_.amps, kRatedWatts);
 }
 
 yxfrontpanel::IMenuTree& DemoPanel::root() { return *root_; }

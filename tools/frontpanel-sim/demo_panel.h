@@ -2,6 +2,7 @@
 
 #include <yxfrontpanel/yxfrontpanel.h>
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <string>
@@ -16,20 +17,32 @@ namespace frontpanelsim {
  *  screen with a power bar), Network (DHCP switch hiding the address items, IP address, gateway,
  *  netmask), Display (brightness slider, contrast choice) and System (firmware and serial
  *  number, help text, save and reset triggers, and a calibration entry that is not available).
- *  Everything runs on the thread that calls its operations. */
+ *  Its home screen is the output status. Everything but `measure` and `acquire` runs on the
+ *  panel's thread. */
 class DemoPanel : public PanelApp {
 public:
+    /** One measurement of the output. */
+    struct Reading {
+        double volts = 0.0;
+        double amps = 0.0;
+    };
+
     explicit DemoPanel(yxfrontpanel::IDrawingProvider const& provider);
     ~DemoPanel() override;
 
-    void start() override;
-    void press(frontpanelhw::PanelKey key) override;
+    yxfrontpanel::IMenuTree& root() override;
     void setLocal(bool local) override;
     bool isLocal() const override;
-    void tick() override;
+    /** `show(measure(sample))`, to run on the panel's thread. */
+    Update acquire(unsigned sample) override;
+    /** The output status screen with the newest reading. */
+    void drawHomeScreen(yxfrontpanel::IDrawingProvider const& provider) override;
 
-    /** The root menu, for tests. */
-    yxfrontpanel::IMenuTree& root();
+    /** Measures the output as sample number `sample` (the simulated load with a few
+     *  millivolts of ripple that change with the sample). Any thread. */
+    Reading measure(unsigned sample);
+    /** Shows a reading in the Measured entry, the status screen and the home screen. */
+    void show(Reading reading);
 
 private:
     void buildOutputMenu();
@@ -55,8 +68,9 @@ private:
     std::function<void(bool)> currentVisible_;
     std::function<void(bool)> currentEditable_;
     std::function<void(int)> setOutputMode_;
-    bool outputOn_ = false;
-    unsigned ticks_ = 0;
+    std::atomic<bool> outputOn_{false};
+    Reading shown_;
+    std::unique_ptr<StatusForm> home_;  // on the panel's home-screen provider, once shown
 
     std::shared_ptr<yxfrontpanel::ReadOnlyMenuItem> measured_;
     std::shared_ptr<StatusMenuItem> status_;

@@ -1,128 +1,26 @@
 #include <frontpanelhw/display.h>
-#include <yxbase2/this_thread.h>
-#include <yxfrontpanel/drawing_provider.h>
 
 #include <exception>
 #include <ostream>
-#include <string>
-#include <vector>
 
-#include "frame_printer.h"
-#include "key_script.h"
+#include "measurement_feed.h"
 #include "runners.h"
 
 namespace frontpanelsim {
 
-namespace {
-
-// Keeps every frame with the script step during which it was drawn.
-class FrameLog : public frontpanelhw::IDisplay {
-public:
-    struct Entry {
-        std::size_t step;
-        std::string word;
-        frontpanelhw::drawing::DisplayBuffer frame;
-    };
-
-    FrameLog(unsigned chars, unsigned lines) : chars_(chars), lines_(lines) {}
-
-    unsigned getLines() const override { return lines_; }
-    unsigned getChars() const override { return chars_; }
-    bool draw(frontpanelhw::drawing::DisplayBuffer const& buffer) override {
-        entries_.push_back(Entry{step_, word_, buffer});
-        return true;
-    }
-
-    void beginStep(std::size_t step, std::string word) {
-        step_ = step;
-        word_ = std::move(word);
-    }
-    std::vector<Entry> const& entries() const { return entries_; }
-
-private:
-    unsigned chars_;
-    unsigned lines_;
-    std::size_t step_ = 0;
-    std::string word_ = "start";
-    std::vector<Entry> entries_;
-};
-
-// Timed hints would make a scripted run wait for nothing: let their time pass at once.
-class InstantSleep {
-public:
-    InstantSleep() {
-        yxbase2::system::this_thread::setSleepHook([](std::chrono::nanoseconds) {});
-    }
-    ~InstantSleep() { yxbase2::system::this_thread::setSleepHook({}); }
-    InstantSleep(InstantSleep const&) = delete;
-    InstantSleep& operator=(InstantSleep const&) = delete;
-};
-
-void apply(PanelApp& app, ScriptAction action) {
-    using frontpanelhw::PanelKey;
-    switch (action) {
-        case ScriptAction::Up:
-            return app.press(PanelKey::Up);
-        case ScriptAction::Down:
-            return app.press(PanelKey::Down);
-        case ScriptAction::Left:
-            return app.press(PanelKey::Left);
-        case ScriptAction::Right:
-            return app.press(PanelKey::Right);
-        case ScriptAction::Enter:
-            return app.press(PanelKey::Enter);
-        case ScriptAction::Back:
-            return app.press(PanelKey::Back);
-        case ScriptAction::Local:
-            return app.setLocal(true);
-        case ScriptAction::Remote:
-            return app.setLocal(false);
-        case ScriptAction::Tick:
-            return app.tick();
-    }
-}
-
-void print(FrameLog::Entry const& entry, std::size_t number, std::ostream& out) {
-    out << "frame " << number << " after step " << entry.step << ": " << entry.word << '\n'
-        << formatFrame(entry.frame);
-}
-
-}  // namespace
-
-int runHeadless(SimOptions const& options, AppFactory const& makeApp, std::ostream& out,
+int runHeadless(SimOptions const& options, AppFactory const& makeApp, Attachments attachments,
                 std::ostream& err) {
-    std::vector<ScriptStep> steps;
     try {
-        steps = parseKeyScript(*options.keyScript);
-    } catch (ScriptError const& error) {
-        err << "frontpanel-sim: " << options.keyScriptSource << ": " << error.what() << '\n';
-        return 1;
-    }
-
-    FrameLog display(options.chars, options.lines);
-    yxfrontpanel::DrawingProvider provider(display);
-    InstantSleep const instantSleep;
-    std::size_t failedStep = 0;
-    try {
-        auto app = makeApp(provider);
-        app->start();
-        for (ScriptStep const& step : steps) {
-            failedStep = step.position;
-            display.beginStep(step.position, step.word);
-            apply(*app, step.action);
-        }
+        frontpanelhw::MemoryDisplay display(options.chars, options.lines);
+        Session session(display, panelOptionsFor(options, RunKind::Headless, attachments), nullptr,
+                        makeApp, options, RunKind::Headless);
+        attachments.insert(attachments.begin(), std::make_unique<AcquisitionThread>(kSamplePeriod));
+        session.attach(std::move(attachments));
+        SignalStop const signalStop(session.panel());
+        session.panel().run();
     } catch (std::exception const& error) {
-        err << "frontpanel-sim: step " << failedStep << " failed: " << error.what() << '\n';
+        err << "frontpanel-sim: " << error.what() << '\n';
         return 1;
-    }
-
-    auto const& entries = display.entries();
-    if (options.print == PrintMode::All) {
-        for (std::size_t index = 0; index < entries.size(); ++index) {
-            print(entries[index], index + 1, out);
-        }
-    } else if (options.print == PrintMode::Last && !entries.empty()) {
-        print(entries.back(), entries.size(), out);
     }
     return 0;
 }

@@ -1,67 +1,74 @@
 #include <frontpanelhw/terminal_display.h>
 #include <frontpanelhw/terminal_keys.h>
-#include <yxfrontpanel/drawing_provider.h>
 
-#include <chrono>
 #include <exception>
+#include <memory>
 #include <ostream>
 #include <string>
 
+#include "measurement_feed.h"
 #include "runners.h"
 
 namespace frontpanelsim {
 
 namespace {
 
-constexpr std::chrono::milliseconds kTickPeriod{500};
+using frontpanelhw::KeyEvent;
 
 std::string statusLine(bool local) {
     return std::string(local ? "LOCAL " : "REMOTE") +
            "  arrows move  Enter select  Bksp/Esc back  l local/remote  q quit";
 }
 
+bool typed(KeyEvent const& event, char32_t lower) {
+    return event.kind == KeyEvent::Kind::Character &&
+           (event.character == lower || event.character == lower - U'a' + U'A');
+}
+
 }  // namespace
 
-int runInteractive(SimOptions const& options, AppFactory const& makeApp, std::ostream& err) {
+int runInteractive(SimOptions const& options, AppFactory const& makeApp, Attachments attachments,
+                   std::ostream& err) {
     try {
         frontpanelhw::TerminalDisplay display(options.chars, options.lines,
                                               frontpanelhw::TerminalOrigin{1, 2});
-        frontpanelhw::TerminalKeySource keys(display);
-        yxfrontpanel::DrawingProvider provider(display);
-        auto app = makeApp(provider);
-        display.setStatus(statusLine(app->isLocal()));
-        app->start();
+        Session session(display, panelOptionsFor(options, RunKind::Interactive, attachments),
+                        nullptr, makeApp, options, RunKind::Interactive);
+        auto& panel = session.panel();
+        auto& app = session.app();
+        panel.addKeySource(std::make_shared<frontpanelhw::TerminalKeySource>(display));
 
-        // Updates that do not come from a key (the measurement) run here, on the key thread,
-        // between polls: the toolkit's screens are never composed from two threads at once.
-        auto nextTick = std::chrono::steady_clock::now() + kTickPeriod;
-        for (;;) {
-            auto const now = std::chrono::steady_clock::now();
-            if (now >= nextTick) {
-                app->tick();
-                nextTick = now + kTickPeriod;
-                continue;
+        // The status line follows the mode, also when something else than 'l' switched it.
+        bool statusLocal = app.isLocal();
+        display.setStatus(statusLine(statusLocal));
+        auto const refreshStatus = [&display, &app, &statusLocal] {
+            if (app.isLocal() != statusLocal) {
+                statusLocal = app.isLocal();
+                display.setStatus(statusLine(statusLocal));
             }
-            auto const event =
-                keys.poll(std::chrono::duration_cast<std::chrono::milliseconds>(nextTick - now));
-            if (!event) {
-                continue;
+        };
+        panel.addFrameListener([&refreshStatus](auto const& /*frame*/) { refreshStatus(); });
+        panel.setEventHandler([&](KeyEvent const& event) {
+            if (event.kind == KeyEvent::Kind::Closed || typed(event, U'q')) {
+                panel.stop();
+                return true;
             }
-            using Kind = frontpanelhw::KeyEvent::Kind;
-            if (event->kind == Kind::Closed ||
-                (event->kind == Kind::Character &&
-                 (event->character == U'q' || event->character == U'Q'))) {
-                break;
+            if (typed(event, U'l')) {
+                app.setLocal(!app.isLocal());
+                refreshStatus();
+                return true;
             }
-            if (event->kind == Kind::Resize) {
+            if (event.kind == KeyEvent::Kind::Resize) {
                 display.repaint();
-            } else if (event->kind == Kind::Panel) {
-                app->press(event->panelKey);
-            } else if (event->character == U'l' || event->character == U'L') {
-                app->setLocal(!app->isLocal());
-                display.setStatus(statusLine(app->isLocal()));
+                return true;
             }
-        }
+            return false;
+        });
+
+        attachments.insert(attachments.begin(), std::make_unique<AcquisitionThread>(kSamplePeriod));
+        session.attach(std::move(attachments));
+        SignalStop const signalStop(panel);
+        panel.run();
     } catch (std::exception const& error) {
         err << "frontpanel-sim: " << error.what() << '\n';
         return 1;

@@ -1,8 +1,9 @@
-// frontpanel-sim: the demo instrument panel in a terminal, or headless from a key script.
+// frontpanel-sim: the demo instrument panel in a terminal, headless, or from a key script.
 #include <iostream>
 #include <string>
 #include <vector>
 
+#include "attachment.h"
 #include "demo_panel.h"
 #include "runners.h"
 #include "sim_options.h"
@@ -23,8 +24,12 @@ int main(int argc, char** argv) {
     AppFactory const makeApp = [](yxfrontpanel::IDrawingProvider const& provider) {
         return std::make_unique<DemoPanel>(provider);
     };
+    Attachments attachments = attachmentsFor(options);
     if (options.keyScript) {
-        return runHeadless(options, makeApp, std::cout, std::cerr);
+        return runKeyScript(options, makeApp, std::move(attachments), std::cout, std::cerr);
     }
-    return runInteractive(options, makeApp, std::cerr);
+    if (options.headless) {
+        return runHeadless(options, makeApp, std::move(attachments), std::cerr);
+    }
+    return runInteractive(options, makeApp, std::move(attachments), std::cerr);
 }

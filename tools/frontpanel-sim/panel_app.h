@@ -1,27 +1,35 @@
 #pragma once
 
-#include <frontpanelhw/terminal_keys.h>
+#include <yxfrontpanel/drawing_provider.h>
+#include <yxfrontpanel/menu_tree.h>
+
+#include <functional>
 
 namespace frontpanelsim {
 
-/** An application behind a simulated panel: it receives the six keys, the operating mode and
- *  the passing of time, all on the one thread that drives the panel. */
+/** An application behind a simulated panel: its menu tree, its operating mode, its measurement
+ *  and its home screen. The simulator's runners hand all of it to a panel of the runtime. */
 class PanelApp {
 public:
+    /** Work that shows a measurement, run on the panel's thread. */
+    using Update = std::function<void()>;
+
     PanelApp() = default;
     PanelApp(PanelApp const&) = delete;
     PanelApp& operator=(PanelApp const&) = delete;
     virtual ~PanelApp();
 
-    /** Shows the first screen. */
-    virtual void start() = 0;
-    /** One key press. */
-    virtual void press(frontpanelhw::PanelKey key) = 0;
-    /** LOCAL (true: front-panel edits allowed) or REMOTE mode. */
+    /** The root menu the six keys go to. */
+    virtual yxfrontpanel::IMenuTree& root() = 0;
+    /** LOCAL (true: front-panel edits allowed) or REMOTE mode. Panel's thread. */
     virtual void setLocal(bool local) = 0;
     virtual bool isLocal() const = 0;
-    /** Half a second has passed: periodic updates such as measurements. */
-    virtual void tick() = 0;
+    /** Takes measurement number `sample` (1, 2, ... one every half second) of the instrument
+     *  and returns the update that shows it. Any thread: an acquisition thread calls it and
+     *  publishes the update to the panel. */
+    virtual Update acquire(unsigned sample) = 0;
+    /** Draws the home screen (a status screen) through `provider`. Panel's thread. */
+    virtual void drawHomeScreen(yxfrontpanel::IDrawingProvider const& provider) = 0;
 };
 
 }  // namespace frontpanelsim

@@ -1,6 +1,8 @@
 #include "sim_options.h"
 
+#include <cmath>
 #include <fstream>
+#include <locale>
 #include <sstream>
 #include <tuple>
 #include <utility>
@@ -49,6 +51,18 @@ PrintMode parsePrintMode(std::string const& text) {
     throw UsageError("--print wants 'all' or 'last'; got '" + text + "'");
 }
 
+// "60" or "0.5" seconds -> milliseconds; zero turns the home screen off.
+std::chrono::milliseconds parseIdle(std::string const& text) {
+    std::istringstream stream(text);
+    stream.imbue(std::locale::classic());
+    double seconds = -1;
+    if (!(stream >> seconds) || stream.peek() != std::char_traits<char>::eof() || seconds < 0 ||
+        seconds > 86400) {
+        throw UsageError("--idle wants seconds from 0 (off) to 86400, e.g. 60; got '" + text + "'");
+    }
+    return std::chrono::milliseconds{std::llround(seconds * 1000)};
+}
+
 }  // namespace
 
 SimOptions parseOptions(std::vector<std::string> const& arguments) {
@@ -89,6 +103,17 @@ SimOptions parseOptions(std::vector<std::string> const& arguments) {
             options.keyScript = readFile(options.keyScriptSource);
         } else if (name == "--print") {
             options.print = parsePrintMode(takeValue());
+        } else if (name == "--idle") {
+            options.idle = parseIdle(takeValue());
+        } else if (name == "--headless") {
+            options.headless = true;
+        } else if (name == "--web") {
+            options.web = parseEndpoint("--web", takeValue());
+        } else if (name == "--web-token") {
+            options.webToken = takeValue();
+            if (options.webToken.empty()) {
+                throw UsageError("--web-token needs a token that is not empty");
+            }
         } else {
             throw UsageError("unknown option '" + argument + "' (see --help)");
         }
@@ -96,12 +121,21 @@ SimOptions parseOptions(std::vector<std::string> const& arguments) {
     if (options.print != PrintMode::None && !options.keyScript) {
         throw UsageError("--print needs a key script (--keys or --keys-file)");
     }
+    if (!options.webToken.empty() && !options.web) {
+        throw UsageError("--web-token needs --web");
+    }
+    if (options.headless && options.keyScript) {
+        throw UsageError(
+            "--headless runs until stopped; a key script runs headless already, "
+            "give one or the other");
+    }
     return options;
 }
 
 std::string usage() {
     return "Usage: frontpanel-sim [--size COLSxLINES] [--keys \"KEYS\" | --keys-file FILE]\n"
-           "                      [--print all|last] [--help]\n"
+           "                      [--print all|last] [--idle SECONDS] [--headless]\n"
+           "                      [--web HOST:PORT [--web-token TOKEN]] [--help]\n"
            "\n"
            "Shows the front panel of a demo bench power supply, built with\n"
            "libYxFrontPanelToolbox, and lets you drive it with the keyboard.\n"
@@ -121,6 +155,14 @@ std::string usage() {
            "    --keys \"KEYS\"       run headless: apply the words of KEYS in order\n"
            "    --keys-file FILE    run headless with the key script in FILE\n"
            "    --print all|last    write every frame, or only the last, as text\n"
+           "    --idle SECONDS      show the output status as home screen after SECONDS\n"
+           "                        without a key (0: never); default 60, off in a key\n"
+           "                        script (there wait:SECONDS lets the time pass)\n"
+           "    --headless          run without a terminal until SIGINT or SIGTERM\n"
+           "    --web HOST:PORT     serve the panel to browsers at http://HOST:PORT/\n"
+           "                        (e.g. 127.0.0.1:8080; port 0 picks a free one)\n"
+           "    --web-token TOKEN   only pages opened with ?token=TOKEN may press keys;\n"
+           "                        the others only watch\n"
            "    --help              show this help\n"
            "\n"
            "Key script words (separated by blanks or line ends; '#' starts a comment):\n" +
@@ -132,8 +174,13 @@ std::string usage() {
            "from 0, e.g. \" < inverted 0-18\". Every frame starts with a line\n"
            "\"frame N after step S: WORD\" (step 0 is the start).\n"
            "\n"
+           "A key script runs on a clock that only tick and wait:SECONDS move; every\n"
+           "frame is kept, and hints pass at once. Interactive and --headless runs take\n"
+           "a measurement 100 times a second on a thread of their own; the panel shows\n"
+           "the newest once per frame.\n"
+           "\n"
            "The run starts in LOCAL mode. Exit status: 0 on success, 1 when the key\n"
-           "script fails, 2 for a bad command line.\n";
+           "script or the run fails, 2 for a bad command line.\n";
 }
 
 }  // namespace frontpanelsim

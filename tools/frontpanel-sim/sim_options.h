@@ -1,9 +1,12 @@
 #pragma once
 
+#include <chrono>
 #include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
+
+#include "endpoint.h"
 
 namespace frontpanelsim {
 
@@ -19,6 +22,15 @@ struct SimOptions {
     /** Where the key script came from, for messages ("--keys" or the file name). */
     std::string keyScriptSource;
     PrintMode print = PrintMode::None;
+    /** --idle: time without a key before the home screen shows (zero: never); unset means the
+     *  default of the run (off in a key script, a minute otherwise). */
+    std::optional<std::chrono::milliseconds> idle;
+    /** --headless: run without a terminal until SIGINT or SIGTERM. */
+    bool headless = false;
+    /** --web: where to serve the panel to browsers. */
+    std::optional<Endpoint> web;
+    /** --web-token: pages that do not present it only watch. */
+    std::string webToken;
     bool help = false;
 };
 

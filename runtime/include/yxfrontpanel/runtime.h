@@ -5,3 +5,4 @@
 #include <yxfrontpanel/runtime/clock.h>
 #include <yxfrontpanel/runtime/export.h>
 #include <yxfrontpanel/runtime/panel.h>
+#include <yxfrontpanel/runtime/web_panel.h>

@@ -23,9 +23,10 @@ namespace yxfrontpanel::runtime {
 
 /** How a panel runs. The defaults suit a 20x4 module driven by a person. */
 struct PanelOptions {
-    /** Most screens a second that reach the display (1 to 1000; other values are clamped).
-     *  Changes inside one frame period give one draw of the newest screen; a change after a
-     *  quiet period (a lone key press) is drawn at once. */
+    /** Most screens a second that reach the display (up to 1000; more is clamped). Changes
+     *  inside one frame period give one draw of the newest screen; a change after a quiet
+     *  period (a lone key press) is drawn at once. Zero sets no limit: every composed screen is
+     *  drawn at once (for scripted runs that record every frame). */
     unsigned framesPerSecond = 30;
     /** Time without a key after which the home screen is shown; zero (the default) turns the
      *  home screen off. */
@@ -101,6 +102,9 @@ public:
     void removeFrameListener(std::size_t id);
 
     /** Runs the loop on the calling thread until `stop`. Returns at once when already stopped.
+     *  An exception thrown by a key's handling, posted work, a timer or the home screen leaves
+     *  `run` as it is; the panel stays usable and may be run again, and plain posts queued
+     *  behind the throwing one still run, once and in order, in the next turn.
      *  @throws std::logic_error when the panel is already running (on any thread) or has no
      *  root tree. */
     void run();

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <yxfrontpanel/runtime/export.h>
+#include <yxfrontpanel/runtime/panel.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace yxfrontpanel::runtime {
+
+/** Where and how a WebPanelServer serves. */
+struct WebPanelOptions {
+    /** The address to listen on: loopback unless another one is named. */
+    std::string address = "127.0.0.1";
+    /** The TCP port; 0 picks a free one (see `WebPanelServer::port`). */
+    std::uint16_t port = 8080;
+    /** When not empty, only pages that present it (`/?token=...`) may press keys; every other
+     *  page is a read-only viewer. When empty, every page may press keys. */
+    std::string accessToken;
+    /** Most pages connected at once; more are refused. */
+    unsigned maxViewers = 8;
+};
+
+/** A remote front panel in the browser: serves one self-contained page at `/` and, over a
+ *  WebSocket on the same port, pushes every frame the panel draws to every open page and takes
+ *  key presses from pages that may press keys (they go to the panel through `pressKey`, exactly
+ *  like a key source's). A page that reads slowly gets only the newest frame when it can take
+ *  one; it never blocks the panel. WebSocket connections whose Origin header names another host
+ *  than the one the page was served from are refused.
+ *
+ *  The server runs its own thread; frames are encoded on the panel's thread. Construct and
+ *  destroy it on the thread that configures the panel, before `run` or while it runs; it must
+ *  be destroyed before the panel. */
+class YXFP_RUNTIME_EXPORT WebPanelServer {
+public:
+    /** Starts serving `panel` at once.
+     *  @throws std::runtime_error naming the address and port when it cannot listen there. */
+    WebPanelServer(Panel& panel, WebPanelOptions options = {});
+    /** Closes every connection and stops the server's thread. */
+    ~WebPanelServer();
+    WebPanelServer(WebPanelServer const&) = delete;
+    WebPanelServer& operator=(WebPanelServer const&) = delete;
+
+    /** The port it listens on (the chosen one when the options asked for 0). */
+    std::uint16_t port() const;
+    /** Pages connected now. Any thread. */
+    unsigned viewerCount() const;
+
+private:
+    class Impl;
+    std::unique_ptr<Impl> impl_;
+};
+
+}  // namespace yxfrontpanel::runtime

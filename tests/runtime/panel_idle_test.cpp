@@ -1,0 +1,142 @@
+#include <yxfrontpanel/runtime.h>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <string>
+#include <vector>
+
+#include "panel_fixture.h"
+
+namespace {
+
+using frontpanelhw::PanelKey;
+using namespace std::chrono_literals;
+
+yxfrontpanel::runtime::PanelOptions idleAfterTenSeconds() {
+    yxfrontpanel::runtime::PanelOptions options;
+    options.idleTimeout = 10s;
+    return options;
+}
+
+/** A panel whose home screen shows a counter that posted work updates. */
+class PanelIdleTest : public yxfp_test::PanelFixture {
+protected:
+    PanelIdleTest() : PanelFixture(idleAfterTenSeconds()) {
+        panel.setHomeScreen([this](yxfrontpanel::IDrawingProvider const& provider) {
+            frontpanelhw::drawing::DisplayBuffer screen(provider.getChars(), provider.getLines());
+            screen.setLineContent(0, 0, u"HOME " + std::u16string(1, u'0' + reading));
+            provider.draw(screen);
+        });
+    }
+    int reading = 0;
+};
+
+// After the idle time without a key the home screen shows; not a moment before.
+TEST_F(PanelIdleTest, HomeScreenAfterIdleTimeout) {
+    turn();
+    keys->press(PanelKey::Down);
+    turn();
+    advance(9s);
+    advance(999ms);
+    EXPECT_FALSE(panel.homeScreenShown());
+    advance(1ms);
+    EXPECT_TRUE(panel.homeScreenShown());
+    EXPECT_EQ(shown()[0], u"HOME 0              ");
+}
+
+// Work that runs in the turn the home screen comes gives one draw of it, not two.
+TEST_F(PanelIdleTest, HomeScreenIsDrawnOnceWhenItComesWithWork) {
+    turn();
+    auto const before = display.getDrawCount();
+    panel.every(10s, [this] { ++reading; });
+    advance(10s);
+    EXPECT_TRUE(panel.homeScreenShown());
+    EXPECT_EQ(display.getDrawCount(), before + 1);
+    EXPECT_EQ(shown()[0], u"HOME 1              ");
+}
+
+// Open forms close without applying and the menu returns to its top; the key that wakes the
+// panel only brings the menu back.
+TEST_F(PanelIdleTest, IdleClosesFormsAndTheWakingKeyIsNotPassedOn) {
+    turn();
+    keys->press(PanelKey::Down);
+    keys->press(PanelKey::Enter);
+    advance(1s);
+    ASSERT_TRUE(tree->itemHasFocus());
+    advance(10s);
+    ASSERT_TRUE(panel.homeScreenShown());
+    EXPECT_FALSE(tree->itemHasFocus());
+    EXPECT_TRUE(tree->getFocus());
+    keys->press(PanelKey::Down);
+    advance(1s);
+    EXPECT_FALSE(panel.homeScreenShown());
+    EXPECT_EQ(shown()[0], u"Alpha               ");
+    EXPECT_EQ(invertedLine(), 0);  // back at the top; the down key was not passed on
+    keys->press(PanelKey::Down);
+    advance(1s);
+    EXPECT_EQ(invertedLine(), 1);
+}
+
+// Posted work refreshes the home screen; the menu's own redraws stay off the display meanwhile.
+TEST_F(PanelIdleTest, PostedWorkRefreshesTheHomeScreen) {
+    turn();
+    advance(10s);
+    ASSERT_TRUE(panel.homeScreenShown());
+    panel.post([this] {
+        reading = 7;
+        tree->setFocus(true);  // a menu redraw while the home screen is up
+    });
+    advance(1s);
+    EXPECT_EQ(shown()[0], u"HOME 7              ");
+}
+
+// Without a home screen, or with the default options, the panel never goes idle.
+TEST_F(PanelIdleTest, NoHomeScreenMeansNoIdle) {
+    panel.setHomeScreen({});
+    turn();
+    advance(1h);
+    EXPECT_FALSE(panel.homeScreenShown());
+    EXPECT_EQ(shown()[0], u"Alpha               ");
+}
+
+/** A source that reports releases but not repeats: the panel repeats held arrows. */
+class PanelRepeatTest : public yxfp_test::PanelFixture {
+protected:
+    PanelRepeatTest() : PanelFixture({}, frontpanelhw::KeySourceCapabilities{true, false}) {}
+};
+
+// A held arrow repeats after 500 ms every 100 ms until released.
+TEST_F(PanelRepeatTest, HeldArrowRepeats) {
+    turn();
+    clock->advance(1s);
+    keys->press(PanelKey::Down);
+    turn();
+    EXPECT_EQ(invertedLine(), 1);
+    advance(499ms);
+    EXPECT_EQ(invertedLine(), 1);
+    advance(1ms);
+    EXPECT_EQ(invertedLine(), 2);
+    advance(100ms);
+    EXPECT_EQ(invertedLine(), 3);
+    keys->push(frontpanelhw::KeyEvent::release(PanelKey::Down));
+    advance(1s);
+    EXPECT_EQ(invertedLine(), 3);
+}
+
+// Enter never repeats; the device's own repeats are passed on.
+TEST_F(PanelRepeatTest, EnterDoesNotRepeatDeviceRepeatsPassOn) {
+    turn();
+    keys->press(PanelKey::Down);
+    keys->push(frontpanelhw::KeyEvent::release(PanelKey::Down));
+    keys->press(PanelKey::Enter);
+    advance(1s);
+    advance(1s);
+    EXPECT_TRUE(tree->itemHasFocus());
+    keys->press(PanelKey::Back);
+    keys->push(frontpanelhw::KeyEvent::repeat(PanelKey::Down));
+    settle();
+    EXPECT_EQ(invertedLine(), 2);
+}
+
+}  // namespace

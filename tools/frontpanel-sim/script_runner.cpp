@@ -1,0 +1,149 @@
+#include <frontpanelhw/display.h>
+#include <yxbase2/this_thread.h>
+#include <yxfrontpanel/runtime/clock.h>
+
+#include <exception>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "frame_printer.h"
+#include "key_script.h"
+#include "measurement_feed.h"
+#include "runners.h"
+
+namespace frontpanelsim {
+
+namespace {
+
+using yxfrontpanel::runtime::ManualClock;
+
+// Keeps every frame with the script step during which it was drawn.
+class FrameLog : public frontpanelhw::IDisplay {
+public:
+    struct Entry {
+        std::size_t step;
+        std::string word;
+        frontpanelhw::drawing::DisplayBuffer frame;
+    };
+
+    FrameLog(unsigned chars, unsigned lines) : chars_(chars), lines_(lines) {}
+
+    unsigned getLines() const override { return lines_; }
+    unsigned getChars() const override { return chars_; }
+    bool draw(frontpanelhw::drawing::DisplayBuffer const& buffer) override {
+        entries_.push_back(Entry{step_, word_, buffer});
+        return true;
+    }
+
+    void beginStep(std::size_t step, std::string word) {
+        step_ = step;
+        word_ = std::move(word);
+    }
+    std::vector<Entry> const& entries() const { return entries_; }
+
+private:
+    unsigned chars_;
+    unsigned lines_;
+    std::size_t step_ = 0;
+    std::string word_ = "start";
+    std::vector<Entry> entries_;
+};
+
+// Timed hints would make a scripted run wait for nothing: let their time pass at once. The
+// script's clock stands still meanwhile, so that only tick and wait move it.
+class InstantSleep {
+public:
+    InstantSleep() {
+        yxbase2::system::this_thread::setSleepHook([](std::chrono::nanoseconds) {});
+    }
+    ~InstantSleep() { yxbase2::system::this_thread::setSleepHook({}); }
+    InstantSleep(InstantSleep const&) = delete;
+    InstantSleep& operator=(InstantSleep const&) = delete;
+};
+
+// What each word of a key script does to the running panel: the one table of script words.
+// Keys go through the panel as a key source's would (the idle time and home screen included);
+// the work runs in the panel's next turn.
+void applyStep(Session& session, ManualClock& clock, ScriptStep const& step) {
+    using frontpanelhw::PanelKey;
+    auto& panel = session.panel();
+    auto& app = session.app();
+    switch (step.action) {
+        case ScriptAction::Up:
+            return static_cast<void>(panel.pressKey(PanelKey::Up));
+        case ScriptAction::Down:
+            return static_cast<void>(panel.pressKey(PanelKey::Down));
+        case ScriptAction::Left:
+            return static_cast<void>(panel.pressKey(PanelKey::Left));
+        case ScriptAction::Right:
+            return static_cast<void>(panel.pressKey(PanelKey::Right));
+        case ScriptAction::Enter:
+            return static_cast<void>(panel.pressKey(PanelKey::Enter));
+        case ScriptAction::Back:
+            return static_cast<void>(panel.pressKey(PanelKey::Back));
+        case ScriptAction::Local:
+            return static_cast<void>(panel.post([&app] { app.setLocal(true); }));
+        case ScriptAction::Remote:
+            return static_cast<void>(panel.post([&app] { app.setLocal(false); }));
+        case ScriptAction::Tick:
+            return clock.advance(kMeasurementPeriod);
+        case ScriptAction::Wait:
+            return clock.advance(step.duration);
+    }
+}
+
+void print(FrameLog::Entry const& entry, std::size_t number, std::ostream& out) {
+    out << "frame " << number << " after step " << entry.step << ": " << entry.word << '\n'
+        << formatFrame(entry.frame);
+}
+
+}  // namespace
+
+int runKeyScript(SimOptions const& options, AppFactory const& makeApp, Attachments attachments,
+                 std::ostream& out, std::ostream& err) {
+    std::vector<ScriptStep> steps;
+    try {
+        steps = parseKeyScript(*options.keyScript);
+    } catch (ScriptError const& error) {
+        err << "frontpanel-sim: " << options.keyScriptSource << ": " << error.what() << '\n';
+        return 1;
+    }
+
+    FrameLog display(options.chars, options.lines);
+    auto const clock = std::make_shared<ManualClock>();
+    InstantSleep const instantSleep;
+    std::size_t failedStep = 0;
+    try {
+        Session session(display, panelOptionsFor(options, RunKind::KeyScript, attachments), clock,
+                        makeApp, options, RunKind::KeyScript);
+        attachments.insert(attachments.begin(), std::make_unique<ClockedAcquisition>());
+        session.attach(std::move(attachments));
+        auto& panel = session.panel();
+        panel.runOnce(std::chrono::milliseconds{0});  // the first screen, as step 0
+        for (ScriptStep const& step : steps) {
+            failedStep = step.position;
+            display.beginStep(step.position, step.word);
+            applyStep(session, *clock, step);
+            if (!panel.runOnce(std::chrono::milliseconds{0})) {
+                break;  // an attachment stopped the panel
+            }
+        }
+    } catch (std::exception const& error) {
+        err << "frontpanel-sim: step " << failedStep << " failed: " << error.what() << '\n';
+        return 1;
+    }
+
+    auto const& entries = display.entries();
+    if (options.print == PrintMode::All) {
+        for (std::size_t index = 0; index < entries.size(); ++index) {
+            print(entries[index], index + 1, out);
+        }
+    } else if (options.print == PrintMode::Last && !entries.empty()) {
+        print(entries.back(), entries.size(), out);
+    }
+    return 0;
+}
+
+}  // namespace frontpanelsim

@@ -1,0 +1,80 @@
+#include "session.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace frontpanelsim {
+
+namespace {
+
+constexpr std::chrono::milliseconds kInteractiveIdle{60'000};
+
+}  // namespace
+
+yxfrontpanel::runtime::PanelOptions panelOptionsFor(SimOptions const& options, RunKind kind,
+                                                    Attachments const& attachments) {
+    yxfrontpanel::runtime::PanelOptions panelOptions;
+    bool const scripted = kind == RunKind::KeyScript;
+    if (scripted) {
+        panelOptions.framesPerSecond = 0;  // a script's frames are its output: keep each one
+    }
+    panelOptions.idleTimeout =
+        options.idle.value_or(scripted ? std::chrono::milliseconds{0} : kInteractiveIdle);
+    panelOptions.stopWhenInputsClose =
+        std::none_of(attachments.begin(), attachments.end(),
+                     [](auto const& attachment) { return attachment->keepsRunning(); });
+    return panelOptions;
+}
+
+Session::Session(frontpanelhw::IDisplay& display,
+                 yxfrontpanel::runtime::PanelOptions const& panelOptions,
+                 std::shared_ptr<yxfrontpanel::runtime::IClock> clock, AppFactory const& makeApp,
+                 SimOptions const& options, RunKind kind)
+    : options_(options),
+      kind_(kind),
+      panel_(display, panelOptions, std::move(clock)),
+      app_(makeApp(panel_.provider())) {
+    panel_.setRoot(app_->root());
+    panel_.setHomeScreen([app = app_.get()](yxfrontpanel::IDrawingProvider const& provider) {
+        app->drawHomeScreen(provider);
+    });
+}
+
+Session::~Session() { detachAll(); }
+
+void Session::attach(Attachments attachments) {
+    for (auto& attachment : attachments) {
+        try {
+            attachment->attach(SimContext{panel_, *app_, options_, kind_});
+        } catch (...) {
+            detachAll();
+            throw;
+        }
+        attached_.push_back(std::move(attachment));
+    }
+}
+
+void Session::detachAll() noexcept {
+    while (!attached_.empty()) {
+        attached_.back()->detach();
+        attached_.pop_back();
+    }
+}
+
+yxfrontpanel::runtime::Panel& Session::panel() { return panel_; }
+
+PanelApp& Session::app() { return *app_; }
+
+SignalStop::SignalStop(yxfrontpanel::runtime::Panel& panel) {
+    ::sigaction(SIGINT, nullptr, &previousInterrupt_);
+    ::sigaction(SIGTERM, nullptr, &previousTerminate_);
+    yxfrontpanel::runtime::stopOnSignals(panel, {SIGINT, SIGTERM});
+}
+
+SignalStop::~SignalStop() {
+    yxfrontpanel::runtime::clearSignalStop();
+    ::sigaction(SIGINT, &previousInterrupt_, nullptr);
+    ::sigaction(SIGTERM, &previousTerminate_, nullptr);
+}
+
+}  // namespace frontpanelsim

@@ -1,0 +1,38 @@
+#include "web_attachment.h"
+
+#include <yxfrontpanel/runtime/web_panel.h>
+
+#include <iostream>
+#include <stdexcept>
+#include <utility>
+
+namespace frontpanelsim {
+
+WebAttachment::WebAttachment(Endpoint endpoint, std::string accessToken)
+    : endpoint_(std::move(endpoint)), accessToken_(std::move(accessToken)) {}
+
+WebAttachment::~WebAttachment() = default;
+
+void WebAttachment::attach(SimContext const& context) {
+#ifdef YXFP_HAVE_WEB
+    yxfrontpanel::runtime::WebPanelOptions options;
+    options.address = endpoint_.host;
+    options.port = endpoint_.port;
+    options.accessToken = accessToken_;
+    server_ = std::make_unique<yxfrontpanel::runtime::WebPanelServer>(context.panel, options);
+    std::string const host =
+        endpoint_.host.find(':') == std::string::npos ? endpoint_.host : "[" + endpoint_.host + "]";
+    std::cerr << "frontpanel-sim: web panel on http://" << host << ':' << server_->port() << "/"
+              << std::endl;
+#else
+    (void)context;
+    throw std::runtime_error(
+        "--web: this build has no web panel (configure with libwebsockets-dev installed)");
+#endif
+}
+
+void WebAttachment::detach() noexcept { server_.reset(); }
+
+bool WebAttachment::keepsRunning() const { return true; }
+
+}  // namespace frontpanelsim
