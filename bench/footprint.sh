@@ -8,8 +8,8 @@
 #   resident bytes per plain menu item on armhf <= 200.
 # Release ARM builds reuse build/cross-aarch64 and build/cross-armhf (the cross presets) when
 # they are there; every other build goes to build/footprint/<target>-<flavour>, without tests.
-# All builds leave the optional device back ends (libgpiod, libevdev) out, so that the targets
-# compare like for like.
+# All builds leave the optional device and web libraries (libgpiod, libevdev, libwebsockets)
+# out, so that the targets compare like for like.
 #   bench/footprint.sh [--items N] [--help]
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -57,10 +57,10 @@ build_dir() {  # target flavour -> build folder
 for target in "${targets[@]}"; do
     for flavour in "${flavours[@]}"; do
         dir=$(build_dir "$target" "$flavour")
-        if [ ! -f "$dir/CMakeCache.txt" ]; then
+        if [[ $dir == build/footprint/* ]]; then
             options=(-G Ninja -DCMAKE_BUILD_TYPE="${build_type[$flavour]}" -DYXFP_WERROR=ON
                 -DYXFP_BUILD_TESTS=OFF -DYXFP_BUILD_TOOLS=ON -DYXFP_BUILD_MEMORY_PROBE=ON
-                -DYXFP_WITH_GPIOD=OFF -DYXFP_WITH_EVDEV=OFF)
+                -DYXFP_WITH_GPIOD=OFF -DYXFP_WITH_EVDEV=OFF -DYXFP_WITH_WEB=OFF)
             if [ "$target" != x86_64 ]; then
                 options+=(--toolchain "${toolchain[$target]}")
             fi
