@@ -104,7 +104,7 @@ run_on_target() {  # target build-folder program args... (ARM programs under qem
 }
 
 declare -A text_sum resident heap
-echo "## Stripped sizes in bytes: text / data / bss"
+echo "Stripped sizes in bytes, text / data / bss:"
 echo
 echo "| file | build | x86_64 | aarch64 | armhf |"
 echo "|---|---|---|---|---|"
@@ -144,7 +144,7 @@ for flavour in "${flavours[@]}"; do
 done
 
 echo
-echo "## Memory of a menu of $(number "$items") plain items, bytes per item"
+echo "Memory of a menu of $(number "$items") plain items, bytes per item:"
 echo
 echo "| measure | build | x86_64 | aarch64 | armhf |"
 echo "|---|---|---|---|---|"
