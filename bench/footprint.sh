@@ -87,7 +87,7 @@ libraries() {  # build folder -> the project's shared libraries (real files), by
         -printf '%f\t%p\n' | sort
 }
 
-number() { printf "%'d" "$1"; }
+number() { sed -E ':a; s/([0-9])([0-9]{3})($|,)/\1,\2\3/; ta' <<< "$1"; }  # 1234567 -> 1,234,567
 
 cache_value() {  # build folder, variable -> its value in the CMake cache
     sed -n "s/^$2:[A-Z]*=//p" "$1/CMakeCache.txt"
