@@ -2,11 +2,8 @@
 
 #include <atomic>
 #include <cstdlib>
-#include <fstream>
 #include <new>
 #include <string>
-
-#include <unistd.h>
 
 namespace {
 std::atomic<std::size_t> allocations{0};
@@ -28,14 +25,6 @@ void operator delete(void* memory, std::size_t /*size*/) noexcept { std::free(me
 namespace yxfp_bench {
 
 std::size_t allocationCount() { return allocations.load(std::memory_order_relaxed); }
-
-std::size_t residentBytes() {
-    std::ifstream statm("/proc/self/statm");
-    std::size_t pages = 0;
-    std::size_t resident = 0;
-    statm >> pages >> resident;
-    return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
-}
 
 void reportAllocations(benchmark::State& state, std::size_t startCount) {
     state.counters["allocs"] = benchmark::Counter(
@@ -60,18 +49,6 @@ std::unique_ptr<yxfrontpanel::IpAddressEditor> openAddressEditor(
     editor->setFocus(true);
     editor->setEditorMode(true);
     return editor;
-}
-
-std::unique_ptr<yxfrontpanel::IMenuTree> plainMenu(yxfrontpanel::IDrawingProvider const& provider,
-                                                   std::size_t count) {
-    auto menu = yxfrontpanel::MenuTreeFactory().create(provider);
-    for (std::size_t index = 1; index <= count; ++index) {
-        std::string const digits = std::to_string(index);
-        menu->addItem(
-            std::make_shared<PlainItem>(u"Item " + std::u16string(digits.begin(), digits.end())));
-    }
-    menu->setFocus(true);
-    return menu;
 }
 
 }  // namespace yxfp_bench

@@ -16,10 +16,10 @@ if [ "${1:-}" = "--check" ]; then
     shift
 fi
 build=${1:-build/bench}
-if [ ! -x "$build/bench/instructions_probe" ]; then
+if [ ! -x "$build/bench/instructions_probe" ] || [ ! -x "$build/bench/menu_memory_probe" ]; then
     echo "building the bench preset first ..." >&2
     cmake --preset bench > /dev/null
-    cmake --build "$build" --target instructions_probe > /dev/null
+    cmake --build "$build" --target instructions_probe menu_memory_probe > /dev/null
 fi
 command -v valgrind > /dev/null || { echo "instructions.sh: valgrind is not installed" >&2; exit 1; }
 
@@ -60,7 +60,7 @@ per_press() {  # label probe items instruction-target [allocation-target]
 per_press "menu key press, 1,000 items, 20x4" menu 1000 3000 0
 per_press "value editor key press (step a digit), 20x4" value-editor 0 10000
 printf '%-48s %s\n' "menu of 1,000,000 plain items" \
-    "$("$probe" memory 1000000 | sed 's/resident bytes per item: //') resident bytes per item"
+    "$("$build/bench/menu_memory_probe" 1000000 | sed -n 's/resident bytes per item: //p') resident bytes per item"
 
 if [ "$failures" -gt 0 ]; then
     echo "instructions.sh: $failures figure(s) past their targets" >&2

@@ -3,9 +3,7 @@
 //   instructions_probe menu|value-editor PRESSES [ITEMS]
 // Counts the heap allocations of the presses alone (set-up excluded), per press:
 //   instructions_probe allocations menu|value-editor PRESSES [ITEMS]
-// Also measures the resident memory of a menu in a fresh process, where no freed memory of
-// earlier work hides the growth:
-//   instructions_probe memory ITEMS
+// (The memory of a menu is measured by menu_memory_probe.)
 #include <cstdlib>
 #include <functional>
 #include <iostream>
@@ -49,21 +47,10 @@ bool runPresses(std::string const& what, long presses, long items,
 int main(int argc, char** argv) {
     if (argc < 3) {
         std::cerr << "usage: instructions_probe menu|value-editor PRESSES [ITEMS]\n"
-                     "       instructions_probe allocations menu|value-editor PRESSES [ITEMS]\n"
-                     "       instructions_probe memory ITEMS\n";
+                     "       instructions_probe allocations menu|value-editor PRESSES [ITEMS]\n";
         return 2;
     }
     std::string const mode = argv[1];
-    if (mode == "memory") {
-        long const items = std::atol(argv[2]);
-        yxfp_bench::DiscardingProvider const provider(20, 4);
-        std::size_t const before = yxfp_bench::residentBytes();
-        auto menu = yxfp_bench::plainMenu(provider, static_cast<std::size_t>(items));
-        std::size_t const after = yxfp_bench::residentBytes();
-        std::cout << "resident bytes per item: "
-                  << static_cast<double>(after - before) / static_cast<double>(items) << '\n';
-        return 0;
-    }
     if (mode == "allocations") {
         if (argc < 4) {
             std::cerr

@@ -60,6 +60,9 @@ function(yxfp_optional_dependency option_name prefix module debian_package what)
     elseif(${prefix}_FOUND)
         message(STATUS "YxFrontPanel: ${what}: OFF (${option_name}=OFF; ${module} "
             "${${prefix}_VERSION} is installed)")
+    elseif(CMAKE_CROSSCOMPILING)
+        message(STATUS "YxFrontPanel: ${what}: OFF (left out of this ${CMAKE_SYSTEM_PROCESSOR} "
+            "cross build: ${module} for the target was not found; ${option_name}=ON requires it)")
     else()
         message(STATUS "YxFrontPanel: ${what}: OFF (${module} not found; Debian package "
             "${debian_package}; ${option_name}=ON requires it)")

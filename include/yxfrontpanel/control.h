@@ -69,15 +69,24 @@ protected:
     /** The control's own cells, for derived controls to draw into. */
     frontpanelhw::drawing::DisplayBuffer& buffer();
 
+    /** Called by `setText` with this control just before it replaces the text by a different
+     *  one (the old text is still in place); for subclasses that keep state derived from it. */
+    using TextReplacingHook = void (*)(Control& control);
+    /** Installs the text-replacing hook (null: none; one per control, replacing the last). */
+    void setTextReplacingHook(TextReplacingHook hook);
+
 private:
     // Null for a control of no cells at all (every menu item is created 0 x 0 and never draws
     // into a buffer of its own), so that large menus do not carry an empty buffer per item.
     std::unique_ptr<frontpanelhw::drawing::DisplayBuffer> buffer_;
-    DrawCallback onDraw_;
+    // Null until an on-draw callback is installed: only controls inside a form or widget get
+    // one, never menu items, and a menu may hold a great many of those.
+    std::unique_ptr<DrawCallback> onDraw_;
     std::u16string text_;
     drawing::Point location_;
     drawing::Rectangle size_;
     std::function<void()> redrawParent_;
+    TextReplacingHook textReplacing_ = nullptr;
     std::atomic<bool> shown_{false};
     std::atomic<bool> visible_{true};
 };

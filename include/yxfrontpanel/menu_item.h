@@ -141,6 +141,8 @@ protected:
     void setOwnText(std::u16string const& text);
 
 private:
+    static void keepMenuTextOnRename(Control& control);
+
     // The small members first: they fit into the tail padding of the Control part, which keeps
     // every item of a large menu a few bytes smaller.
     std::atomic<bool> selected_{false};
@@ -148,7 +150,9 @@ private:
     unsigned int lineLength_ = 0;
     FocusChangedCallback focusChanged_;
     VisibleChangedCallback visibleChanged_;
-    std::u16string menuText_;
+    // The menu text. Null while it is the name, as it is for most items of a large menu, so
+    // that they do not carry a second copy of it; a rename first copies the old name here.
+    std::unique_ptr<std::u16string> ownText_;
     IForm* form_ = nullptr;
     // Null while the item shows the default "(N/A)": most items never change it, and a menu may
     // hold a great many items.

@@ -21,14 +21,14 @@ void Control::setVisible(bool visible) {
 }
 
 void Control::draw(bool redrawParent) {
-    if (!onDraw_) {
+    if (!onDraw_ || !*onDraw_) {
         return;
     }
     if (visible_.load()) {
-        onDraw_(location_, buffer());
+        (*onDraw_)(location_, buffer());
     } else {
         frontpanelhw::drawing::DisplayBuffer blank(size_.width, size_.height);
-        onDraw_(location_, blank);
+        (*onDraw_)(location_, blank);
     }
     if (redrawParent) {
         this->redrawParent();
@@ -40,6 +40,9 @@ bool Control::getVisible() const { return visible_.load(); }
 void Control::setText(std::u16string const& text) {
     if (text == text_) {
         return;
+    }
+    if (textReplacing_ != nullptr) {
+        textReplacing_(*this);
     }
     // A fresh copy has exactly the text's capacity (assignment may round it up): a menu holds
     // one such text per item.
@@ -59,7 +62,15 @@ void Control::setLocation(drawing::Point const& location, bool redraw) {
     }
 }
 
-void Control::onDrawCallback(DrawCallback const& callback) { onDraw_ = callback; }
+void Control::onDrawCallback(DrawCallback const& callback) {
+    if (onDraw_) {
+        *onDraw_ = callback;
+    } else if (callback) {
+        onDraw_ = std::make_unique<DrawCallback>(callback);
+    }
+}
+
+void Control::setTextReplacingHook(TextReplacingHook hook) { textReplacing_ = hook; }
 
 void Control::setRedrawParentCallback(std::function<void()> const& callback) {
     redrawParent_ = callback;

@@ -17,8 +17,18 @@ void sleep_for(std::chrono::nanoseconds const& duration) {  // NOLINT(readabilit
 MenuItem::MenuItem(std::u16string const& text)
     : Control(drawing::Point{0, 0}, drawing::Rectangle{0, 0}) {
     Control::setText(text);
+    setTextReplacingHook(&MenuItem::keepMenuTextOnRename);
     // Still constructing: this reaches the base version, which makes the name the menu text.
     MenuItem::createMenuText();
+}
+
+void MenuItem::keepMenuTextOnRename(Control& control) {
+    // Installed by the constructor on the item itself, so the control is a MenuItem. A menu
+    // text that was the name stays the old name: renaming alone does not rebuild it.
+    auto& item = static_cast<MenuItem&>(control);
+    if (!item.ownText_) {
+        item.ownText_ = std::make_unique<std::u16string>(item.getText());
+    }
 }
 
 MenuItem::~MenuItem() = default;
@@ -69,7 +79,7 @@ bool MenuItem::down() { return false; }
 void MenuItem::setAvailable(bool available) {
     available_.store(available);
     // Emptied first so that an item made available again falls back to its bare name.
-    menuText_.clear();
+    setOwnText(std::u16string());
     createMenuText();
 }
 
@@ -79,15 +89,15 @@ void MenuItem::setNotAvailableText(std::u16string const& text) {
 }
 
 void MenuItem::createMenuText() {
-    std::u16string const previous = menuText_;
+    std::u16string const previous = getOwnText();
     if (available_.load()) {
-        if (menuText_.empty()) {
-            menuText_ = std::u16string(getText());  // exact capacity, as in Control::setText
+        if (getOwnText().empty()) {
+            setOwnText(getText());
         }
     } else {
-        menuText_ = getText() + u" " + getNotAvailableText();
+        setOwnText(getText() + u" " + getNotAvailableText());
     }
-    if (getShown() && menuText_ != previous) {
+    if (getShown() && getOwnText() != previous) {
         redrawParent();
     }
 }
@@ -106,15 +116,16 @@ frontpanelhw::drawing::DisplayLine MenuItem::createLineFromMenuText() const {
     // Built straight into the line (no padded copy of the text): this runs for
     // every line on screen at every key press.
     bool const inverted = selected_.load() && lineLength_ > 0;
-    std::size_t const shown = std::min<std::size_t>(menuText_.size(), lineLength_);
+    std::u16string const& text = getOwnText();
+    std::size_t const shown = std::min<std::size_t>(text.size(), lineLength_);
     frontpanelhw::drawing::DisplayLine line;
-    line.appendText(menuText_.data(), static_cast<unsigned>(shown), inverted);
+    line.appendText(text.data(), static_cast<unsigned>(shown), inverted);
     line.appendFill(u' ', lineLength_ - static_cast<unsigned>(shown), inverted);
     return line;
 }
 
 void MenuItem::updateOwnText(std::u16string const& text) {
-    menuText_ = text;
+    setOwnText(text);
     if (getShown()) {
         redrawParent();
     }
@@ -149,7 +160,7 @@ std::u16string const& MenuItem::getNotAvailableText() const {
     return notAvailableText_ ? *notAvailableText_ : kDefaultNotAvailableText;
 }
 
-std::u16string const& MenuItem::getOwnText() const { return menuText_; }
+std::u16string const& MenuItem::getOwnText() const { return ownText_ ? *ownText_ : getText(); }
 
 bool MenuItem::getSelected() const { return selected_.load(); }
 
@@ -161,6 +172,14 @@ unsigned int MenuItem::getLineLength() const { return lineLength_; }
 
 IForm* MenuItem::getForm() const { return form_; }
 
-void MenuItem::setOwnText(std::u16string const& text) { menuText_ = text; }
+void MenuItem::setOwnText(std::u16string const& text) {
+    if (text == getText()) {
+        ownText_.reset();  // `text` may be the old menu text itself: not used after this
+    } else if (ownText_) {
+        *ownText_ = text;
+    } else {
+        ownText_ = std::make_unique<std::u16string>(text);
+    }
+}
 
 }  // namespace yxfrontpanel

@@ -7,6 +7,15 @@ set(YXFP_CONSUMER_OPTIONS
     -DCMAKE_CXX_COMPILER=${CMAKE_CXX_COMPILER}
     "-DCMAKE_CXX_FLAGS=${CMAKE_CXX_FLAGS}"
     -DCMAKE_BUILD_TYPE=${CMAKE_BUILD_TYPE})
+# A cross build builds its consumers with the same toolchain and runs them under its emulator.
+set(YXFP_CONSUMER_RUN "")
+if(CMAKE_CROSSCOMPILING)
+    list(APPEND YXFP_CONSUMER_OPTIONS -DCMAKE_TOOLCHAIN_FILE=${CMAKE_TOOLCHAIN_FILE})
+    if(DEFINED YXFP_CROSS_LIBRARY_ROOT)
+        list(APPEND YXFP_CONSUMER_OPTIONS -DYXFP_CROSS_LIBRARY_ROOT=${YXFP_CROSS_LIBRARY_ROOT})
+    endif()
+    set(YXFP_CONSUMER_RUN ${CMAKE_CROSSCOMPILING_EMULATOR})
+endif()
 
 add_test(NAME consumer.install
     COMMAND ${CMAKE_COMMAND} --install ${CMAKE_BINARY_DIR} --prefix ${YXFP_CONSUMER_PREFIX})
@@ -17,14 +26,14 @@ add_test(NAME consumer.find_package
         --build-and-test ${YXFP_CONSUMER_DIR}/find_package ${YXFP_CONSUMER_WORK}/find_package
         --build-generator ${CMAKE_GENERATOR}
         --build-options ${YXFP_CONSUMER_OPTIONS} -DCMAKE_PREFIX_PATH=${YXFP_CONSUMER_PREFIX}
-        --test-command consumer)
+        --test-command ${YXFP_CONSUMER_RUN} ${YXFP_CONSUMER_WORK}/find_package/consumer)
 set_tests_properties(consumer.find_package PROPERTIES
     FIXTURES_REQUIRED yxfp_installed PASS_REGULAR_EXPRESSION "consumer OK: 192.168.1.2")
 
 add_test(NAME consumer.pkg_config
     COMMAND sh ${YXFP_CONSUMER_DIR}/pkg_config_consumer.sh ${YXFP_CONSUMER_PREFIX}
-        ${CMAKE_CXX_COMPILER} "${CMAKE_CXX_FLAGS}" ${YXFP_CONSUMER_DIR}/consumer_main.cpp
-        ${YXFP_CONSUMER_WORK}/pkg_config)
+        ${CMAKE_CXX_COMPILER} "${CMAKE_CXX_FLAGS} ${CMAKE_EXE_LINKER_FLAGS}"
+        ${YXFP_CONSUMER_DIR}/consumer_main.cpp ${YXFP_CONSUMER_WORK}/pkg_config ${YXFP_CONSUMER_RUN})
 set_tests_properties(consumer.pkg_config PROPERTIES
     FIXTURES_REQUIRED yxfp_installed PASS_REGULAR_EXPRESSION "consumer OK: 192.168.1.2")
 
@@ -54,7 +63,7 @@ add_test(NAME consumer.add_subdirectory
             ${YXFP_CONSUMER_WORK}/add_subdirectory
         --build-generator ${CMAKE_GENERATOR}
         --build-options ${YXFP_CONSUMER_OPTIONS} -DYXFP_SOURCE_DIR=${PROJECT_SOURCE_DIR}
-        --test-command consumer)
+        --test-command ${YXFP_CONSUMER_RUN} ${YXFP_CONSUMER_WORK}/add_subdirectory/consumer)
 set_tests_properties(consumer.add_subdirectory PROPERTIES
     PASS_REGULAR_EXPRESSION "consumer OK: 192.168.1.2")
 

@@ -30,6 +30,25 @@ TEST(ControlTest, DrawWithoutCallbackDoesNothingNotEvenRedrawParent) {
     EXPECT_EQ(redraws, 0);
 }
 
+TEST(ControlTest, DrawAfterTheCallbackWasReplacedByAnEmptyOneDoesNothing) {
+    Control control(Point{0, 0}, Rectangle{3, 1});
+    ParentProbe parent;
+    parent.attach(control);
+    control.onDrawCallback({});
+    control.draw(true);
+    EXPECT_EQ(parent.draws, 0);
+    EXPECT_EQ(parent.redraws, 0);
+}
+
+TEST(ControlTest, EmptyOnDrawCallbackInstallsNothing) {
+    Control control(Point{0, 0}, Rectangle{3, 1});
+    int redraws = 0;
+    control.setRedrawParentCallback([&redraws] { ++redraws; });
+    control.onDrawCallback({});
+    control.draw(true);
+    EXPECT_EQ(redraws, 0);
+}
+
 TEST(ControlTest, DrawHandsLocationAndBufferToParent) {
     Control control(Point{4, 2}, Rectangle{3, 1});
     ParentProbe parent;

@@ -1,10 +1,13 @@
 # One test per scripted walk in this folder: tests/golden/NAME.keys against NAME.expected.
 if(TARGET frontpanel-sim)
+    # A cross-built simulator runs under the emulator (a list, passed joined by '|').
+    string(REPLACE ";" "|" golden_emulator "${CMAKE_CROSSCOMPILING_EMULATOR}")
     file(GLOB golden_scripts CONFIGURE_DEPENDS ${CMAKE_CURRENT_LIST_DIR}/*.keys)
     foreach(script IN LISTS golden_scripts)
         get_filename_component(name ${script} NAME_WE)
         add_test(NAME golden.${name}
-            COMMAND ${CMAKE_COMMAND} -DSIM=$<TARGET_FILE:frontpanel-sim> -DKEYS=${script}
+            COMMAND ${CMAKE_COMMAND} -DSIM=$<TARGET_FILE:frontpanel-sim>
+                "-DEMULATOR=${golden_emulator}" -DKEYS=${script}
                 -DEXPECTED=${CMAKE_CURRENT_LIST_DIR}/${name}.expected
                 -P ${CMAKE_CURRENT_LIST_DIR}/run_golden.cmake)
     endforeach()
@@ -23,6 +26,6 @@ if(TARGET frontpanel-sim)
     if(YXFP_TMUX)
         add_test(NAME simulator.tmux
             COMMAND sh ${CMAKE_CURRENT_LIST_DIR}/../tools/tmux_sim_test.sh
-                $<TARGET_FILE:frontpanel-sim>)
+                ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:frontpanel-sim>)
     endif()
 endif()

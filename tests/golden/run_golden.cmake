@@ -1,6 +1,7 @@
 # Runs one scripted walk of frontpanel-sim and compares the printed frames with the checked-in
 # expectation. Variables: SIM (the program), KEYS (the .keys file), EXPECTED (the .expected
-# file). A line "# options: ..." in the key script adds command-line options (e.g. --size 16x2);
+# file), EMULATOR (optional: the command that runs a cross-built SIM, its words joined by '|').
+# A line "# options: ..." in the key script adds command-line options (e.g. --size 16x2);
 # @SETTINGS_FILE@ in them names a settings file of this walk that is removed before every run.
 # With the environment variable YXFP_UPDATE_GOLDEN=1 the expectation is rewritten instead.
 file(STRINGS ${KEYS} option_lines REGEX "^# options:")
@@ -21,8 +22,9 @@ if(options MATCHES "@SETTINGS_FILE@")
     string(REPLACE "@SETTINGS_FILE@" "${settings_file}" options "${options}")
 endif()
 
+string(REPLACE "|" ";" emulator "${EMULATOR}")
 execute_process(
-    COMMAND ${SIM} --keys-file ${KEYS} --print all ${options}
+    COMMAND ${emulator} ${SIM} --keys-file ${KEYS} --print all ${options}
     OUTPUT_VARIABLE actual
     ERROR_VARIABLE errors
     RESULT_VARIABLE status)

@@ -191,6 +191,44 @@ TEST(MenuItemTest, SetOwnTextStoresWithoutRedraw) {
     EXPECT_EQ(menu.provider.drawCount(), 0U);
 }
 
+// Renaming does not rebuild the menu text: it keeps the old name until something rebuilds it.
+TEST(MenuItemTest, RenamingKeepsTheMenuTextUntilItIsRebuilt) {
+    auto item = std::make_shared<TestItem>(u"Speed");
+    ShownMenu menu({item});
+    item->setText(u"Rate");
+    EXPECT_EQ(item->getText(), u"Rate");
+    EXPECT_EQ(item->getOwnText(), u"Speed");
+    EXPECT_EQ(menu.provider.line(0), menuLine(u"Speed"));
+    item->createMenuText();
+    EXPECT_EQ(item->getOwnText(), u"Speed");
+    item->setAvailable(true);
+    EXPECT_EQ(item->getOwnText(), u"Rate");
+    EXPECT_EQ(menu.provider.line(0), menuLine(u"Rate"));
+}
+
+// The same through the Control interface, the way a form or any other owner of a Control sees
+// the item, and again after the menu text has once been the name by choice.
+TEST(MenuItemTest, RenamingThroughControlKeepsAMenuTextEqualToTheOldName) {
+    TestItem item(u"Speed");
+    item.updateOwnText(u"Speed: 5");
+    item.updateOwnText(u"Speed");
+    yxfrontpanel::Control& control = item;
+    control.setText(std::string("Rate"));
+    EXPECT_EQ(item.getOwnText(), u"Speed");
+    item.setAvailable(false);
+    EXPECT_EQ(item.getOwnText(), u"Rate (N/A)");
+}
+
+// A menu text set to the name follows no later rename either.
+TEST(MenuItemTest, OwnTextEqualToTheNameStaysAfterARename) {
+    TestItem item(u"Speed");
+    item.updateOwnText(u"Speed: 5");
+    item.setOwnText(u"Speed");
+    item.setText(u"Rate");
+    item.setText(u"Pace");
+    EXPECT_EQ(item.getOwnText(), u"Speed");
+}
+
 TEST(MenuItemTest, GetFocusIsFalseWithoutForm) {
     TestItem item(u"Speed");
     EXPECT_FALSE(item.getFocus());

@@ -86,6 +86,13 @@ TEST(DisplayBufferTest, StartsBlankAndNotInverted) {
     EXPECT_EQ(inversionOf(buffer, 1), ".....");
 }
 
+// More cells than the address space holds is refused, also where size_t has 32 bits and the
+// cell count would otherwise wrap around to a small buffer behind large dimensions.
+TEST(DisplayBufferTest, DimensionsBeyondTheAddressSpaceThrowLengthError) {
+    unsigned const most = std::numeric_limits<unsigned>::max();
+    EXPECT_THROW(DisplayBuffer(most, most), std::length_error);
+}
+
 TEST(DisplayBufferTest, SetLineContentClipsAtRightEdge) {
     DisplayBuffer buffer(5, 1);
     buffer.setLineContent(0, 0, u"-----");

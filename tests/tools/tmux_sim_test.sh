@@ -1,9 +1,10 @@
 #!/bin/sh
 # Starts frontpanel-sim inside tmux, presses real keys with send-keys and checks the captured
 # screen: the menu, the cursor in reverse video, a sub-menu, the IP editor, back by Escape,
-# local/remote and quit.
+# local/remote and quit. Arguments: the simulator, after the emulator's command that runs it
+# when it was cross-built (tmux runs them as one shell command line).
 set -eu
-sim=$1
+sim="$*"
 session="yxfp-sim-$$"
 export LANG=C.UTF-8 LC_ALL=C.UTF-8 TERM=xterm-256color
 cleanup() { tmux kill-session -t "$session" 2> /dev/null || true; }

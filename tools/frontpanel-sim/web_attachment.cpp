@@ -31,7 +31,11 @@ void WebAttachment::attach(SimContext const& context) {
 #endif
 }
 
-void WebAttachment::detach() noexcept { server_.reset(); }
+void WebAttachment::detach() noexcept {
+#ifdef YXFP_HAVE_WEB
+    server_.reset();
+#endif
+}
 
 bool WebAttachment::keepsRunning() const { return true; }
 

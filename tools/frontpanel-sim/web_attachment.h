@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
 #include "attachment.h"
 #include "endpoint.h"
@@ -28,7 +29,10 @@ public:
 private:
     Endpoint endpoint_;
     std::string accessToken_;
+#ifdef YXFP_HAVE_WEB
+    // Only where the runtime has the web panel: elsewhere it lacks even the destructor.
     std::unique_ptr<yxfrontpanel::runtime::WebPanelServer> server_;
+#endif
 };
 
 }  // namespace frontpanelsim

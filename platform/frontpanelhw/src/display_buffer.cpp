@@ -3,15 +3,28 @@
 #include <algorithm>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace frontpanelhw::drawing {
 
 namespace {
 constexpr DisplayChar kBlank{u' ', false};
+
+// chars x lines, refused when the vector cannot hold it. Where size_t has 32 bits (armhf) the
+// plain product wraps around and would give a small buffer behind large dimensions.
+std::size_t cellCount(unsigned chars, unsigned lines) {
+    std::size_t const most = std::vector<DisplayChar>().max_size();
+    if (lines != 0 && chars > most / lines) {
+        throw std::length_error("DisplayBuffer: " + std::to_string(chars) + " x " +
+                                std::to_string(lines) + " cells exceed the " +
+                                std::to_string(most) + " cells a buffer can hold");
+    }
+    return std::size_t{chars} * lines;
+}
 }  // namespace
 
 DisplayBuffer::DisplayBuffer(unsigned chars, unsigned lines)
-    : chars_(chars), lines_(lines), cells_(std::size_t{chars} * lines, kBlank) {}
+    : chars_(chars), lines_(lines), cells_(cellCount(chars, lines), kBlank) {}
 
 void DisplayBuffer::clear() { std::fill(cells_.begin(), cells_.end(), kBlank); }
 

@@ -81,7 +81,9 @@ private:
  *  toolkit places aligned text whose start column may lie past the right edge. */
 class FRONTPANELHW_EXPORT DisplayBuffer {
 public:
-    /** A blank buffer (spaces, not inverted) of `lines` lines of `chars` cells. */
+    /** A blank buffer (spaces, not inverted) of `lines` lines of `chars` cells.
+     *  @throws std::length_error when that many cells exceed what a vector can hold (on a
+     *  32-bit target already beyond 2^32 / 4 cells); std::bad_alloc when memory runs out. */
     DisplayBuffer(unsigned chars, unsigned lines);
 
     /** Makes every cell a space, not inverted; the dimensions stay. */
