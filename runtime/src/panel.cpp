@@ -15,6 +15,7 @@
 #include <utility>
 #include <vector>
 
+#include "flush_before_sleep.h"
 #include "panel_provider.h"
 #include "task_queue.h"
 #include "timer_queue.h"
@@ -206,8 +207,10 @@ private:
                 throw std::logic_error("Panel: already running");
             }
             impl.panelThread_.store(std::this_thread::get_id());
+            flushBeforeSleep_.emplace([&impl] { impl.flushFrame(FramePeriod::Ignore); });
         }
         ~RunGuard() {
+            flushBeforeSleep_.reset();
             impl_.panelThread_.store(std::thread::id{});
             impl_.running_.store(false);
         }
@@ -216,6 +219,8 @@ private:
 
     private:
         Impl& impl_;
+        // A hint's screen is shown before the hint blocks this thread.
+        std::optional<detail::FlushBeforeSleep> flushBeforeSleep_;
     };
 
     TimerId addTimer(std::chrono::nanoseconds delay, std::chrono::nanoseconds period, Task task) {
@@ -580,9 +585,13 @@ private:
         framePending_ = true;
     }
 
+    /** Whether a draw waits for the end of the frame period (`Respect`) or not (`Ignore`: the
+     *  panel's thread is about to block, so the screen would not be seen otherwise). */
+    enum class FramePeriod { Respect, Ignore };
+
     /** Draws the pending screen when the frame period allows. The display and the frame
      *  listeners are called without the lock, so that they may compose screens themselves. */
-    void flushFrame() {
+    void flushFrame(FramePeriod period = FramePeriod::Respect) {
         if (!onPanelThread()) {
             return;
         }
@@ -592,7 +601,7 @@ private:
                 return;
             }
             TimePoint const now = clock_->now();
-            if (now < nextFrameTime()) {
+            if (period == FramePeriod::Respect && now < nextFrameTime()) {
                 return;  // drawn when the frame period is over
             }
             framePending_ = false;

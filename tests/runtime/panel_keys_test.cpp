@@ -1,3 +1,4 @@
+#include <frontpanelhw/display.h>
 #include <yxfrontpanel/runtime.h>
 #include <yxfrontpanel/trigger_menu_item.h>
 
@@ -126,6 +127,43 @@ TEST(PanelHintTest, KeysAndPostsDuringAHintAreServedAfterIt) {
     EXPECT_EQ(events, (std::vector<std::string>{"hint", "post"}));
     EXPECT_EQ(display.getLastFrame().getLineString(2), u"Beta                ");
     EXPECT_TRUE(display.getLastFrame().getCell(0, 2).inverted) << "both downs served, in order";
+    tree->clearItems();
+}
+
+// A hint inside the frame period is drawn before it blocks the panel's thread: the frame limit
+// would otherwise hold its screen back until after the block, when the next screen replaces it.
+TEST(PanelHintTest, AHintInsideTheFramePeriodIsShownWhileItBlocks) {
+    frontpanelhw::MemoryDisplay display(20, 4);
+    auto const clock = std::make_shared<yxfrontpanel::runtime::ManualClock>();
+    yxfrontpanel::runtime::Panel panel(display, {}, clock);  // 30 frames a second
+    auto tree = yxfrontpanel::MenuTreeFactory().create(panel.provider());
+    auto save = std::make_shared<yxfrontpanel::TriggerMenuItem>(u"Save", 1000ms);
+    save->action = [] { return true; };
+    tree->addItem(save);
+    tree->addItem(std::make_shared<yxfp_test::TestItem>(u"Alpha"));
+    tree->setLocal(true);
+    panel.setRoot(*tree);
+    auto keys = std::make_shared<yxfp_test::QueuedKeySource>();
+    panel.addKeySource(keys);
+    std::vector<std::u16string> shownWhileBlocked;
+    std::vector<std::u16string> composedWhileBlocked;
+    yxfp_test::SleepCapture const hint([&](std::chrono::nanoseconds /*duration*/) {
+        shownWhileBlocked.push_back(display.getLastFrame().getLineString(0));
+        composedWhileBlocked.push_back(panel.currentScreen().getLineString(0));
+    });
+    panel.runOnce(0ms);
+    std::u16string const before = display.getLastFrame().getLineString(0);
+    std::size_t const drawsBefore = display.getDrawCount();
+    keys->press(PanelKey::Enter);  // the same instant as the first frame
+    panel.runOnce(0ms);
+    ASSERT_EQ(hint.sleeps().size(), 1U);
+    ASSERT_EQ(composedWhileBlocked.size(), 1U);
+    EXPECT_NE(composedWhileBlocked[0], before) << "the tick changes the line";
+    EXPECT_EQ(shownWhileBlocked, composedWhileBlocked);
+    EXPECT_EQ(display.getDrawCount(), drawsBefore + 1) << "the screen after the tick waits";
+    clock->advance(1s);
+    panel.runOnce(0ms);
+    EXPECT_EQ(display.getLastFrame().getLineString(0), before);
     tree->clearItems();
 }
 
