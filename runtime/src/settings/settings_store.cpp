@@ -256,16 +256,17 @@ private:
         }
         std::string reason;
         std::optional<detail::SettingsDocument> document = detail::parseDocument(text, reason);
-        if (document && document->application != options_.applicationName) {
-            reason = "written by application \"" + document->application + "\", not \"" +
-                     options_.applicationName + "\"";
-            document.reset();
-        }
-        if (document) {
+        if (document && document->application == options_.applicationName) {
             if (isMain) {
                 result.source = LoadResult::Source::File;
             }
-            return document;
+            // The value moved out, not the optional: GCC 12 at -O3 takes the optional's move for
+            // a read of an uninitialised string.
+            return std::move(*document);
+        }
+        if (document) {
+            reason = "written by application \"" + document->application + "\", not \"" +
+                     options_.applicationName + "\"";
         }
         result.source = LoadResult::Source::DefaultsAfterCorruption;
         result.detail += (result.detail.empty() ? "" : "; ") + file + ": " + reason;
