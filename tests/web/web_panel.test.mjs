@@ -197,6 +197,10 @@ test("in REMOTE mode an edit shows the local-mode hint", async () => {
     await page.keyboard.press("Enter");  // Output
     await page.waitForFunction(() => document.querySelector("#lcd .line").textContent
       .includes("Voltage"));
+    await page.keyboard.press("ArrowDown");
+    await page.keyboard.press("ArrowDown");  // "Output: Off", switched in place
+    await page.waitForFunction(() => document.querySelectorAll("#lcd .line")[2]
+      .querySelector(".inv") !== null);
     await page.keyboard.press("Enter");  // refused outside local mode
     await page.waitForFunction(() => document.querySelector("#lcd").textContent
       .includes("Only in local mode!"));

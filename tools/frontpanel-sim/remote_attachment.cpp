@@ -1,5 +1,6 @@
 #include "remote_attachment.h"
 
+#include <iostream>
 #include <utility>
 
 namespace frontpanelsim {
@@ -19,6 +20,10 @@ void RemoteAttachment::attach(SimContext const& context) {
     options.localMode.set = [&app](bool local) { app.setLocal(local); };
     remote_ = std::make_unique<yxfrontpanel::runtime::RemoteControl>(context.panel, options);
     remote_->start();
+    // The bound addresses, with the port the system picked for port 0, for scripts to read.
+    for (std::string const& address : remote_->addresses()) {
+        std::cerr << "frontpanel-sim: remote control on " << address << std::endl;
+    }
 }
 
 void RemoteAttachment::detach() noexcept { remote_.reset(); }
