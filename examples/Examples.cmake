@@ -13,6 +13,16 @@ add_test(NAME examples.install
     COMMAND ${CMAKE_COMMAND} --install ${CMAKE_BINARY_DIR} --prefix ${YXFP_EXAMPLES_PREFIX})
 set_tests_properties(examples.install PROPERTIES FIXTURES_SETUP yxfp_examples_installed)
 
+# A cross build has GoogleTest for the target only in its own build tree (built from sources);
+# the examples' FindGTest is pointed at those libraries (the headers are the host's, the same
+# version).
+set(YXFP_EXAMPLES_TARGET_GTEST "")
+if(CMAKE_CROSSCOMPILING AND TARGET gmock_main)
+    set(YXFP_EXAMPLES_TARGET_GTEST
+        -DGTEST_LIBRARY=$<TARGET_FILE:gtest> -DGTEST_MAIN_LIBRARY=$<TARGET_FILE:gtest_main>
+        -DGMOCK_LIBRARY=$<TARGET_FILE:gmock> -DGMOCK_MAIN_LIBRARY=$<TARGET_FILE:gmock_main>)
+endif()
+
 # yxfp_add_example(NAME RUN PROGRAM [ARGS...]): build examples/NAME, then run PROGRAM from its
 # build folder; the test passes when it exits with 0.
 # yxfp_add_example(NAME CTEST): build examples/NAME, then run its own tests with ctest.
@@ -22,7 +32,7 @@ function(yxfp_add_example name mode)
         set(test_command ${CMAKE_CTEST_COMMAND} --test-dir ${build_dir} --output-on-failure
             --no-tests=error)
     elseif(mode STREQUAL "RUN")
-        set(test_command ${ARGN})
+        set(test_command ${YXFP_OUTSIDE_RUN} ${ARGN})
     else()
         message(FATAL_ERROR "yxfp_add_example(${name}): RUN PROGRAM or CTEST, not '${mode}'")
     endif()
@@ -35,6 +45,7 @@ function(yxfp_add_example name mode)
                 "-DCMAKE_CXX_FLAGS=${YXFP_EXAMPLES_FLAGS}"
                 -DCMAKE_BUILD_TYPE=${CMAKE_BUILD_TYPE}
                 -DCMAKE_PREFIX_PATH=${YXFP_EXAMPLES_PREFIX}
+                ${YXFP_OUTSIDE_CROSS_OPTIONS} ${YXFP_EXAMPLES_TARGET_GTEST}
             --test-command ${test_command})
     set_tests_properties(example.${name} PROPERTIES FIXTURES_REQUIRED yxfp_examples_installed)
 endfunction()

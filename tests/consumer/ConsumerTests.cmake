@@ -6,16 +6,9 @@ set(YXFP_CONSUMER_PREFIX ${YXFP_CONSUMER_WORK}/prefix)
 set(YXFP_CONSUMER_OPTIONS
     -DCMAKE_CXX_COMPILER=${CMAKE_CXX_COMPILER}
     "-DCMAKE_CXX_FLAGS=${CMAKE_CXX_FLAGS}"
-    -DCMAKE_BUILD_TYPE=${CMAKE_BUILD_TYPE})
-# A cross build builds its consumers with the same toolchain and runs them under its emulator.
-set(YXFP_CONSUMER_RUN "")
-if(CMAKE_CROSSCOMPILING)
-    list(APPEND YXFP_CONSUMER_OPTIONS -DCMAKE_TOOLCHAIN_FILE=${CMAKE_TOOLCHAIN_FILE})
-    if(DEFINED YXFP_CROSS_LIBRARY_ROOT)
-        list(APPEND YXFP_CONSUMER_OPTIONS -DYXFP_CROSS_LIBRARY_ROOT=${YXFP_CROSS_LIBRARY_ROOT})
-    endif()
-    set(YXFP_CONSUMER_RUN ${CMAKE_CROSSCOMPILING_EMULATOR})
-endif()
+    -DCMAKE_BUILD_TYPE=${CMAKE_BUILD_TYPE}
+    ${YXFP_OUTSIDE_CROSS_OPTIONS})
+set(YXFP_CONSUMER_RUN ${YXFP_OUTSIDE_RUN})
 
 add_test(NAME consumer.install
     COMMAND ${CMAKE_COMMAND} --install ${CMAKE_BINARY_DIR} --prefix ${YXFP_CONSUMER_PREFIX})
@@ -41,7 +34,7 @@ set_tests_properties(consumer.pkg_config PROPERTIES
 # run path leads to the installed libraries.
 if(TARGET frontpanel-sim)
     add_test(NAME consumer.installed_simulator
-        COMMAND ${CMAKE_COMMAND} -E env --unset=LD_LIBRARY_PATH
+        COMMAND ${CMAKE_COMMAND} -E env --unset=LD_LIBRARY_PATH ${YXFP_CONSUMER_RUN}
             ${YXFP_CONSUMER_PREFIX}/${CMAKE_INSTALL_BINDIR}/frontpanel-sim
             --keys "down up" --print last)
     set_tests_properties(consumer.installed_simulator PROPERTIES
@@ -52,8 +45,10 @@ endif()
 # uses them stays C++20.
 add_test(NAME consumer.pkg_config_cxx20
     COMMAND sh ${YXFP_CONSUMER_DIR}/pkg_config_consumer.sh ${YXFP_CONSUMER_PREFIX}
-        ${CMAKE_CXX_COMPILER} "${CMAKE_CXX_FLAGS} -std=c++20 -DYXFP_EXPECT_CXX20"
-        ${YXFP_CONSUMER_DIR}/consumer_main.cpp ${YXFP_CONSUMER_WORK}/pkg_config_cxx20)
+        ${CMAKE_CXX_COMPILER}
+        "${CMAKE_CXX_FLAGS} ${CMAKE_EXE_LINKER_FLAGS} -std=c++20 -DYXFP_EXPECT_CXX20"
+        ${YXFP_CONSUMER_DIR}/consumer_main.cpp ${YXFP_CONSUMER_WORK}/pkg_config_cxx20
+        ${YXFP_CONSUMER_RUN})
 set_tests_properties(consumer.pkg_config_cxx20 PROPERTIES
     FIXTURES_REQUIRED yxfp_installed PASS_REGULAR_EXPRESSION "consumer OK: 192.168.1.2")
 
@@ -76,7 +71,7 @@ add_test(NAME consumer.example_bench_supply
         --build-generator ${CMAKE_GENERATOR}
         --build-options ${YXFP_CONSUMER_OPTIONS} -DCMAKE_PREFIX_PATH=${YXFP_CONSUMER_PREFIX}
         --test-command sh ${YXFP_CONSUMER_DIR}/run_with_input_closed.sh
-            ${YXFP_CONSUMER_WORK}/bench_supply/bench_supply)
+            ${YXFP_CONSUMER_WORK}/bench_supply/bench_supply ${YXFP_CONSUMER_RUN})
 set_tests_properties(consumer.example_bench_supply PROPERTIES
     FIXTURES_REQUIRED yxfp_installed PASS_REGULAR_EXPRESSION "bench_supply ended with its input")
 add_test(NAME consumer.example_bench_supply_in_readme

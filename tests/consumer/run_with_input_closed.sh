@@ -2,7 +2,9 @@
 # Runs a terminal program as CI can: on a terminal type curses knows, output thrown away, and
 # input from a pipe that is already closed, so that its key source reports the end at once and
 # the program stops on its own. Fails when it exits with another status than 0.
-#   run_with_input_closed.sh PROGRAM
+#   run_with_input_closed.sh PROGRAM [EMULATOR...]   (EMULATOR: runs a cross-built PROGRAM)
 set -eu
-: | TERM=xterm-256color "$1" > /dev/null
-echo "$(basename "$1") ended with its input"
+program=$1
+shift
+: | TERM=xterm-256color "$@" "$program" > /dev/null
+echo "$(basename "$program") ended with its input"

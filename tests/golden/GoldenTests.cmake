@@ -18,7 +18,8 @@ if(TARGET frontpanel-sim)
             COMMAND bash ${CMAKE_CURRENT_LIST_DIR}/remote/run_remote_golden.sh
                 $<TARGET_FILE:frontpanel-sim> $<TARGET_FILE:frontpanel-ctl>
                 ${CMAKE_CURRENT_LIST_DIR}/remote/demo_over_ctl.commands
-                ${CMAKE_CURRENT_LIST_DIR}/remote/demo_over_ctl.expected)
+                ${CMAKE_CURRENT_LIST_DIR}/remote/demo_over_ctl.expected
+                ${CMAKE_CROSSCOMPILING_EMULATOR})
     endif()
 
     # The real program in a real terminal: tmux runs it, sends keys, reads the screen.

@@ -1,10 +1,13 @@
 #!/usr/bin/env bash
 # Drives the demo through frontpanel-ctl and compares the answers and screens with the
-# checked-in expectation. Usage: run_remote_golden.sh SIM CTL COMMANDS EXPECTED
+# checked-in expectation. Usage: run_remote_golden.sh SIM CTL COMMANDS EXPECTED [EMULATOR...]
+# (EMULATOR: the command that runs the cross-built programs)
 # The simulator runs --headless with its command server on an ephemeral loopback port and a
 # Unix socket; its log tells the port. YXFP_UPDATE_GOLDEN=1 rewrites the expectation.
 set -euo pipefail
 sim=$1 ctl=$2 commands=$3 expected=$4
+shift 4
+emulator=("$@")
 
 work=$(mktemp -d)
 sim_pid=
@@ -15,7 +18,7 @@ cleanup() {
 trap cleanup EXIT
 
 mkfifo "$work/log"
-"$sim" --headless --idle 0 --listen 127.0.0.1:0 --listen "unix:$work/panel.sock" \
+"${emulator[@]}" "$sim" --headless --idle 0 --listen 127.0.0.1:0 --listen "unix:$work/panel.sock" \
     2> "$work/log" &
 sim_pid=$!
 exec 3< "$work/log"
@@ -44,7 +47,7 @@ while IFS= read -r line; do
     fi
     echo "> $line" >> "$actual"
     status=0
-    "$ctl" --screen "$address" "$line" >> "$actual" 2>&1 || status=$?
+    "${emulator[@]}" "$ctl" --screen "$address" "$line" >> "$actual" 2>&1 || status=$?
     echo "exit $status" >> "$actual"
 done < "$commands"
 
