@@ -107,6 +107,18 @@ public:
         return id;
     }
 
+    std::size_t addStopListener(Task listener) {
+        std::size_t const id = nextListenerId_++;
+        stopListeners_.emplace_back(id, std::move(listener));
+        return id;
+    }
+
+    void removeStopListener(std::size_t id) {
+        stopListeners_.erase(std::remove_if(stopListeners_.begin(), stopListeners_.end(),
+                                            [id](auto const& entry) { return entry.first == id; }),
+                             stopListeners_.end());
+    }
+
     void removeFrameListener(std::size_t id) {
         frameListeners_.erase(std::remove_if(frameListeners_.begin(), frameListeners_.end(),
                                              [id](auto const& entry) { return entry.first == id; }),
@@ -243,8 +255,7 @@ private:
     /** One turn: wait, then keys, posts, publications, timers, repeat, idle, frame. */
     bool turn(std::optional<std::chrono::milliseconds> maxWait) {
         if (stopped_.load()) {
-            tasks_.close();
-            return false;
+            return endStopped();
         }
         start();
         wait(maxWait);
@@ -260,10 +271,21 @@ private:
         }
         flushFrame();
         if (stopped_.load()) {
-            tasks_.close();
-            return false;
+            return endStopped();
         }
         return true;
+    }
+
+    /** The loop's end after `stop`: later posts are refused, the stop listeners run once. */
+    bool endStopped() {
+        tasks_.close();
+        if (!stopListenersRan_) {
+            stopListenersRan_ = true;
+            for (auto const& entry : stopListeners_) {
+                entry.second();
+            }
+        }
+        return false;
     }
 
     void start() {
@@ -642,6 +664,8 @@ private:
     HomeScreen homeScreenDraw_;
     EventHandler eventHandler_;
     std::vector<std::pair<std::size_t, FrameListener>> frameListeners_;
+    std::vector<std::pair<std::size_t, Task>> stopListeners_;
+    bool stopListenersRan_ = false;
     std::size_t nextListenerId_ = 1;
     std::vector<Source> sources_;
 
@@ -678,6 +702,10 @@ std::size_t Panel::addFrameListener(FrameListener listener) {
     return impl_->addFrameListener(std::move(listener));
 }
 void Panel::removeFrameListener(std::size_t id) { impl_->removeFrameListener(id); }
+std::size_t Panel::addStopListener(Task listener) {
+    return impl_->addStopListener(std::move(listener));
+}
+void Panel::removeStopListener(std::size_t id) { impl_->removeStopListener(id); }
 void Panel::run() { impl_->run(); }
 bool Panel::runOnce(std::chrono::milliseconds maxWait) { return impl_->runOnce(maxWait); }
 void Panel::stop() noexcept { impl_->stop(); }

@@ -88,7 +88,7 @@ TEST_F(PanelKeysTest, KeysQueuedDuringABlockingStepAreServedAfterwards) {
 }
 
 // A confirmation tick blocks the panel's thread: keys pressed and work posted meanwhile wait
-// and are served right after it, the keys in order.
+// and are served right after it, the keys in order, publications only with their newest value.
 TEST(PanelHintTest, KeysAndPostsDuringAHintAreServedAfterIt) {
     frontpanelhw::MemoryDisplay display(20, 4);
     yxfrontpanel::runtime::PanelOptions options;
@@ -118,13 +118,20 @@ TEST(PanelHintTest, KeysAndPostsDuringAHintAreServedAfterIt) {
         keys->press(PanelKey::Down);
         keys->press(PanelKey::Down);
         panel.post([&] { events.push_back(inHint ? "post inside the hint" : "post"); });
+        for (int reading = 1; reading <= 3; ++reading) {
+            panel.publish("reading", [&events, &inHint, reading] {
+                events.push_back((inHint ? "inside the hint: reading " : "reading ") +
+                                 std::to_string(reading));
+            });
+        }
         inHint = false;
     });
     panel.runOnce(0ms);
     keys->press(PanelKey::Enter);
     panel.runOnce(0ms);  // the tick; the keys and the post behind it in the same turn
     EXPECT_EQ(saves, 1);
-    EXPECT_EQ(events, (std::vector<std::string>{"hint", "post"}));
+    EXPECT_EQ(events, (std::vector<std::string>{"hint", "post", "reading 3"}))
+        << "the publications only with the newest";
     EXPECT_EQ(display.getLastFrame().getLineString(2), u"Beta                ");
     EXPECT_TRUE(display.getLastFrame().getCell(0, 2).inverted) << "both downs served, in order";
     tree->clearItems();

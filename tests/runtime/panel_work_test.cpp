@@ -63,6 +63,27 @@ TEST_F(PanelPostTest, PublicationsAreCoalescedPerKey) {
 }
 
 // every: first after one period, then on its rhythm; a late timer runs once, no burst.
+// Stop listeners run once, in order, on the panel's thread, after the work of the turn that
+// sees the stop; a removed one does not run.
+TEST_F(PanelPostTest, StopListenersRunOnceAfterTheLastTurnsWork) {
+    std::vector<std::string> events;
+    panel.addStopListener([&events] { events.push_back("first listener"); });
+    auto const removed = panel.addStopListener([&events] { events.push_back("removed"); });
+    panel.addStopListener([&events] { events.push_back("second listener"); });
+    panel.removeStopListener(removed);
+    panel.removeStopListener(12345);  // unknown: ignored
+    turn();
+    EXPECT_TRUE(events.empty());
+    panel.post([this, &events] {
+        events.push_back("post");
+        panel.stop();  // e.g. a "Power off" item
+    });
+    EXPECT_FALSE(panel.runOnce(0ms));
+    EXPECT_FALSE(panel.runOnce(0ms));
+    panel.run();  // returns at once
+    EXPECT_EQ(events, (std::vector<std::string>{"post", "first listener", "second listener"}));
+}
+
 TEST_F(PanelTimerTest, EveryKeepsItsRhythm) {
     int runs = 0;
     auto const id = panel.every(100ms, [&runs] { ++runs; });

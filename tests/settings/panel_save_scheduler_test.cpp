@@ -103,19 +103,22 @@ TEST_F(PanelSaveSchedulerTest, NothingIsWrittenBeforeTheDelayAndOnceAfterIt) {
     EXPECT_EQ(savedVoltage(), voltage->getEditor().getValue());
 }
 
-TEST_F(PanelSaveSchedulerTest, StoppingThePanelAndFinishingWritesWhatIsUnsaved) {
+TEST_F(PanelSaveSchedulerTest, StoppingThePanelWritesWhatIsUnsaved) {
     PanelSaveScheduler scheduler(panel, *store);
     turn();
     press(PanelKey::Enter);
     press(PanelKey::Up);
     press(PanelKey::Enter);
     double const edited = voltage->getEditor().getValue();
+    EXPECT_EQ(store->writeCount(), 0U) << "inside the save delay";
     panel.stop();
     EXPECT_FALSE(panel.runOnce(0ms));
-    EXPECT_EQ(store->writeCount(), 0U);
-    EXPECT_TRUE(scheduler.finish());
     EXPECT_EQ(store->writeCount(), 1U);
     EXPECT_EQ(savedVoltage(), edited);
+    EXPECT_FALSE(panel.runOnce(0ms));
+    EXPECT_EQ(store->writeCount(), 1U) << "once";
+    EXPECT_TRUE(scheduler.finish());
+    EXPECT_EQ(store->writeCount(), 1U) << "nothing left to write";
 }
 
 TEST_F(PanelSaveSchedulerTest, DestroyingTheSchedulerAfterTheRunWritesWhatIsUnsaved) {

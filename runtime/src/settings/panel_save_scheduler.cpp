@@ -6,7 +6,10 @@
 namespace yxfrontpanel::settings {
 
 PanelSaveScheduler::PanelSaveScheduler(runtime::Panel& panel, SettingsStore& store)
-    : panel_(panel), store_(store) {
+    : panel_(panel),
+      store_(store),
+      // A failed save is logged by the store; the stop goes on.
+      stopListener_(panel_.addStopListener([this] { static_cast<void>(store_.flush()); })) {
     store_.setScheduler(this);
 }
 
@@ -25,7 +28,10 @@ ISaveScheduler::Handle PanelSaveScheduler::schedule(std::chrono::nanoseconds del
 void PanelSaveScheduler::cancel(Handle handle) { panel_.cancel(handle); }
 
 SaveResult PanelSaveScheduler::finish() {
-    std::call_once(detached_, [this] { store_.setScheduler(nullptr); });
+    std::call_once(detached_, [this] {
+        panel_.removeStopListener(stopListener_);
+        store_.setScheduler(nullptr);
+    });
     return store_.flush();
 }
 

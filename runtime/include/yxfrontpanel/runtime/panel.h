@@ -101,6 +101,12 @@ public:
     std::size_t addFrameListener(FrameListener listener);
     /** Removes a frame listener; unknown ids are ignored. */
     void removeFrameListener(std::size_t id);
+    /** Adds work that runs once on the panel's thread when the loop ends because of `stop`
+     *  (inside the `run` or `runOnce` that sees the stop, after that turn's work), e.g. writing
+     *  what is not saved yet; returns its id. Listeners run in the order they were added. */
+    std::size_t addStopListener(Task listener);
+    /** Removes a stop listener; unknown ids are ignored. */
+    void removeStopListener(std::size_t id);
 
     /** Runs the loop on the calling thread until `stop`. Returns at once when already stopped.
      *  An exception thrown by a key's handling, posted work, a timer or the home screen leaves

@@ -4,6 +4,7 @@
 #include <yxfrontpanel/runtime/settings_store.h>
 
 #include <chrono>
+#include <cstddef>
 #include <mutex>
 
 namespace yxfrontpanel::runtime {
@@ -17,10 +18,10 @@ namespace yxfrontpanel::settings {
  *        schedules one coalesced save with `Panel::after` (see `SettingsStoreOptions::saveDelay`),
  *        which runs on the panel's thread.
  *
- * Construction makes it the store's scheduler. `finish` (or the destructor) detaches it and
- * writes whatever is still unsaved, so that the changes of the last moments before the panel
- * stopped are not lost: call it after `Panel::run` returns. The panel and the store must
- * outlive it. Not copyable.
+ * Construction makes it the store's scheduler. When the panel's loop ends because of
+ * `Panel::stop`, whatever is still unsaved is written on the panel's thread, so that the changes
+ * of the last moments before the stop are not lost. `finish` (or the destructor) detaches it and
+ * writes anything changed since. The panel and the store must outlive it. Not copyable.
  */
 class YXFP_RUNTIME_EXPORT PanelSaveScheduler final : public ISaveScheduler {
 public:
@@ -42,6 +43,7 @@ public:
 private:
     runtime::Panel& panel_;
     SettingsStore& store_;
+    std::size_t stopListener_;
     std::once_flag detached_;
 };
 
