@@ -83,7 +83,8 @@ stripped_size() {
 }
 
 libraries() {  # build folder -> the project's shared libraries (real files), by name
-    find "$1" -name 'lib*.so.*.*' -type f -not -path '*/consumer/*' -not -path '*/googletest/*' \
+    find "$1" -name 'lib*.so.*.*' -type f -not -path '*/consumer/*' -not -path '*/examples/*' \
+        -not -path '*/googletest/*' \
         -printf '%f\t%p\n' | sort
 }
 
@@ -116,7 +117,8 @@ for name in "${names[@]}"; do
         for target in "${targets[@]}"; do
             dir=$(build_dir "$target" "$flavour")
             if [ "$name" = frontpanel-sim ]; then
-                file=$(find "$dir" -name frontpanel-sim -type f -not -path '*/consumer/*' | head -n 1)
+                file=$(find "$dir" -name frontpanel-sim -type f -not -path '*/consumer/*' \
+                    -not -path '*/examples/*' | head -n 1)
             else
                 file=$(libraries "$dir" | awk -F'\t' -v n="$name" 'index($1, n ".") == 1 { print $2 }')
             fi
