@@ -1,17 +1,11 @@
-// A bench supply's panel: terminal display and keys, a measured voltage published by an
-// acquisition thread, an uptime timer, and the output as home screen after a minute idle.
-#include <frontpanelhw/terminal_display.h>
-#include <frontpanelhw/terminal_keys.h>
+// A bench supply: terminal display and keys, a published reading, a timer, a home screen.
 #include <yxfrontpanel/runtime.h>
 #include <yxfrontpanel/yxfrontpanel.h>
 
 #include <csignal>
-#include <string>
 #include <thread>
-
 using namespace yxfrontpanel;
 using namespace std::chrono_literals;
-
 int main() {
     frontpanelhw::TerminalDisplay display(20, 4);
     runtime::PanelOptions options;
@@ -26,7 +20,6 @@ int main() {
     panel.setRoot(*menu);
     panel.addKeySource(std::make_shared<frontpanelhw::TerminalKeySource>(display));
     double volts = 0;  // the newest reading; like the items, used on the panel's thread only
-    auto show = [&](double reading) { output->setValue(volts = reading, 3); };
     panel.setHomeScreen([&volts](IDrawingProvider const& provider) {
         frontpanelhw::drawing::DisplayBuffer screen(provider.getChars(), provider.getLines());
         auto const text = "OUTPUT " + std::to_string(volts).substr(0, 6) + " V";
@@ -34,6 +27,7 @@ int main() {
         provider.draw(screen);
     });
     panel.every(1s, [&uptime, seconds = 0]() mutable { uptime->setValue(++seconds, 0); });
+    auto show = [&](double reading) { output->setValue(volts = reading, 3); };
     std::thread acquisition([&] {  // 1000 readings a second; the panel shows one per frame
         for (int n = 0; panel.publish("volts", [&show, n] { show(12 + n % 7 * 1e-3); }); ++n) {
             std::this_thread::sleep_for(1ms);

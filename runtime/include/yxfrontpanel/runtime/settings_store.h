@@ -62,11 +62,15 @@ struct SaveResult {
 /** What `load` found. */
 struct LoadResult {
     enum class Source {
-        Defaults,                ///< no file: every value is its default
-        File,                    ///< the file was read
-        Backup,                  ///< the file was corrupt and moved aside; the backup was read and
-                                 ///< written back as the file
-        DefaultsAfterCorruption  ///< the file (and backup, if any) were unusable: defaults
+        /** No file: every value is its default. */
+        Defaults,
+        /** The file was read. */
+        File,
+        /** The file was corrupt and moved aside; the backup was read and written back as the
+         *  file. */
+        Backup,
+        /** The file (and backup, if any) were unusable: defaults. */
+        DefaultsAfterCorruption
     };
     Source source = Source::Defaults;
     /** True when the file has a newer schema and `saveNewerSchema` is off: saves are refused. */
@@ -79,7 +83,7 @@ struct LoadResult {
 };
 
 /**
- * @brief Named settings with defaults, kept in one JSON file that survives power loss.
+ * Named settings with defaults, kept in one JSON file that survives power loss.
  *
  * The file holds the application's name, a schema version and the values by key. Saving writes
  * NAME.tmp in the same directory, flushes it to the device, renames it over NAME and flushes
@@ -95,9 +99,10 @@ struct LoadResult {
  *
  * Changes (`set`) are saved by `saveNow`, by `flush`, or, with a scheduler, automatically: the
  * first unsaved change schedules one save `saveDelay` later, which takes every change made
- * meanwhile. Call `flush` when the panel stops (after `Panel::run` returns) so that nothing
- * waits unsaved. A failed save (full disk, read-only or vanished directory) returns and logs the
- * reason; values in memory and the old file stay, and the next save tries again.
+ * meanwhile. `PanelSaveScheduler` writes what is unsaved when its panel stops; without it,
+ * call `flush` when the panel stops so that nothing waits unsaved. A failed save (full disk,
+ * read-only or vanished directory) returns and logs the reason; values in memory and the old file
+ * stay, and the next save tries again.
  *
  * Thread safety: every operation may be called from any thread; file writes are serialised.
  * Listeners run on the thread whose call changed the value, after the store's lock is released:
@@ -147,7 +152,7 @@ public:
     ip::IpV4Address ipv4(std::string const& key) const;
 
     /**
-     * @brief Changes `key` to `value` after checking it against its definition: a value
+     * Changes `key` to `value` after checking it against its definition: a value
      *        outside the range is clamped, a rejected one (wrong type, not a choice) changes
      *        nothing. A changed value notifies every listener of the key except `source` and
      *        schedules a save.
