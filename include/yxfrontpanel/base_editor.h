@@ -13,7 +13,7 @@ namespace yxfrontpanel {
 class Label;
 
 /**
- * @brief Common base of the editors that change a value one character place at a time.
+ * Common base of the editors that change a value one character place at a time.
  *
  * The screen is a headline framed by ">> " and " <<" and centred on line 0, the value text
  * centred on line 1 and a one-cell caret "^" on line 2 under the edited place (the edited place
@@ -34,30 +34,30 @@ class Label;
  */
 class YXFP_EXPORT BaseEditor : public Form {
 public:
-    /** @brief Builds the form on `provider` with editor mode off and lays out the screen with
+    /** Builds the form on `provider` with editor mode off and lays out the screen with
      *  `init(provider.getChars(), headline)`. Draws nothing (the form has no focus yet). */
     BaseEditor(IDrawingProvider const& provider, std::u16string const& headline);
     BaseEditor(BaseEditor const&) = delete;
     BaseEditor& operator=(BaseEditor const&) = delete;
     BaseEditor(BaseEditor&&) = delete;
     BaseEditor& operator=(BaseEditor&&) = delete;
-    /** @brief Destroys the value, caret and headline labels, in that order, before the form. */
+    /** Destroys the value, caret and headline labels, in that order, before the form. */
     ~BaseEditor() override;
 
-    /** @brief Gaining the focus first restarts the edit (`restartEdit()`), then draws; losing
+    /** Gaining the focus first restarts the edit (`restartEdit()`), then draws; losing
      *  it only takes the focus (no draw). */
     void setFocus(bool focus) override;
-    /** @brief In editor mode: commits the edited value (`commitEdit()`). Outside editor mode
+    /** In editor mode: commits the edited value (`commitEdit()`). Outside editor mode
      *  nothing happens. Whatever `commitEdit()` throws passes through. */
     virtual void apply();
-    /** @brief The screen column where the editable characters start: the value label's start
+    /** The screen column where the editable characters start: the value label's start
      *  column as computed by its last draw. Derived editors may shift it. */
     virtual unsigned int getStartOfNumberInLbl() const;
-    /** @brief One past the screen column of the last editable character: the value label's end
+    /** One past the screen column of the last editable character: the value label's end
      *  column. Derived editors may shift it (to leave out a unit, for instance). */
     virtual unsigned int getEndOfNumberInLbl() const;
     /**
-     * @brief Moves the caret one place left (-1) or right (+1), with or without focus and editor
+     * Moves the caret one place left (-1) or right (+1), with or without focus and editor
      *        mode; redraws when the caret moved.
      *
      * A landing place for which `isPointAt(getMarkerInValuePosition(direction))` holds is jumped
@@ -68,11 +68,11 @@ public:
      * place, so the caret stays on the first place.
      */
     virtual void moveMarker(int direction);
-    /** @brief Changes the value at the caret (+1 up, -1 down). */
+    /** Changes the value at the caret (+1 up, -1 down). */
     virtual void changeValue(int delta) = 0;
 
     /**
-     * @brief Creates the screen for a panel `width` columns wide: the headline label (line 0,
+     * Creates the screen for a panel `width` columns wide: the headline label (line 0,
      *        centred, ">> " + headline + " <<"), the value label (line 1, centred, empty) and
      *        the hidden caret label (line 2, column 0, "^"), added to the form in the order
      *        headline, value, caret.
@@ -83,26 +83,26 @@ public:
      */
     void init(unsigned int width, std::u16string const& headline);
 
-    /** @brief Stores the editor mode. Switching it on first moves the caret, without redrawing,
+    /** Stores the editor mode. Switching it on first moves the caret, without redrawing,
      *  to column `getStartOfNumberInLbl()` of its line; then the caret is shown (on) or hidden
      *  (off), which redraws the form when the caret's visibility changes. Switching it off
      *  leaves the caret's column. */
     void setEditorMode(bool on);
-    /** @brief The editor-mode flag. */
+    /** The editor-mode flag. */
     bool getEditorMode() const;
 
-    /** @brief Index into the value text of the cell at the caret's column plus `offset`:
+    /** Index into the value text of the cell at the caret's column plus `offset`:
      *  caret column + offset + (1 if the text contains a "-" anywhere) - getStartOfNumberInLbl().
      *  May be negative or beyond the text; callers check. */
     int getMarkerInValuePosition(int offset) const;
 
-    /** @brief Decimal exponent of the digit at column `markerPosition` when the decimal point
+    /** Decimal exponent of the digit at column `markerPosition` when the decimal point
      *  is at column `dotPosition`: with d = dotPosition - markerPosition (signed), d - 1 when
      *  d >= 1 (the digit just left of the point is 10^0), otherwise d (tenths give -1). */
     int getPowerValue(unsigned int dotPosition, unsigned int markerPosition) const;
 
     /**
-     * @brief Screen column of the value text's decimal point.
+     * Screen column of the value text's decimal point.
      *
      * The index searched is the first "." at or after index `from` (only when `from` lies inside
      * the text), failing that the first space of the text (where a unit begins), failing that the
@@ -112,27 +112,27 @@ public:
      */
     unsigned int getDotPosition(unsigned int from) const;
 
-    /** @brief The headline label (line 0). */
+    /** The headline label (line 0). */
     Label const& getHeadlineLabel() const;
-    /** @brief The value label (line 1). */
+    /** The value label (line 1). */
     Label const& getValueLabel() const;
-    /** @brief The caret label (line 2); its location is the caret's column and line. */
+    /** The caret label (line 2); its location is the caret's column and line. */
     Label const& getMarkerLabel() const;
 
 protected:
-    /** @brief Called by `setFocus(true)` before the form draws: shows the committed value
+    /** Called by `setFocus(true)` before the form draws: shows the committed value
      *  again. The default does nothing. */
     virtual void restartEdit();
-    /** @brief Called by `apply()` in editor mode: makes the edited value the committed one and
+    /** Called by `apply()` in editor mode: makes the edited value the committed one and
      *  reports it. The default does nothing. */
     virtual void commitEdit();
-    /** @brief Whether the caret jumps over the character at `index` of the value text (an index
+    /** Whether the caret jumps over the character at `index` of the value text (an index
      *  as `getMarkerInValuePosition` gives, possibly outside the text): by default, whether a
      *  "." stands there. */
     virtual bool isPointAt(int index) const;
-    /** @brief The value label, for the derived editors to set the value text. */
+    /** The value label, for the derived editors to set the value text. */
     Label& valueLabel();
-    /** @brief The caret label, for the derived editors to move the caret. */
+    /** The caret label, for the derived editors to move the caret. */
     Label& markerLabel();
 
 private:

@@ -12,7 +12,7 @@
 namespace yxfrontpanel {
 
 /**
- * @brief A menu line that shows a setting with its current value ("Mode: Fast") and steps
+ * A menu line that shows a setting with its current value ("Mode: Fast") and steps
  *        through a fixed list of values in place: each action key press in local mode shows the
  *        next value in ascending key order (wrapping around) and reports its key through
  *        `valueCallback`. No form is ever opened.
@@ -40,50 +40,50 @@ namespace yxfrontpanel {
  */
 class YXFP_EXPORT InlineEditorMenuItem : public MenuItem {
 public:
-    /** @brief An item named `text` without values; editable, not local, no callback. */
+    /** An item named `text` without values; editable, not local, no callback. */
     explicit InlineEditorMenuItem(std::u16string const& text);
     ~InlineEditorMenuItem() override;
 
     /**
-     * @brief The action key on this line; always false (no form is opened).
+     * The action key on this line; always false (no form is opened).
      *
      * Not editable: nothing. Local: steps to the next value (`toggleValue`) while available;
      * an unavailable item ignores the key. Not local: shows "Only in local mode!" for 1000 ms
      * (`MenuItem::showHint`), then rebuilds the line (`createMenuText`).
      */
     bool enter() override;
-    /** @brief Stores the local-mode flag (atomic). */
+    /** Stores the local-mode flag (atomic). */
     void setLocal(bool local) override;
-    /** @brief Rebuilds the line for the current value (see the class comment for the three
+    /** Rebuilds the line for the current value (see the class comment for the three
      *  states) and, while shown, asks the menu to redraw, also when the text is unchanged. In
      *  the unknown state nothing happens. */
     void createMenuText() override;
-    /** @brief Makes the value with `key` current and rebuilds the line; an unknown key leaves
+    /** Makes the value with `key` current and rebuilds the line; an unknown key leaves
      *  the unknown state (the line keeps its text). Never calls `valueCallback`. */
     virtual void setValue(int key);
 
-    /** @brief Adds a value; a key already present keeps its text. The first value added
+    /** Adds a value; a key already present keeps its text. The first value added
      *  becomes current and is shown; later ones change neither the current value nor the
      *  line. */
     void addValue(int key, std::u16string const& text);
-    /** @brief Removes every value and forgets the current one (the state becomes none); the
+    /** Removes every value and forgets the current one (the state becomes none); the
      *  line is not touched until it is next rebuilt. */
     void clearValues();
-    /** @brief The number of values. */
+    /** The number of values. */
     unsigned getValueCount() const;
-    /** @brief The key of the current value; empty in the none and unknown states. */
+    /** The key of the current value; empty in the none and unknown states. */
     std::optional<int> getCurrentKey() const;
-    /** @brief Every value by key. */
+    /** Every value by key. */
     std::map<int, std::u16string> const& getValues() const;
-    /** @brief Steps to the next value in key order (after the last, the first), rebuilds the
+    /** Steps to the next value in key order (after the last, the first), rebuilds the
      *  line, then calls `valueCallback` with the new key when one is set. From none or unknown
      *  it steps to the first value; without values it does nothing. */
     void toggleValue();
 
-    /** @brief Hears the new key after each step made by the user; assigned by the owner (for
+    /** Hears the new key after each step made by the user; assigned by the owner (for
      *  instance from `itemconnector`). Key thread only. */
     std::function<void(int)> valueCallback;
-    /** @brief When false the action key is ignored entirely (atomic; never changed by the
+    /** When false the action key is ignored entirely (atomic; never changed by the
      *  item itself). */
     std::atomic<bool> editable{true};
 

@@ -11,7 +11,7 @@
 namespace yxfrontpanel {
 
 /**
- * @brief Full-screen editor of an IPv4 address, edited digit by digit.
+ * Full-screen editor of an IPv4 address, edited digit by digit.
  *
  * The value line shows the address in its 15-column form with blanks as fill ("192.168.  1.  2"),
  * centred. Left and right move the caret over the digit columns, jumping over the points and
@@ -28,7 +28,7 @@ namespace yxfrontpanel {
  */
 class YXFP_EXPORT IpAddressEditor : public BaseEditor {
 public:
-    /** @brief An editor titled `headline`, both addresses 0.0.0.0, no callback; the value line
+    /** An editor titled `headline`, both addresses 0.0.0.0, no callback; the value line
      *  stays empty until an address is set or the editor gains the focus. Draws nothing. */
     IpAddressEditor(IDrawingProvider const& provider, std::u16string const& headline);
     IpAddressEditor(IpAddressEditor const&) = delete;
@@ -38,7 +38,7 @@ public:
     ~IpAddressEditor() override;
 
     /**
-     * @brief Steps the digit under the caret by `delta` times its place (100, 10 or 1) within
+     * Steps the digit under the caret by `delta` times its place (100, 10 or 1) within
      *        its octet, clamps the octet to 0..255, then shows and commits the address
      *        (`setValue`).
      *
@@ -48,39 +48,39 @@ public:
     void changeValue(int delta) override;
 
     /**
-     * @brief The octet under the caret: for the caret's index into the value text
+     * The octet under the caret: for the caret's index into the value text
      *        (`getMarkerInValuePosition(0)`), 0 for indices 0..2, 1 for 4..6, 2 for 8..10, 3 for
      *        12..14, and 5 for the points (3, 7, 11), for indices above 14 and for negative
      *        indices.
      */
     unsigned int getSelectedBlock() const;
-    /** @brief Shows `address` ("  1.  2.  3.  4" form) and makes it the edited address. */
+    /** Shows `address` ("  1.  2.  3.  4" form) and makes it the edited address. */
     void drawValue(ip::IpV4Address const& address);
-    /** @brief Makes `address` the committed and the edited address and shows it. */
+    /** Makes `address` the committed and the edited address and shows it. */
     void setValue(ip::IpV4Address const& address);
     /**
-     * @brief Parses dotted text (`ip::fromString`) and sets that address; true on success.
+     * Parses dotted text (`ip::fromString`) and sets that address; true on success.
      *        Text that does not parse (any `std::exception` from parsing) sets 0.0.0.0 instead
      *        and yields false; no exception leaves the editor.
      */
     bool setValue(std::string const& text);
 
-    /** @brief The committed address. */
+    /** The committed address. */
     ip::IpV4Address getValue() const;
-    /** @brief The address being edited and shown. */
+    /** The address being edited and shown. */
     ip::IpV4Address getEditValue() const;
-    /** @brief Replaces the callback that `apply()` hands the committed address text to. */
+    /** Replaces the callback that `apply()` hands the committed address text to. */
     void setApplyCallback(std::function<void(std::string const&)> const& callback);
 
 protected:
-    /** @brief Shows the committed address (`setValue(getValue())`). */
+    /** Shows the committed address (`setValue(getValue())`). */
     void restartEdit() override;
-    /** @brief Commits the edited address and calls the apply callback with its dotted text.
+    /** Commits the edited address and calls the apply callback with its dotted text.
      *  @throws std::bad_function_call when no callback is set (the address has already been
      *  committed then). */
     void commitEdit() override;
     /**
-     * @brief Whether the caret jumps over the place at `index` (`BaseEditor::moveMarker`): when
+     * Whether the caret jumps over the place at `index` (`BaseEditor::moveMarker`): when
      *        the point search (`getDotPosition(index)`) lands on that very place.
      *
      * The point search falls back to the first blank of the text when no point follows, so

@@ -14,7 +14,7 @@
 namespace yxfrontpanel {
 
 /**
- * @brief One choice of a radio group: a menu line whose first column is ">" while it is the
+ * One choice of a radio group: a menu line whose first column is ">" while it is the
  *        chosen entry and " " otherwise, followed by the item's name.
  *
  * The action key in local mode reports the item's id through the choice callback (installed by
@@ -32,13 +32,13 @@ class YXFP_EXPORT RadioMenuItem : public MenuItem {
 public:
     using ChoiceCallback = std::function<void(int)>;
 
-    /** @brief An unchecked choice named `text` standing for `id`: its line reads " " + text.
+    /** An unchecked choice named `text` standing for `id`: its line reads " " + text.
      *  Selecting by the action key is allowed; local mode is off; no choice callback. */
     RadioMenuItem(std::u16string const& text, int id);
     ~RadioMenuItem() override;
 
     /**
-     * @brief The action key on this line; always false (no form is opened).
+     * The action key on this line; always false (no form is opened).
      *
      * Outside local mode: shows "Only in local mode!" for 1000 ms (`MenuItem::showHint`), then
      * restores the marked line and asks the menu to redraw. In local mode: calls the choice
@@ -46,28 +46,28 @@ public:
      * otherwise nothing.
      */
     bool enter() override;
-    /** @brief Stores the local-mode flag (atomic; any thread); nothing else. */
+    /** Stores the local-mode flag (atomic; any thread); nothing else. */
     void setLocal(bool local) override;
 
-    /** @brief Checks or unchecks the choice: an unchanged state does nothing (no redraw);
+    /** Checks or unchecks the choice: an unchanged state does nothing (no redraw);
      *  otherwise the line is rebuilt with the new marker, the menu is asked to redraw, and the
      *  state is stored last. */
     void check(bool checked);
-    /** @brief Rebuilds the line from the name with the marker for `checked` (">" or " ");
+    /** Rebuilds the line from the name with the marker for `checked` (">" or " ");
      *  draws nothing and leaves the checked state alone. */
     void setMenuText(bool checked);
-    /** @brief Renames the choice, keeps its marker and asks the menu to redraw. */
+    /** Renames the choice, keeps its marker and asks the menu to redraw. */
     void updateText(std::u16string const& text);
 
-    /** @brief Whether this is the chosen entry. */
+    /** Whether this is the chosen entry. */
     bool isChecked() const;
-    /** @brief The integer this choice stands for. */
+    /** The integer this choice stands for. */
     int getId() const;
-    /** @brief Allows (true, the default) or forbids selecting by the action key. */
+    /** Allows (true, the default) or forbids selecting by the action key. */
     void setEditor(bool editor);
-    /** @brief Whether selecting by the action key is allowed. */
+    /** Whether selecting by the action key is allowed. */
     bool getEditor() const;
-    /** @brief Replaces the function that hears the id when the user selects the choice. */
+    /** Replaces the function that hears the id when the user selects the choice. */
     void setChoiceCallback(ChoiceCallback const& callback);
 
 private:
@@ -79,7 +79,7 @@ private:
 };
 
 /**
- * @brief A sub-menu of mutually exclusive choices identified by integers, keeping exactly one
+ * A sub-menu of mutually exclusive choices identified by integers, keeping exactly one
  *        of them checked from the first `addItem` on.
  *
  * The first choice added is checked. The user's selection (the action key on a choice in local
@@ -95,7 +95,7 @@ private:
  */
 class YXFP_EXPORT RadioTreeMenuItem : public TreeMenuItem {
 public:
-    /** @brief An empty group named `text` whose sub-menu is drawn on `provider`. */
+    /** An empty group named `text` whose sub-menu is drawn on `provider`. */
     RadioTreeMenuItem(IDrawingProvider const& provider, std::u16string const& text);
     RadioTreeMenuItem(RadioTreeMenuItem const&) = delete;
     RadioTreeMenuItem& operator=(RadioTreeMenuItem const&) = delete;
@@ -104,7 +104,7 @@ public:
     ~RadioTreeMenuItem() override;
 
     /**
-     * @brief Adds a choice: it becomes the last line of the sub-menu and, when its id is new,
+     * Adds a choice: it becomes the last line of the sub-menu and, when its id is new,
      *        an entry of the group; the first entry is checked at once.
      *
      * The choice's focus-changed callback is emptied (the sub-menu then installs its own) and
@@ -112,14 +112,14 @@ public:
      * handed to the sub-menu, which refuses and logs it; the group is unchanged.
      */
     void addItem(std::shared_ptr<RadioMenuItem> item);
-    /** @brief Checks the choice with `id` and unchecks the current one (both redraw, also when
+    /** Checks the choice with `id` and unchecks the current one (both redraw, also when
      *  they are the same choice). An unknown id changes nothing. Never calls `valueCallback`. */
     void setValue(int id);
-    /** @brief Allows or forbids selecting by the action key on every choice held so far;
+    /** Allows or forbids selecting by the action key on every choice held so far;
      *  choices added later keep their own setting. */
     void setEditor(bool editor);
 
-    /** @brief Hears the id of each choice the user selects; assigned by the application. */
+    /** Hears the id of each choice the user selects; assigned by the application. */
     std::function<void(int)> valueCallback;
 
 private:

@@ -13,7 +13,7 @@ namespace yxfrontpanel {
 class ScrollableLabel;
 
 /**
- * @brief A menu entry that opens a full-screen scrollable text (help, long status texts).
+ * A menu entry that opens a full-screen scrollable text (help, long status texts).
  *
  * The item can be entered once it has a text. Enter gives the text view the focus directly:
  * there is no availability test, so an unavailable item with a text opens too, and the tree is
@@ -31,27 +31,27 @@ class ScrollableLabel;
  */
 class YXFP_EXPORT ScrollLabelMenuItem : public MenuItem {
 public:
-    /** @brief An item named `text` with a new, empty text view on `provider` as its form. */
+    /** An item named `text` with a new, empty text view on `provider` as its form. */
     ScrollLabelMenuItem(IDrawingProvider const& provider, std::u16string const& text);
-    /** @brief Destroys the text view, then the item. */
+    /** Destroys the text view, then the item. */
     ~ScrollLabelMenuItem() override;
 
-    /** @brief Without a text: false, nothing happens. Otherwise gives the text view the focus
+    /** Without a text: false, nothing happens. Otherwise gives the text view the focus
      *  (it draws) and returns true, also while it is already open (it then redraws). */
     bool enter() override;
-    /** @brief Ignored. */
+    /** Ignored. */
     void setLocal(bool local) override;
-    /** @brief Scrolls the text one line up; always true (the key was handed on). */
+    /** Scrolls the text one line up; always true (the key was handed on). */
     bool up() override;
-    /** @brief Scrolls the text one line down; always true (the key was handed on). */
+    /** Scrolls the text one line down; always true (the key was handed on). */
     bool down() override;
 
-    /** @brief Gives the text view `text` with `alignment` (drawn at once while it is open) and
+    /** Gives the text view `text` with `alignment` (drawn at once while it is open) and
      *  makes the item enterable. */
     void setText(std::u16string const& text, drawing::TextAllignment alignment);
-    /** @brief Whether a text was given, i.e. whether enter opens the view. */
+    /** Whether a text was given, i.e. whether enter opens the view. */
     bool hasText() const;
-    /** @brief The text view this item opens (owned by the item). */
+    /** The text view this item opens (owned by the item). */
     ScrollableLabel& getLabel() const;
 
 private:
@@ -60,7 +60,7 @@ private:
 };
 
 /**
- * @brief A menu entry that shows one value read-only: entering it shows the item's name between
+ * A menu entry that shows one value read-only: entering it shows the item's name between
  *        ">> " and " <<" on the first line and the value centred below.
  *
  * The menu line itself shows the name only; the value is seen after entering. The title is the
@@ -70,15 +70,15 @@ private:
  */
 class YXFP_EXPORT ReadOnlyMenuItem : public ScrollLabelMenuItem {
 public:
-    /** @brief An item named `text`; its title is a copy of `text`. */
+    /** An item named `text`; its title is a copy of `text`. */
     ReadOnlyMenuItem(IDrawingProvider const& provider, std::u16string const& text);
     ~ReadOnlyMenuItem() override;
 
     using ScrollLabelMenuItem::setText;
-    /** @brief Shows ">> title <<", a line feed and `value` (every byte widened to one code
+    /** Shows ">> title <<", a line feed and `value` (every byte widened to one code
      *  unit, no decoding), centred. */
     void setText(std::string const& value);
-    /** @brief Shows `value` in fixed-point notation with exactly `decimals` digits after the
+    /** Shows `value` in fixed-point notation with exactly `decimals` digits after the
      *  point, rounded as the standard streams round, in the process-wide locale ("nan" and "inf"
      *  for those values). The text is as long as `decimals` asks, so keep it to what the panel
      *  can show. */

@@ -13,7 +13,7 @@ namespace yxfrontpanel {
 class Slider;
 
 /**
- * @brief The menu entry that opens a `Slider` for an integer setting.
+ * The menu entry that opens a `Slider` for an integer setting.
  *
  * Enter on the line opens the slider; left and right move its shown value (only in editor
  * mode); enter in the open slider commits the shown value (`Slider::apply`, which in editor mode
@@ -27,37 +27,37 @@ class Slider;
  */
 class YXFP_EXPORT SliderMenuItem : public MenuItem {
 public:
-    /** @brief An item named `text` that owns `Slider(provider, text, minCaption, maxCaption,
+    /** An item named `text` that owns `Slider(provider, text, minCaption, maxCaption,
      *  captionWidth, barWidth, minimum)` (so the name is also the slider's headline) as its
      *  form. @throws std::out_of_range "Labels and Bar does not fit into line!" from the
      *  slider. */
     SliderMenuItem(IDrawingProvider const& provider, std::u16string const& text,
                    std::u16string const& minCaption, std::u16string const& maxCaption,
                    unsigned captionWidth, unsigned barWidth, int minimum);
-    /** @brief Destroys the slider, then the item. */
+    /** Destroys the slider, then the item. */
     ~SliderMenuItem() override;
 
-    /** @brief Slider open: commits the shown value first. Then `MenuItem::enter()`: opens the
+    /** Slider open: commits the shown value first. Then `MenuItem::enter()`: opens the
      *  slider when it is closed (and the item available); returns false while it is open. */
     bool enter() override;
-    /** @brief Unless read only, the slider's editor mode becomes `local`. */
+    /** Unless read only, the slider's editor mode becomes `local`. */
     void setLocal(bool local) override;
-    /** @brief The slider's `moveLeft()`: whether the shown value moved. */
+    /** The slider's `moveLeft()`: whether the shown value moved. */
     bool left() override;
-    /** @brief The slider's `moveRight()`: whether the shown value moved. */
+    /** The slider's `moveRight()`: whether the shown value moved. */
     bool right() override;
 
-    /** @brief Makes a copy of `callback` the slider's commit callback, replacing (and
+    /** Makes a copy of `callback` the slider's commit callback, replacing (and
      *  destroying) the previous one. It is called with the committed value. */
     void connectSlider(std::function<void(int)> const& callback);
-    /** @brief The slider's `setValue`: shows and commits `value`; false outside the range. */
+    /** The slider's `setValue`: shows and commits `value`; false outside the range. */
     bool setValue(int value);
-    /** @brief Stores the flag only: while set, `setLocal` leaves the slider's editor mode as
+    /** Stores the flag only: while set, `setLocal` leaves the slider's editor mode as
      *  it is (the current mode is not changed here). */
     void setReadOnly(bool readOnly);
-    /** @brief The read-only flag. */
+    /** The read-only flag. */
     bool getReadOnly() const;
-    /** @brief The slider this item opens (owned by the item). */
+    /** The slider this item opens (owned by the item). */
     Slider& getSlider() const;
 
 private:

@@ -15,7 +15,7 @@ namespace yxfrontpanel {
 class UserDialog;
 
 /**
- * @brief A menu line that runs an action of the application on the enter key, optionally after
+ * A menu line that runs an action of the application on the enter key, optionally after
  *        a confirmation dialog.
  *
  * Without a dialog one enter key runs the action. With a dialog (`enableUserDialog`) the first
@@ -35,14 +35,14 @@ class UserDialog;
  */
 class YXFP_EXPORT TriggerMenuItem : public MenuItem {
 public:
-    /** @brief An item named `text` whose tick and local-mode hint stay for `hintDuration`; no
+    /** An item named `text` whose tick and local-mode hint stay for `hintDuration`; no
      *  action, not local, no dialog. */
     TriggerMenuItem(std::u16string const& text, std::chrono::milliseconds hintDuration);
-    /** @brief Destroys the dialog, then the action, then the item. */
+    /** Destroys the dialog, then the action, then the item. */
     ~TriggerMenuItem() override;
 
     /**
-     * @brief The enter key, in this order:
+     * The enter key, in this order:
      * no action: false, nothing shown (also outside local mode);
      * not local: the hint "Only in local mode!" for the hint duration, false;
      * a dialog that `dialog()` has just opened: true (the action waits for the confirmation);
@@ -51,24 +51,24 @@ public:
      * the action succeeds: the tick for the hint duration, false.
      */
     bool enter() override;
-    /** @brief Stores the local-mode flag (atomic; any thread). */
+    /** Stores the local-mode flag (atomic; any thread). */
     void setLocal(bool local) override;
 
-    /** @brief Creates the confirmation dialog `UserDialog(provider, firstLine, secondLine,
+    /** Creates the confirmation dialog `UserDialog(provider, firstLine, secondLine,
      *  okText)`, destroys an earlier one and makes the new one the item's form. Meant for an
      *  idle item; replacing an open dialog closes nothing on screen, and the back key then
      *  gives the menu its focus again. */
     void enableUserDialog(IDrawingProvider const& provider, std::string const& firstLine,
                           std::string const& secondLine, std::string const& okText);
-    /** @brief Without a dialog: false. Dialog closed: opens it (`MenuItem::enter`) and returns
+    /** Without a dialog: false. Dialog closed: opens it (`MenuItem::enter`) and returns
      *  true. Dialog open: closes it (`MenuItem::exit`) and returns false. */
     bool dialog();
-    /** @brief The confirmation dialog; null until `enableUserDialog`. */
+    /** The confirmation dialog; null until `enableUserDialog`. */
     UserDialog* getDialog() const;
-    /** @brief The local-mode flag (atomic). */
+    /** The local-mode flag (atomic). */
     bool getLocal() const;
 
-    /** @brief The application's action, run by `enter`; true means success. Assigned by the
+    /** The application's action, run by `enter`; true means success. Assigned by the
      *  application directly, on the key thread or before the menu runs. */
     std::function<bool()> action;
 

@@ -11,7 +11,7 @@
 namespace yxfrontpanel {
 
 /**
- * @brief Length of the text of |`value`| in fixed notation with `precision` decimals (no sign,
+ * Length of the text of |`value`| in fixed notation with `precision` decimals (no sign,
  *        no padding): (100, 1) gives 5 ("100.0"), (-3.25, 2) gives 4, (0, 0) gives 1.
  *
  * Formatting uses the classic locale whatever the global locale is ("." as decimal point, no
@@ -20,7 +20,7 @@ namespace yxfrontpanel {
 YXFP_EXPORT int getMaxWidthOfNumber(double value, unsigned int precision);
 
 /**
- * @brief Width of the value display for a range: the larger of the widths of both bounds
+ * Width of the value display for a range: the larger of the widths of both bounds
  *        (`getMaxWidthOfNumber`), where a lower bound equal to `std::numeric_limits<double>::min()`
  *        or an upper bound equal to `std::numeric_limits<double>::max()` counts as no bound
  *        (width -1). -1 when both bounds are such sentinels.
@@ -28,7 +28,7 @@ YXFP_EXPORT int getMaxWidthOfNumber(double value, unsigned int precision);
 YXFP_EXPORT int getMaxWidthOfMinMax(double minValue, double maxValue, unsigned int precision);
 
 /**
- * @brief Full-screen editor of one number with a lower and an upper bound, a number of decimals
+ * Full-screen editor of one number with a lower and an upper bound, a number of decimals
  *        and an optional unit.
  *
  * The number is shown zero-padded to the width of the wider bound, so that every decimal place
@@ -52,7 +52,7 @@ YXFP_EXPORT int getMaxWidthOfMinMax(double minValue, double maxValue, unsigned i
  */
 class YXFP_EXPORT ValueEditor : public BaseEditor {
 public:
-    /** @brief An editor titled `headline` with the given bounds (taken as they are, not
+    /** An editor titled `headline` with the given bounds (taken as they are, not
      *  checked), no decimals, no unit, value 0.0, no callback. Draws nothing; the value line
      *  stays empty until the first `setValue`. */
     ValueEditor(IDrawingProvider const& provider, std::u16string const& headline, double minValue,
@@ -63,15 +63,15 @@ public:
     ValueEditor& operator=(ValueEditor&&) = delete;
     ~ValueEditor() override;
 
-    /** @brief The value label's start column, plus 1 while the edited value is negative (the
+    /** The value label's start column, plus 1 while the edited value is negative (the
      *  minus sign is not editable). */
     unsigned int getStartOfNumberInLbl() const override;
-    /** @brief The value label's end column less the unit with its blank and, while the edited
+    /** The value label's end column less the unit with its blank and, while the edited
      *  value is negative, less the trailing blank: the caret visits the digits only (the point
      *  is jumped over). */
     unsigned int getEndOfNumberInLbl() const override;
     /**
-     * @brief Steps the digit under the caret: adds `delta` times 10 to the power of the caret
+     * Steps the digit under the caret: adds `delta` times 10 to the power of the caret
      *        digit's place, clamps to the maximum and then to the minimum (the lower bound wins
      *        if the bounds cross) and shows the result. No wrap-around at the bounds.
      *
@@ -81,46 +81,46 @@ public:
      */
     void changeValue(int delta) override;
 
-    /** @brief Stores the unit shown after the number (after a blank); no redraw. */
+    /** Stores the unit shown after the number (after a blank); no redraw. */
     void setUnit(std::u16string const& unit);
     /**
-     * @brief Shows `value` and makes it the edited value; it also becomes the committed value
+     * Shows `value` and makes it the edited value; it also becomes the committed value
      *        when no value was set before or the editor has no focus. Never clamps.
      */
     void setValue(double value);
-    /** @brief Sets the lower bound: an unchanged bound does nothing; a bound at or above the
+    /** Sets the lower bound: an unchanged bound does nothing; a bound at or above the
      *  maximum becomes maximum - 1.0. If the edited value is now below it, it is set to the
      *  bound (`setValue`); otherwise nothing is redrawn. */
     void setMinValue(double value);
-    /** @brief Sets the upper bound: an unchanged bound does nothing; a bound at or below the
+    /** Sets the upper bound: an unchanged bound does nothing; a bound at or below the
      *  minimum becomes minimum + 1.0. If the edited value is now above it, it is set to the
      *  bound (`setValue`); otherwise nothing is redrawn. */
     void setMaxValue(double value);
-    /** @brief Formats `value` with `precision` decimals (none: general notation), zero-padded to
+    /** Formats `value` with `precision` decimals (none: general notation), zero-padded to
      *  `getMaxWidthOfMinMax(min, max, getPrecision())`, adds " " and the unit when there is one,
      *  and for a negative value (not -0.0) a leading "-" and a trailing blank; sets that as the
      *  value text, which redraws the form while it has the focus. */
     void drawValue(double value, unsigned int precision);
 
-    /** @brief The committed value. */
+    /** The committed value. */
     double getValue() const;
-    /** @brief The value being edited and shown. */
+    /** The value being edited and shown. */
     double getEditValue() const;
     double getMinValue() const;
     double getMaxValue() const;
-    /** @brief The number of decimals. */
+    /** The number of decimals. */
     unsigned int getPrecision() const;
-    /** @brief Stores the number of decimals only; it is used from the next draw of a value. */
+    /** Stores the number of decimals only; it is used from the next draw of a value. */
     void setPrecision(unsigned int precision);
-    /** @brief The unit. */
+    /** The unit. */
     std::u16string const& getUnit() const;
-    /** @brief Replaces the callback that `apply()` hands the committed value to. */
+    /** Replaces the callback that `apply()` hands the committed value to. */
     void setApplyCallback(std::function<void(double)> const& callback);
 
 protected:
-    /** @brief Restarts the edit from the committed value (`setValue(getValue())`). */
+    /** Restarts the edit from the committed value (`setValue(getValue())`). */
     void restartEdit() override;
-    /** @brief Commits the edited value, then calls the apply callback with it.
+    /** Commits the edited value, then calls the apply callback with it.
      *  @throws std::bad_function_call when no callback is set (the value has already been
      *  committed then). */
     void commitEdit() override;

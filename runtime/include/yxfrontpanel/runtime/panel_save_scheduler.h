@@ -14,7 +14,7 @@ class Panel;
 namespace yxfrontpanel::settings {
 
 /**
- * @brief Saves a settings store on a panel's timers: while it lives, every change of the store
+ * Saves a settings store on a panel's timers: while it lives, every change of the store
  *        schedules one coalesced save with `Panel::after` (see `SettingsStoreOptions::saveDelay`),
  *        which runs on the panel's thread.
  *

@@ -18,7 +18,7 @@ class ValueEditorMenuItem;
 namespace yxfrontpanel::settings {
 
 /**
- * @brief Keeps one menu item and one store key in step: made by `bindSetting`, it ends the
+ * Keeps one menu item and one store key in step: made by `bindSetting`, it ends the
  *        store's notifications to the item when it goes (or on `release`).
  *
  * The store and the item must outlive the binding; the callback the binding installed on the

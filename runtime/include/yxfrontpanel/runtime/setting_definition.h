@@ -34,9 +34,12 @@ YXFP_RUNTIME_EXPORT std::optional<ip::IpV4Address> parseIpv4(std::string_view te
 /** What `SettingDefinition::check` made of a value. */
 struct SettingCheck {
     enum class Outcome {
-        Accepted,  ///< the value is valid as it is
-        Clamped,   ///< a number or integer outside the range, moved to the nearer bound
-        Rejected   ///< wrong type, not finite, not one of the choices or too long a text
+        /** The value is valid as it is. */
+        Accepted,
+        /** A number or integer outside the range, moved to the nearer bound. */
+        Clamped,
+        /** Wrong type, not finite, not one of the choices or too long a text. */
+        Rejected
     };
     Outcome outcome = Outcome::Accepted;
     /** The value to keep: the value itself, the clamped one, or the default when rejected. */
