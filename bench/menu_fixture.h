@@ -40,10 +40,6 @@ class PlainItem : public yxfrontpanel::MenuItem {
 public:
     using MenuItem::MenuItem;
     void setLocal(bool /*local*/) override {}
-    bool left() override { return false; }
-    bool right() override { return false; }
-    bool up() override { return false; }
-    bool down() override { return false; }
 };
 
 /** A focused root menu of `count` plain items named "Item 1".."Item N". */
