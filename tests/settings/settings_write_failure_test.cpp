@@ -24,6 +24,7 @@ namespace {
 using yxfp_test::benchStore;
 using yxfp_test::LogCapture;
 using yxfp_test::readFile;
+using yxfp_test::savedChannel;
 using yxfp_test::TempDirectory;
 using yxfrontpanel::settings::SaveResult;
 using yxfrontpanel::settings::SettingsStore;
@@ -49,10 +50,11 @@ std::unique_ptr<SettingsStore> storeWithUnsavedChange(std::string const& path) {
     return store;
 }
 
-// What every refused save must leave behind.
-void expectRefused(SaveResult const& result, SettingsStore const& store, std::string const& oldFile,
-                   std::string const& oldContent, std::string const& reason,
-                   LogCapture const& log) {
+// Saves `store` while the fault holds and checks what every refused save must leave behind.
+void expectSaveRefused(SettingsStore& store, std::string const& oldFile,
+                       std::string const& oldContent, std::string const& reason) {
+    LogCapture log;
+    SaveResult const result = store.saveNow();
     EXPECT_FALSE(result.ok);
     EXPECT_NE(result.error.find(reason), std::string::npos) << result.error;
     EXPECT_NE(result.error.find(store.path()), std::string::npos) << result.error;
@@ -64,9 +66,7 @@ void expectRefused(SaveResult const& result, SettingsStore const& store, std::st
 
 void expectSavedAfterwards(SettingsStore& store) {
     ASSERT_TRUE(store.saveNow());
-    auto reloaded = benchStore(store.path());
-    reloaded->load();
-    EXPECT_EQ(reloaded->integer("channel"), 6);
+    EXPECT_EQ(savedChannel(store.path()), 6);
 }
 
 // A file-size limit makes writes fail as on a full disk (EFBIG, SIGXFSZ ignored). The limit is
@@ -110,9 +110,7 @@ TEST(SettingsWriteFailureTest, AFileSizeLimitLikeAFullDiskKeepsTheOldFile) {
     // 10: saved despite the limit; 11: another reason; 12: old file, memory or temporary file
     // not as before; 13: the save after lifting the limit failed.
     EXPECT_EQ(WEXITSTATUS(status), 0);
-    auto reloaded = benchStore(path);
-    reloaded->load();
-    EXPECT_EQ(reloaded->integer("channel"), 6);
+    EXPECT_EQ(savedChannel(path), 6);
 }
 
 // A directory the store may not write to. Root ignores directory permissions, so for root the
@@ -130,11 +128,8 @@ TEST(SettingsWriteFailureTest, AReadOnlyDirectoryKeepsTheOldFile) {
         ASSERT_EQ(::chmod(dir.path().c_str(), 0755), 0);
         ASSERT_EQ(::mkdir((path + ".tmp").c_str(), 0555), 0);
     }
-    {
-        LogCapture log;
-        expectRefused(store->saveNow(), *store, path, oldContent,
-                      permissionsHold ? "Permission denied" : "Is a directory", log);
-    }
+    expectSaveRefused(*store, path, oldContent,
+                      permissionsHold ? "Permission denied" : "Is a directory");
     if (permissionsHold) {
         ASSERT_EQ(::chmod(dir.path().c_str(), 0755), 0);
     } else {
@@ -151,11 +146,8 @@ TEST(SettingsWriteFailureTest, ADirectoryRemovedUnderTheStoreIsReportedAndRetrie
     std::string const oldContent = readFile(folder + "/settings.json");
     // The old file is kept elsewhere to compare; the directory itself goes.
     std::filesystem::rename(folder, dir.file("config.kept"));
-    {
-        LogCapture log;
-        expectRefused(store->saveNow(), *store, dir.file("config.kept/settings.json"), oldContent,
-                      "No such file or directory", log);
-    }
+    expectSaveRefused(*store, dir.file("config.kept/settings.json"), oldContent,
+                      "No such file or directory");
     ASSERT_TRUE(std::filesystem::create_directory(folder));
     expectSavedAfterwards(*store);
 }
@@ -168,11 +160,7 @@ TEST(SettingsWriteFailureTest, ADirectoryReplacedByAFileIsReportedAndRetried) {
     std::string const oldContent = readFile(folder + "/settings.json");
     std::filesystem::rename(folder, dir.file("config.kept"));
     yxfp_test::writeFile(folder, "not a directory");
-    {
-        LogCapture log;
-        expectRefused(store->saveNow(), *store, dir.file("config.kept/settings.json"), oldContent,
-                      "Not a directory", log);
-    }
+    expectSaveRefused(*store, dir.file("config.kept/settings.json"), oldContent, "Not a directory");
     std::filesystem::remove(folder);
     std::filesystem::rename(dir.file("config.kept"), folder);
     expectSavedAfterwards(*store);
