@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
+#include <memory>
 #include <string>
 
 #include "platform_capture.h"
@@ -48,6 +49,25 @@ std::unique_ptr<SettingsStore> storeWithUnsavedChange(std::string const& path) {
     EXPECT_TRUE(store->saveNow());
     store->set("channel", std::int64_t{6});
     return store;
+}
+
+// A store in the folder "config" of `dir`, with a saved file and an unsaved change, whose
+// folder is then moved to "config.kept": the store's folder is gone, its saved file kept there
+// to compare.
+struct FolderMovedAside {
+    std::string folder;
+    std::string keptFile;
+    std::string oldContent;
+    std::unique_ptr<SettingsStore> store;
+};
+
+FolderMovedAside storeWithFolderMovedAside(TempDirectory const& dir) {
+    FolderMovedAside moved{dir.file("config"), dir.file("config.kept/settings.json"), {}, {}};
+    EXPECT_TRUE(std::filesystem::create_directory(moved.folder));
+    moved.store = storeWithUnsavedChange(moved.folder + "/settings.json");
+    moved.oldContent = readFile(moved.folder + "/settings.json");
+    std::filesystem::rename(moved.folder, dir.file("config.kept"));
+    return moved;
 }
 
 // Saves `store` while the fault holds and checks what every refused save must leave behind.
@@ -140,31 +160,21 @@ TEST(SettingsWriteFailureTest, AReadOnlyDirectoryKeepsTheOldFile) {
 
 TEST(SettingsWriteFailureTest, ADirectoryRemovedUnderTheStoreIsReportedAndRetried) {
     TempDirectory dir;
-    std::string const folder = dir.file("config");
-    ASSERT_TRUE(std::filesystem::create_directory(folder));
-    auto store = storeWithUnsavedChange(folder + "/settings.json");
-    std::string const oldContent = readFile(folder + "/settings.json");
-    // The old file is kept elsewhere to compare; the directory itself goes.
-    std::filesystem::rename(folder, dir.file("config.kept"));
-    expectSaveRefused(*store, dir.file("config.kept/settings.json"), oldContent,
-                      "No such file or directory");
-    ASSERT_TRUE(std::filesystem::create_directory(folder));
-    expectSavedAfterwards(*store);
+    auto const moved = storeWithFolderMovedAside(dir);
+    expectSaveRefused(*moved.store, moved.keptFile, moved.oldContent, "No such file or directory");
+    ASSERT_TRUE(std::filesystem::create_directory(moved.folder));
+    expectSavedAfterwards(*moved.store);
 }
 
 TEST(SettingsWriteFailureTest, ADirectoryReplacedByAFileIsReportedAndRetried) {
     TempDirectory dir;
-    std::string const folder = dir.file("config");
-    ASSERT_TRUE(std::filesystem::create_directory(folder));
-    auto store = storeWithUnsavedChange(folder + "/settings.json");
-    std::string const oldContent = readFile(folder + "/settings.json");
-    std::filesystem::rename(folder, dir.file("config.kept"));
-    yxfp_test::writeFile(folder, "not a directory");
-    expectSaveRefused(*store, dir.file("config.kept/settings.json"), oldContent, "Not a directory");
-    std::filesystem::remove(folder);
-    std::filesystem::rename(dir.file("config.kept"), folder);
-    expectSavedAfterwards(*store);
-    EXPECT_EQ(readFile(folder + "/settings.json.bak"), oldContent);
+    auto const moved = storeWithFolderMovedAside(dir);
+    yxfp_test::writeFile(moved.folder, "not a directory");
+    expectSaveRefused(*moved.store, moved.keptFile, moved.oldContent, "Not a directory");
+    std::filesystem::remove(moved.folder);
+    std::filesystem::rename(dir.file("config.kept"), moved.folder);
+    expectSavedAfterwards(*moved.store);
+    EXPECT_EQ(readFile(moved.folder + "/settings.json.bak"), moved.oldContent);
 }
 
 }  // namespace
