@@ -3,6 +3,7 @@
 #include <yxfrontpanel/runtime/remote_endpoint.h>
 
 #include <charconv>
+#include <cmath>
 #include <stdexcept>
 
 namespace frontpanelctl {
@@ -17,7 +18,7 @@ std::chrono::milliseconds parseTimeout(std::string const& text) {
         throw UsageError("--timeout wants seconds between 0 and 3600, e.g. 2.5; got '" + text +
                          "'");
     }
-    return std::chrono::milliseconds{static_cast<long long>(seconds * 1000.0 + 0.5)};
+    return std::chrono::milliseconds{std::llround(seconds * 1000.0)};
 }
 
 }  // namespace
@@ -41,7 +42,7 @@ CtlOptions parseCtlOptions(std::vector<std::string> const& arguments) {
             options.token = reader.takeValue();
         } else if (name == "--timeout") {
             options.timeout = parseTimeout(reader.takeValue());
-        } else if (name.rfind("-", 0) == 0 && name.size() > 1) {
+        } else if (name.rfind('-', 0) == 0 && name.size() > 1) {
             throw UsageError("unknown option '" + name + "' (see --help)");
         } else {
             try {
