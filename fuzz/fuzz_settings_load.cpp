@@ -8,9 +8,9 @@
 #include <fstream>
 #include <string>
 #include <system_error>
-#include <vector>
 
 #include "fuzz_support.h"
+#include "settings_test_store.h"
 #include <stdlib.h>
 #include <unistd.h>
 
@@ -19,9 +19,7 @@ namespace {
 using yxfp_fuzz::check;
 using yxfrontpanel::settings::LoadResult;
 using yxfrontpanel::settings::SettingCheck;
-using yxfrontpanel::settings::SettingDefinition;
 using yxfrontpanel::settings::SettingsStore;
-using yxfrontpanel::settings::SettingsStoreOptions;
 
 // One directory for the whole run, emptied before every input and removed at the end. In
 // memory (/dev/shm) where there is one: the store flushes every file it moves aside.
@@ -52,15 +50,6 @@ std::string const& workDirectory() {
     return directory.path();
 }
 
-std::vector<SettingDefinition> definitions() {
-    return {SettingDefinition::number("voltage", 12.5, 0.0, 30.0),
-            SettingDefinition::integer("channel", 3, 1, 16),
-            SettingDefinition::choice("mode", 1, {0, 1, 2}),
-            SettingDefinition::boolean("output", false),
-            SettingDefinition::text("name", "Bench", 20),
-            SettingDefinition::ipv4("address", ip::IpV4Address(192, 168, 1, 10))};
-}
-
 }  // namespace
 
 // NOLINTNEXTLINE(readability-identifier-naming): the name is libFuzzer's entry point
@@ -74,10 +63,7 @@ extern "C" int LLVMFuzzerTestOneInput(uint8_t const* data, size_t size) {
         std::ofstream file(path, std::ios::binary);
         file.write(reinterpret_cast<char const*>(data), static_cast<std::streamsize>(size));
     }
-    SettingsStoreOptions options;
-    options.applicationName = "bench-supply";
-    options.schemaVersion = 2;
-    SettingsStore store(path, options, definitions());
+    SettingsStore store(path, yxfp_test::benchOptions(), yxfp_test::benchDefinitions());
     LoadResult const result = store.load();
     for (auto const& key : store.keys()) {
         SettingCheck const checked = store.definition(key)->check(store.get(key));

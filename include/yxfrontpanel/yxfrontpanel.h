@@ -7,12 +7,12 @@
 #include <frontpanelhw/display_types.h>
 #include <frontpanelhw/evdev_key_source.h>
 #include <frontpanelhw/frame_diff.h>
+#include <frontpanelhw/gpio_key_source.h>
 #include <frontpanelhw/hd44780_bus.h>
 #include <frontpanelhw/hd44780_charset.h>
 #include <frontpanelhw/hd44780_display.h>
 #include <frontpanelhw/hd44780_gpio.h>
 #include <frontpanelhw/hd44780_i2c.h>
-#include <frontpanelhw/gpio_key_source.h>
 #include <frontpanelhw/input_errors.h>
 #include <frontpanelhw/input_key_map.h>
 #include <frontpanelhw/key_source.h>

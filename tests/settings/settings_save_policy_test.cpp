@@ -5,7 +5,10 @@
 
 #include <chrono>
 #include <cstdint>
+#include <filesystem>
+#include <memory>
 #include <string>
+#include <utility>
 
 #include "manual_save_scheduler.h"
 #include "platform_capture.h"
@@ -19,134 +22,121 @@ namespace {
 using namespace std::chrono_literals;
 using yxfp_test::benchStore;
 using yxfp_test::ManualSaveScheduler;
+using yxfp_test::savedChannel;
 using yxfp_test::TempDirectory;
 using yxfrontpanel::runtime::ManualClock;
+using yxfrontpanel::settings::SettingsStore;
 
-std::int64_t savedChannel(std::string const& path) {
-    auto store = benchStore(path);
-    store->load();
-    return store->integer("channel");
-}
+// A temporary settings file and the scheduler that saves it when the test moves the clock.
+class SettingsSavePolicyTest : public ::testing::Test {
+protected:
+    // `store`, saving through the scheduler.
+    std::unique_ptr<SettingsStore> scheduled(std::unique_ptr<SettingsStore> store) {
+        store->setScheduler(&scheduler_);
+        return store;
+    }
+    // The bench store on the fixture's file, loaded as an application starts, saving through
+    // the scheduler.
+    std::unique_ptr<SettingsStore> loadedStore() {
+        auto store = benchStore(path_);
+        store->load();
+        return scheduled(std::move(store));
+    }
 
-TEST(SettingsSavePolicyTest, AHundredCommitsInOneSecondGiveAtMostTwoWrites) {
-    TempDirectory dir;
-    ManualClock clock;
-    ManualSaveScheduler scheduler(clock);
-    auto store = benchStore(dir.file("settings.json"));
-    store->load();
-    store->setScheduler(&scheduler);
+    TempDirectory dir_;
+    std::string const path_ = dir_.file("settings.json");
+    ManualClock clock_;
+    ManualSaveScheduler scheduler_{clock_};
+};
+
+TEST_F(SettingsSavePolicyTest, AHundredCommitsInOneSecondGiveAtMostTwoWrites) {
+    auto store = loadedStore();
     for (int i = 0; i < 100; ++i) {
         store->set("voltage", 0.25 * i);
-        clock.advance(10ms);
+        clock_.advance(10ms);
     }
-    clock.advance(3s);
+    clock_.advance(3s);
     EXPECT_LE(store->writeCount(), 2U);
     EXPECT_GE(store->writeCount(), 1U);
     EXPECT_FALSE(store->hasUnsavedChanges());
-    auto reloaded = benchStore(dir.file("settings.json"));
+    auto reloaded = benchStore(path_);
     reloaded->load();
     EXPECT_EQ(reloaded->number("voltage"), 0.25 * 99);
-    EXPECT_EQ(scheduler.pending(), 0U);
+    EXPECT_EQ(scheduler_.pending(), 0U);
 }
 
-TEST(SettingsSavePolicyTest, TheFileIsWrittenWithinTheDelayOfTheFirstUnsavedChange) {
-    TempDirectory dir;
-    ManualClock clock;
-    ManualSaveScheduler scheduler(clock);
-    auto store = benchStore(dir.file("settings.json"));
-    store->load();
-    store->setScheduler(&scheduler);
+TEST_F(SettingsSavePolicyTest, TheFileIsWrittenWithinTheDelayOfTheFirstUnsavedChange) {
+    auto store = loadedStore();
     store->set("channel", std::int64_t{7});
-    clock.advance(1999ms);
+    clock_.advance(1999ms);
     EXPECT_EQ(store->writeCount(), 0U);
-    clock.advance(1ms);
+    clock_.advance(1ms);
     EXPECT_EQ(store->writeCount(), 1U);
-    EXPECT_EQ(savedChannel(dir.file("settings.json")), 7);
+    EXPECT_EQ(savedChannel(path_), 7);
     // A later change starts a new period; without changes nothing more is written.
-    clock.advance(10s);
+    clock_.advance(10s);
     EXPECT_EQ(store->writeCount(), 1U);
     store->set("channel", std::int64_t{8});
-    clock.advance(2s);
+    clock_.advance(2s);
     EXPECT_EQ(store->writeCount(), 2U);
-    EXPECT_EQ(savedChannel(dir.file("settings.json")), 8);
+    EXPECT_EQ(savedChannel(path_), 8);
 }
 
-TEST(SettingsSavePolicyTest, TheDelayFollowsTheOptions) {
-    TempDirectory dir;
-    ManualClock clock;
-    ManualSaveScheduler scheduler(clock);
+TEST_F(SettingsSavePolicyTest, TheDelayFollowsTheOptions) {
     auto options = yxfp_test::benchOptions();
     options.saveDelay = 500ms;
-    yxfrontpanel::settings::SettingsStore store(dir.file("settings.json"), options,
-                                                yxfp_test::benchDefinitions());
-    store.setScheduler(&scheduler);
+    SettingsStore store(path_, options, yxfp_test::benchDefinitions());
+    store.setScheduler(&scheduler_);
     store.set("output", true);
-    clock.advance(499ms);
+    clock_.advance(499ms);
     EXPECT_EQ(store.writeCount(), 0U);
-    clock.advance(1ms);
+    clock_.advance(1ms);
     EXPECT_EQ(store.writeCount(), 1U);
 }
 
-TEST(SettingsSavePolicyTest, FlushWritesPendingChangesAndCancelsTheScheduledSave) {
-    TempDirectory dir;
-    ManualClock clock;
-    ManualSaveScheduler scheduler(clock);
-    auto store = benchStore(dir.file("settings.json"));
-    store->load();
-    store->setScheduler(&scheduler);
+TEST_F(SettingsSavePolicyTest, FlushWritesPendingChangesAndCancelsTheScheduledSave) {
+    auto store = loadedStore();
     store->set("channel", std::int64_t{11});
-    EXPECT_EQ(scheduler.pending(), 1U);
+    EXPECT_EQ(scheduler_.pending(), 1U);
     ASSERT_TRUE(store->flush());
     EXPECT_EQ(store->writeCount(), 1U);
-    EXPECT_EQ(scheduler.pending(), 0U);
-    EXPECT_EQ(savedChannel(dir.file("settings.json")), 11);
-    clock.advance(5s);
+    EXPECT_EQ(scheduler_.pending(), 0U);
+    EXPECT_EQ(savedChannel(path_), 11);
+    clock_.advance(5s);
     EXPECT_EQ(store->writeCount(), 1U);
 }
 
-TEST(SettingsSavePolicyTest, UnchangedValuesScheduleNothing) {
-    TempDirectory dir;
-    ManualClock clock;
-    ManualSaveScheduler scheduler(clock);
-    auto store = benchStore(dir.file("settings.json"));
-    store->setScheduler(&scheduler);
+TEST_F(SettingsSavePolicyTest, UnchangedValuesScheduleNothing) {
+    auto store = scheduled(benchStore(path_));
     store->set("channel", std::int64_t{3});
-    EXPECT_EQ(scheduler.scheduledCount(), 0U);
-    clock.advance(5s);
+    EXPECT_EQ(scheduler_.scheduledCount(), 0U);
+    clock_.advance(5s);
     EXPECT_EQ(store->writeCount(), 0U);
 }
 
-TEST(SettingsSavePolicyTest, AFailedScheduledSaveIsRetriedByTheNextChange) {
-    TempDirectory dir;
-    std::string const folder = dir.file("config");
-    ManualClock clock;
-    ManualSaveScheduler scheduler(clock);
-    auto store = benchStore(folder + "/settings.json");
-    store->setScheduler(&scheduler);
+TEST_F(SettingsSavePolicyTest, AFailedScheduledSaveIsRetriedByTheNextChange) {
+    std::string const folder = dir_.file("config");
+    auto store = scheduled(benchStore(folder + "/settings.json"));
     yxfp_test::LogCapture log;
     store->set("channel", std::int64_t{4});
-    clock.advance(2s);
+    clock_.advance(2s);
     EXPECT_EQ(store->writeCount(), 0U);
     EXPECT_TRUE(store->hasUnsavedChanges());
     ASSERT_TRUE(std::filesystem::create_directory(folder));
     store->set("channel", std::int64_t{5});
-    clock.advance(2s);
+    clock_.advance(2s);
     EXPECT_EQ(store->writeCount(), 1U);
     EXPECT_EQ(savedChannel(folder + "/settings.json"), 5);
 }
 
-TEST(SettingsSavePolicyTest, DestroyingTheStoreCancelsItsScheduledSave) {
-    TempDirectory dir;
-    ManualClock clock;
-    ManualSaveScheduler scheduler(clock);
+TEST_F(SettingsSavePolicyTest, DestroyingTheStoreCancelsItsScheduledSave) {
     {
-        auto store = benchStore(dir.file("settings.json"));
-        store->setScheduler(&scheduler);
+        auto store = scheduled(benchStore(path_));
         store->set("channel", std::int64_t{9});
-        EXPECT_EQ(scheduler.pending(), 1U);
+        EXPECT_EQ(scheduler_.pending(), 1U);
     }
-    EXPECT_EQ(scheduler.pending(), 0U);
-    clock.advance(5s);
+    EXPECT_EQ(scheduler_.pending(), 0U);
+    clock_.advance(5s);
 }
 
 }  // namespace

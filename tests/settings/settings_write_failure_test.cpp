@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
+#include <memory>
 #include <string>
 
 #include "platform_capture.h"
@@ -24,6 +25,7 @@ namespace {
 using yxfp_test::benchStore;
 using yxfp_test::LogCapture;
 using yxfp_test::readFile;
+using yxfp_test::savedChannel;
 using yxfp_test::TempDirectory;
 using yxfrontpanel::settings::SaveResult;
 using yxfrontpanel::settings::SettingsStore;
@@ -49,10 +51,30 @@ std::unique_ptr<SettingsStore> storeWithUnsavedChange(std::string const& path) {
     return store;
 }
 
-// What every refused save must leave behind.
-void expectRefused(SaveResult const& result, SettingsStore const& store, std::string const& oldFile,
-                   std::string const& oldContent, std::string const& reason,
-                   LogCapture const& log) {
+// A store in the folder "config" of `dir`, with a saved file and an unsaved change, whose
+// folder is then moved to "config.kept": the store's folder is gone, its saved file kept there
+// to compare.
+struct FolderMovedAside {
+    std::string folder;
+    std::string keptFile;
+    std::string oldContent;
+    std::unique_ptr<SettingsStore> store;
+};
+
+FolderMovedAside storeWithFolderMovedAside(TempDirectory const& dir) {
+    FolderMovedAside moved{dir.file("config"), dir.file("config.kept/settings.json"), {}, {}};
+    EXPECT_TRUE(std::filesystem::create_directory(moved.folder));
+    moved.store = storeWithUnsavedChange(moved.folder + "/settings.json");
+    moved.oldContent = readFile(moved.folder + "/settings.json");
+    std::filesystem::rename(moved.folder, dir.file("config.kept"));
+    return moved;
+}
+
+// Saves `store` while the fault holds and checks what every refused save must leave behind.
+void expectSaveRefused(SettingsStore& store, std::string const& oldFile,
+                       std::string const& oldContent, std::string const& reason) {
+    LogCapture log;
+    SaveResult const result = store.saveNow();
     EXPECT_FALSE(result.ok);
     EXPECT_NE(result.error.find(reason), std::string::npos) << result.error;
     EXPECT_NE(result.error.find(store.path()), std::string::npos) << result.error;
@@ -64,9 +86,7 @@ void expectRefused(SaveResult const& result, SettingsStore const& store, std::st
 
 void expectSavedAfterwards(SettingsStore& store) {
     ASSERT_TRUE(store.saveNow());
-    auto reloaded = benchStore(store.path());
-    reloaded->load();
-    EXPECT_EQ(reloaded->integer("channel"), 6);
+    EXPECT_EQ(savedChannel(store.path()), 6);
 }
 
 // A file-size limit makes writes fail as on a full disk (EFBIG, SIGXFSZ ignored). The limit is
@@ -110,9 +130,7 @@ TEST(SettingsWriteFailureTest, AFileSizeLimitLikeAFullDiskKeepsTheOldFile) {
     // 10: saved despite the limit; 11: another reason; 12: old file, memory or temporary file
     // not as before; 13: the save after lifting the limit failed.
     EXPECT_EQ(WEXITSTATUS(status), 0);
-    auto reloaded = benchStore(path);
-    reloaded->load();
-    EXPECT_EQ(reloaded->integer("channel"), 6);
+    EXPECT_EQ(savedChannel(path), 6);
 }
 
 // A directory the store may not write to. Root ignores directory permissions, so for root the
@@ -130,11 +148,8 @@ TEST(SettingsWriteFailureTest, AReadOnlyDirectoryKeepsTheOldFile) {
         ASSERT_EQ(::chmod(dir.path().c_str(), 0755), 0);
         ASSERT_EQ(::mkdir((path + ".tmp").c_str(), 0555), 0);
     }
-    {
-        LogCapture log;
-        expectRefused(store->saveNow(), *store, path, oldContent,
-                      permissionsHold ? "Permission denied" : "Is a directory", log);
-    }
+    expectSaveRefused(*store, path, oldContent,
+                      permissionsHold ? "Permission denied" : "Is a directory");
     if (permissionsHold) {
         ASSERT_EQ(::chmod(dir.path().c_str(), 0755), 0);
     } else {
@@ -145,38 +160,21 @@ TEST(SettingsWriteFailureTest, AReadOnlyDirectoryKeepsTheOldFile) {
 
 TEST(SettingsWriteFailureTest, ADirectoryRemovedUnderTheStoreIsReportedAndRetried) {
     TempDirectory dir;
-    std::string const folder = dir.file("config");
-    ASSERT_TRUE(std::filesystem::create_directory(folder));
-    auto store = storeWithUnsavedChange(folder + "/settings.json");
-    std::string const oldContent = readFile(folder + "/settings.json");
-    // The old file is kept elsewhere to compare; the directory itself goes.
-    std::filesystem::rename(folder, dir.file("config.kept"));
-    {
-        LogCapture log;
-        expectRefused(store->saveNow(), *store, dir.file("config.kept/settings.json"), oldContent,
-                      "No such file or directory", log);
-    }
-    ASSERT_TRUE(std::filesystem::create_directory(folder));
-    expectSavedAfterwards(*store);
+    auto const moved = storeWithFolderMovedAside(dir);
+    expectSaveRefused(*moved.store, moved.keptFile, moved.oldContent, "No such file or directory");
+    ASSERT_TRUE(std::filesystem::create_directory(moved.folder));
+    expectSavedAfterwards(*moved.store);
 }
 
 TEST(SettingsWriteFailureTest, ADirectoryReplacedByAFileIsReportedAndRetried) {
     TempDirectory dir;
-    std::string const folder = dir.file("config");
-    ASSERT_TRUE(std::filesystem::create_directory(folder));
-    auto store = storeWithUnsavedChange(folder + "/settings.json");
-    std::string const oldContent = readFile(folder + "/settings.json");
-    std::filesystem::rename(folder, dir.file("config.kept"));
-    yxfp_test::writeFile(folder, "not a directory");
-    {
-        LogCapture log;
-        expectRefused(store->saveNow(), *store, dir.file("config.kept/settings.json"), oldContent,
-                      "Not a directory", log);
-    }
-    std::filesystem::remove(folder);
-    std::filesystem::rename(dir.file("config.kept"), folder);
-    expectSavedAfterwards(*store);
-    EXPECT_EQ(readFile(folder + "/settings.json.bak"), oldContent);
+    auto const moved = storeWithFolderMovedAside(dir);
+    yxfp_test::writeFile(moved.folder, "not a directory");
+    expectSaveRefused(*moved.store, moved.keptFile, moved.oldContent, "Not a directory");
+    std::filesystem::remove(moved.folder);
+    std::filesystem::rename(dir.file("config.kept"), moved.folder);
+    expectSavedAfterwards(*moved.store);
+    EXPECT_EQ(readFile(moved.folder + "/settings.json.bak"), moved.oldContent);
 }
 
 }  // namespace

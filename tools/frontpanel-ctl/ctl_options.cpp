@@ -3,7 +3,8 @@
 #include <yxfrontpanel/runtime/remote_endpoint.h>
 
 #include <charconv>
-#include <optional>
+#include <cmath>
+#include <stdexcept>
 
 namespace frontpanelctl {
 
@@ -17,7 +18,7 @@ std::chrono::milliseconds parseTimeout(std::string const& text) {
         throw UsageError("--timeout wants seconds between 0 and 3600, e.g. 2.5; got '" + text +
                          "'");
     }
-    return std::chrono::milliseconds{static_cast<long long>(seconds * 1000.0 + 0.5)};
+    return std::chrono::milliseconds{std::llround(seconds * 1000.0)};
 }
 
 }  // namespace
@@ -25,37 +26,23 @@ std::chrono::milliseconds parseTimeout(std::string const& text) {
 CtlOptions parseCtlOptions(std::vector<std::string> const& arguments) {
     CtlOptions options;
     bool addressSeen = false;
-    for (std::size_t index = 0; index < arguments.size(); ++index) {
-        std::string const& argument = arguments[index];
+    frontpaneltools::OptionReader reader(arguments);
+    while (reader.next()) {
+        std::string const& argument = reader.argument();
         if (addressSeen) {
             options.commands.push_back(argument);
             continue;
         }
-        std::string name = argument;
-        std::optional<std::string> value;
-        if (auto const equals = argument.find('=');
-            argument.rfind("--", 0) == 0 && equals != std::string::npos) {
-            name = argument.substr(0, equals);
-            value = argument.substr(equals + 1);
-        }
-        auto const takeValue = [&]() -> std::string {
-            if (value) {
-                return *value;
-            }
-            if (index + 1 >= arguments.size()) {
-                throw UsageError(name + " needs a value");
-            }
-            return arguments[++index];
-        };
+        std::string const& name = reader.name();
         if (name == "--help" || name == "-h") {
             options.help = true;
         } else if (name == "--screen") {
             options.screen = true;
         } else if (name == "--token") {
-            options.token = takeValue();
+            options.token = reader.takeValue();
         } else if (name == "--timeout") {
-            options.timeout = parseTimeout(takeValue());
-        } else if (name.rfind("-", 0) == 0 && name.size() > 1) {
+            options.timeout = parseTimeout(reader.takeValue());
+        } else if (name.rfind('-', 0) == 0 && name.size() > 1) {
             throw UsageError("unknown option '" + name + "' (see --help)");
         } else {
             try {

@@ -1,9 +1,10 @@
 #pragma once
 
 #include <chrono>
-#include <stdexcept>
 #include <string>
 #include <vector>
+
+#include "option_reader.h"
 
 namespace frontpanelctl {
 
@@ -23,10 +24,7 @@ struct CtlOptions {
 };
 
 /** A command line that cannot be used; the message says what is wrong. */
-class UsageError : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
+using UsageError = frontpaneltools::UsageError;
 
 /** Parses the arguments after the program name.
  *  @throws UsageError for unknown options, missing or bad values and a missing address. */

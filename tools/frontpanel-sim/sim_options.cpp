@@ -6,6 +6,7 @@
 #include <fstream>
 #include <locale>
 #include <sstream>
+#include <stdexcept>
 #include <tuple>
 #include <utility>
 
@@ -78,46 +79,32 @@ std::string parseListenAddress(std::string const& text) {
 
 SimOptions parseOptions(std::vector<std::string> const& arguments) {
     SimOptions options;
-    for (std::size_t index = 0; index < arguments.size(); ++index) {
-        std::string const& argument = arguments[index];
-        std::string name = argument;
-        std::optional<std::string> value;
-        if (auto const equals = argument.find('=');
-            argument.rfind("--", 0) == 0 && equals != std::string::npos) {
-            name = argument.substr(0, equals);
-            value = argument.substr(equals + 1);
-        }
-        auto const takeValue = [&]() -> std::string {
-            if (value) {
-                return *value;
-            }
-            if (index + 1 >= arguments.size()) {
-                throw UsageError(name + " needs a value");
-            }
-            return arguments[++index];
-        };
+    frontpaneltools::OptionReader reader(arguments);
+    while (reader.next()) {
+        std::string const& argument = reader.argument();
+        std::string const& name = reader.name();
         if (name == "--help" || name == "-h") {
             options.help = true;
         } else if (name == "--size") {
-            std::tie(options.chars, options.lines) = parseSize(takeValue());
+            std::tie(options.chars, options.lines) = parseSize(reader.takeValue());
         } else if (name == "--keys") {
             if (options.keyScript) {
                 throw UsageError("give either --keys or --keys-file, once");
             }
-            options.keyScript = takeValue();
+            options.keyScript = reader.takeValue();
             options.keyScriptSource = "--keys";
         } else if (name == "--keys-file") {
             if (options.keyScript) {
                 throw UsageError("give either --keys or --keys-file, once");
             }
-            options.keyScriptSource = takeValue();
+            options.keyScriptSource = reader.takeValue();
             options.keyScript = readFile(options.keyScriptSource);
         } else if (name == "--print") {
-            options.print = parsePrintMode(takeValue());
+            options.print = parsePrintMode(reader.takeValue());
         } else if (name == "--idle") {
-            options.idle = parseIdle(takeValue());
+            options.idle = parseIdle(reader.takeValue());
         } else if (name == "--settings") {
-            options.settingsFile = takeValue();
+            options.settingsFile = reader.takeValue();
             if (options.settingsFile->empty()) {
                 throw UsageError("--settings needs a file name");
             }
@@ -129,18 +116,18 @@ SimOptions parseOptions(std::vector<std::string> const& arguments) {
         } else if (name == "--headless") {
             options.headless = true;
         } else if (name == "--display") {
-            options.display = parseDisplaySpec(takeValue());
+            options.display = parseDisplaySpec(reader.takeValue());
         } else if (name == "--listen") {
-            options.listen.push_back(parseListenAddress(takeValue()));
+            options.listen.push_back(parseListenAddress(reader.takeValue()));
         } else if (name == "--web") {
-            options.web = parseEndpoint("--web", takeValue());
+            options.web = parseEndpoint("--web", reader.takeValue());
         } else if (name == "--web-token") {
-            options.webToken = takeValue();
+            options.webToken = reader.takeValue();
             if (options.webToken.empty()) {
                 throw UsageError("--web-token needs a token that is not empty");
             }
         } else if (name == "--input") {
-            options.inputs.push_back(parseInputSpec(takeValue()));
+            options.inputs.push_back(parseInputSpec(reader.takeValue()));
         } else {
             throw UsageError("unknown option '" + argument + "' (see --help)");
         }

@@ -2,13 +2,13 @@
 
 #include <chrono>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "display_spec.h"
 #include "endpoint.h"
 #include "input_spec.h"
+#include "option_reader.h"
 
 namespace frontpanelsim {
 
@@ -46,10 +46,7 @@ struct SimOptions {
 };
 
 /** A command line that cannot be used; the message says what is wrong. */
-class UsageError : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
+using UsageError = frontpaneltools::UsageError;
 
 /** Parses the arguments after the program name. Reads the file of --keys-file.
  *  @throws UsageError for unknown options, missing or bad values and unreadable files. */

@@ -84,6 +84,25 @@ SettingBinding subscribe(SettingsStore& store, std::string const& key, SharedId 
     return SettingBinding(store, *id);
 }
 
+// Choice items and radio groups alike: they show an item key (`setValue`) and report the chosen
+// one (`valueCallback`); an integer or boolean setting stands behind the key.
+template <class KeyedItem>
+SettingBinding bindItemKey(SettingsStore& store, std::string const& key, KeyedItem& item,
+                           std::function<void(int)> onCommit, char const* itemName) {
+    SettingType const type =
+        requireType(store, key, {SettingType::Integer, SettingType::Boolean}, itemName);
+    auto show = [&item](SettingValue const& value) { item.setValue(toItemKey(value)); };
+    show(store.get(key));
+    auto id = std::make_shared<SettingsStore::ListenerId>(0);
+    item.valueCallback = [&store, key, type, id, show, onCommit = std::move(onCommit)](int choice) {
+        commit(store, key, fromItemKey(type, choice), *id, show);
+        if (onCommit) {
+            onCommit(choice);
+        }
+    };
+    return subscribe(store, key, id, show);
+}
+
 }  // namespace
 
 SettingBinding::SettingBinding(SettingsStore& store, SettingsStore::ListenerId listener)
@@ -163,34 +182,12 @@ SettingBinding bindSetting(SettingsStore& store, std::string const& key,
 
 SettingBinding bindSetting(SettingsStore& store, std::string const& key, InlineEditorMenuItem& item,
                            std::function<void(int)> onCommit) {
-    SettingType const type =
-        requireType(store, key, {SettingType::Integer, SettingType::Boolean}, "choice item");
-    auto show = [&item](SettingValue const& value) { item.setValue(toItemKey(value)); };
-    show(store.get(key));
-    auto id = std::make_shared<SettingsStore::ListenerId>(0);
-    item.valueCallback = [&store, key, type, id, show, onCommit = std::move(onCommit)](int choice) {
-        commit(store, key, fromItemKey(type, choice), *id, show);
-        if (onCommit) {
-            onCommit(choice);
-        }
-    };
-    return subscribe(store, key, id, show);
+    return bindItemKey(store, key, item, std::move(onCommit), "choice item");
 }
 
 SettingBinding bindSetting(SettingsStore& store, std::string const& key, RadioTreeMenuItem& item,
                            std::function<void(int)> onCommit) {
-    SettingType const type =
-        requireType(store, key, {SettingType::Integer, SettingType::Boolean}, "radio group");
-    auto show = [&item](SettingValue const& value) { item.setValue(toItemKey(value)); };
-    show(store.get(key));
-    auto id = std::make_shared<SettingsStore::ListenerId>(0);
-    item.valueCallback = [&store, key, type, id, show, onCommit = std::move(onCommit)](int choice) {
-        commit(store, key, fromItemKey(type, choice), *id, show);
-        if (onCommit) {
-            onCommit(choice);
-        }
-    };
-    return subscribe(store, key, id, show);
+    return bindItemKey(store, key, item, std::move(onCommit), "radio group");
 }
 
 SettingBinding bindSetting(SettingsStore& store, std::string const& key, SliderMenuItem& item,

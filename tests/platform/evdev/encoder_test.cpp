@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <vector>
@@ -28,6 +29,15 @@ Events steps(char const* key, int count) {
     for (int i = 0; i < count; ++i) {
         events.push_back(std::string("press ") + key);
         events.push_back(std::string("release ") + key);
+    }
+    return events;
+}
+
+// The events of `parts`, one part after the other.
+Events joined(std::initializer_list<Events> parts) {
+    Events events;
+    for (Events const& part : parts) {
+        events.insert(events.end(), part.begin(), part.end());
     }
     return events;
 }
@@ -73,11 +83,7 @@ TEST_F(EncoderTest, WheelAndXAxesStepToo) {
     start();
     turn(1, 0, REL_WHEEL);
     turn(-1, 0, REL_X);
-    Events expected = steps("up", 1);
-    for (auto const& event : steps("down", 1)) {
-        expected.push_back(event);
-    }
-    EXPECT_EQ(events(), expected);
+    EXPECT_EQ(events(), joined({steps("up", 1), steps("down", 1)}));
 }
 
 TEST_F(EncoderTest, OtherAxesAreIgnored) {
@@ -192,12 +198,7 @@ TEST_F(EncoderTest, StepOfAHeldKeyIsLeftOut) {
     turn(1);
     turn(-1);
     pipe_.key(KEY_UP, 0);
-    Events expected{"press up"};
-    for (auto const& event : steps("down", 1)) {
-        expected.push_back(event);
-    }
-    expected.push_back("release up");
-    EXPECT_EQ(events(), expected);
+    EXPECT_EQ(events(), joined({{"press up"}, steps("down", 1), {"release up"}}));
 }
 
 TEST_F(EncoderTest, PushSwitchIsEnter) {

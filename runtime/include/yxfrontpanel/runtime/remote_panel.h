@@ -45,8 +45,8 @@ public:
 
     /** The screen as UTF-8 lines (see `frontpanelhw::lineText`). */
     std::vector<std::string> screenLines() const;
-    /** The inverted columns of `line` as `frontpanelhw::formatColumnRanges` writes them; empty past the
-     *  bottom. */
+    /** The inverted columns of `line` as `frontpanelhw::formatColumnRanges` writes them; empty
+     *  past the bottom. */
     std::string invertedColumnsOf(unsigned line) const;
 };
 

@@ -2,6 +2,7 @@
 
 #include <yxfrontpanel/runtime/settings_store.h>
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -34,6 +35,13 @@ inline std::unique_ptr<yxfrontpanel::settings::SettingsStore> benchStore(std::st
                                                                          unsigned version = 2) {
     return std::make_unique<yxfrontpanel::settings::SettingsStore>(path, benchOptions(version),
                                                                    benchDefinitions());
+}
+
+/** The channel a bench store loads from the file at `path`. */
+inline std::int64_t savedChannel(std::string const& path) {
+    auto store = benchStore(path);
+    store->load();
+    return store->integer("channel");
 }
 
 /** A valid file of the bench supply with values that differ from every default. */
