@@ -22,6 +22,17 @@ if(TARGET frontpanel-sim)
                 ${CMAKE_CROSSCOMPILING_EMULATOR})
     endif()
 
+    # The real program's exit statuses and messages, and its end on SIGINT and SIGTERM.
+    if(YXFP_WITH_EVDEV)
+        set(golden_has_evdev 1)
+    else()
+        set(golden_has_evdev 0)
+    endif()
+    add_test(NAME simulator.exit_status
+        COMMAND ${CMAKE_COMMAND} -E env YXFP_SIM_HAS_EVDEV=${golden_has_evdev}
+            bash ${CMAKE_CURRENT_LIST_DIR}/../tools/simulator_exit_test.sh
+            $<TARGET_FILE:frontpanel-sim> ${CMAKE_CROSSCOMPILING_EMULATOR})
+
     # The real program in a real terminal: tmux runs it, sends keys, reads the screen.
     find_program(YXFP_TMUX tmux)
     if(YXFP_TMUX)

@@ -1,0 +1,61 @@
+#!/usr/bin/env bash
+# The exit status and the one-line message of frontpanel-sim as scripts see them: 2 for a bad
+# command line, 1 for a device that cannot be used, 0 after SIGINT or SIGTERM in a headless run.
+# Usage: simulator_exit_test.sh SIM [EMULATOR...]
+# YXFP_SIM_HAS_EVDEV=0 when the simulator was built without libevdev.
+set -uo pipefail
+sim=$1
+shift
+run=("$@" "$sim")
+failures=0
+
+expect() {  # status message-pattern arguments...
+    local want=$1 pattern=$2 output status
+    shift 2
+    output=$("${run[@]}" "$@" 2>&1 < /dev/null)
+    status=$?
+    if [ "$status" -ne "$want" ] || ! grep -q -- "$pattern" <<< "$output"; then
+        echo "FAILED: frontpanel-sim $*: status $status (want $want), output: $output"
+        failures=$((failures + 1))
+    else
+        echo "ok: frontpanel-sim $* -> $status"
+    fi
+}
+
+expect 2 "unknown option '--colour'" --colour
+expect 2 "--input wants evdev:PATH" --headless --input keyboard
+expect 2 "--web" --web nowhere
+expect 2 "needs a value" --idle
+if [ "${YXFP_SIM_HAS_EVDEV:-1}" = 1 ]; then
+    expect 1 "/nonexistent/event9" --headless --input evdev:/nonexistent/event9
+else
+    expect 2 "built without libevdev" --headless --input evdev:/nonexistent/event9
+fi
+
+# A headless run with a server ends on either signal with status 0.
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+for signal in INT TERM; do
+    mkfifo "$work/log.$signal"
+    "${run[@]}" --headless --listen "unix:$work/panel.$signal.sock" 2> "$work/log.$signal" &
+    pid=$!
+    exec 3< "$work/log.$signal"
+    # Wait for the line that says it listens (the read blocks; no polling, no sleep).
+    listening=false
+    while IFS= read -r line <&3; do
+        case $line in *"remote control on unix:"*) listening=true; break ;; esac
+    done
+    cat <&3 > /dev/null &
+    kill -s "$signal" "$pid"
+    wait "$pid"
+    status=$?
+    exec 3<&-
+    if ! $listening || [ "$status" -ne 0 ]; then
+        echo "FAILED: SIG$signal: listening=$listening, status $status (want 0)"
+        failures=$((failures + 1))
+    else
+        echo "ok: --headless ends with 0 on SIG$signal"
+    fi
+done
+
+[ "$failures" -eq 0 ]
