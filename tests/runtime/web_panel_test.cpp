@@ -136,6 +136,35 @@ TEST_F(WebPanelTest, PageSeesFramesAndPressesKeys) {
     EXPECT_EQ(server->viewerCount(), 1U);
 }
 
+// Quotes and backslashes reach the page escaped, glyphs as UTF-8, and a line's inverted runs
+// each as a pair.
+TEST_F(WebPanelTest, FrameTextIsEscapedAndEveryInvertedRunSent) {
+    start();
+    auto page = openPage();
+    ASSERT_TRUE(waitForFrame(*page, kFirstFrame));
+    frontpanelhw::drawing::DisplayLine line;
+    line.appendText(u"\"a\" \\ b!", 8, false);
+    line.appendFill(0xDB, 3, true);
+    line.setInverted(0, 1, true);
+    frontpanelhw::drawing::DisplayBuffer screen(20, 4);
+    screen.setDisplayLine(2, line);
+    panel->post([this, screen] { panel->provider().draw(screen); });
+    EXPECT_TRUE(
+        waitForFrame(*page, R"({"type":"frame","chars":20,"lines":4,"local":true,"text":[")" +
+                                std::string(20, ' ') + R"(",")" + std::string(20, ' ') +
+                                R"(","\"a\" \\ b!███         ",")" + std::string(20, ' ') +
+                                R"("],"inverted":[[],[],[[0,1],[8,10]],[]]})"));
+}
+
+// The defaults: loopback, port 8080, no token, eight pages.
+TEST(WebPanelOptionsTest, DefaultsAreSafe) {
+    WebPanelOptions const options;
+    EXPECT_EQ(options.address, "127.0.0.1");
+    EXPECT_EQ(options.port, 8080);
+    EXPECT_EQ(options.accessToken, "");
+    EXPECT_EQ(options.maxViewers, 8U);
+}
+
 // Two pages see the same frames.
 TEST_F(WebPanelTest, TwoPagesSeeTheSameFrames) {
     start();

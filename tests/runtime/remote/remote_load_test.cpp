@@ -27,8 +27,8 @@ constexpr unsigned kClients = 8;
 constexpr unsigned kLinesPerBatch = 50;
 constexpr unsigned kPanelKeys = 2000;
 
-/** Commands per client: 10,000, or YXFP_REMOTE_LOAD_COMMANDS (the sanitizer and valgrind runs
- *  set a smaller number, since those tools slow every command down many times). */
+/** Commands per client: 10,000, or YXFP_REMOTE_LOAD_COMMANDS (the valgrind run sets a smaller
+ *  number, since memcheck slows every command down many times; the sanitizer builds send all). */
 unsigned commandsPerClient() {
     char const* const text = std::getenv("YXFP_REMOTE_LOAD_COMMANDS");
     return text != nullptr ? static_cast<unsigned>(std::strtoul(text, nullptr, 10)) : 10000U;
