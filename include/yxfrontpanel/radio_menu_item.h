@@ -30,6 +30,7 @@ namespace yxfrontpanel {
  */
 class YXFP_EXPORT RadioMenuItem : public MenuItem {
 public:
+    /** Hears the chosen item's id; runs on the key thread. */
     using ChoiceCallback = std::function<void(int)>;
 
     /** An unchecked choice named `text` standing for `id`: its line reads " " + text.

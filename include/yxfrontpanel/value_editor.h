@@ -106,7 +106,9 @@ public:
     double getValue() const;
     /** The value being edited and shown. */
     double getEditValue() const;
+    /** The lower bound. */
     double getMinValue() const;
+    /** The upper bound. */
     double getMaxValue() const;
     /** The number of decimals. */
     unsigned int getPrecision() const;

@@ -34,7 +34,10 @@ struct EncoderOptions {
      *  accelerationInterval / gap times, at most `maxAcceleratedSteps`: fast turning moves
      *  further, e.g. a value editor's digit. */
     bool acceleration = false;
+    /** With acceleration: steps closer together than this count more than once (60 ms by
+     *  default). */
     std::chrono::milliseconds accelerationInterval{60};
+    /** With acceleration: the most times one step counts (5 by default; zero is taken as one). */
     unsigned maxAcceleratedSteps = 5;
 };
 
@@ -42,6 +45,7 @@ struct EncoderOptions {
 struct EvdevOptions {
     /** Which key codes give which panel key. */
     InputKeyMap keys = InputKeyMap::defaults();
+    /** How the turns of a rotary encoder give up and down steps. */
     EncoderOptions encoder;
     /** Grab the device (EVIOCGRAB) so that no one else, such as the console, receives its keys.
      *  Only for input devices; ignored for pipes and files. */
@@ -49,6 +53,7 @@ struct EvdevOptions {
     /** After the device went away, open the same path again every `reopenInterval` until it is
      *  back. */
     bool reopen = false;
+    /** With `reopen`: the time between two tries to open the path (500 ms by default). */
     std::chrono::milliseconds reopenInterval{500};
     /** Whether the device's own key repeats are passed on as Action::Repeat (and reported in
      *  capabilities(), so the panel runtime does not repeat as well). Unset: yes for an input

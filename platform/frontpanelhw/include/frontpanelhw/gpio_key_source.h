@@ -17,7 +17,9 @@ namespace frontpanelhw {
 
 /** One edge on a GPIO line, by its electrical level (rising: the line went high). */
 struct GpioEdge {
+    /** The offset of the line on its chip. */
     unsigned offset = 0;
+    /** True when the line went high, false when it went low. */
     bool rising = false;
     /** When it happened, on the steady clock (or the clock given to GpioKeySource). */
     std::chrono::steady_clock::time_point time{};
@@ -51,6 +53,8 @@ struct GpioKeyOptions {
     std::map<PanelKey, unsigned> lines;
     /** True: a key is pressed while its line is low (a button to ground with a pull-up). */
     bool activeLow = false;
+    /** The pull resistor the lines are requested with (AsIs by default: left as it is). Used
+     *  only when the source requests the lines itself from a chip. */
     GpioBias bias = GpioBias::AsIs;
     /** A line must keep its level this long before a press or release counts; shorter bounce
      *  bursts are ignored. */

@@ -21,21 +21,28 @@ FRONTPANELHW_EXPORT char const* hd44780RomName(Hd44780Rom rom);
  *  its 5x8 bitmap (eight rows from the top, bit 4 the leftmost dot) and the ASCII character
  *  shown instead when a frame needs more custom glyphs than there are slots. */
 struct Hd44780CustomGlyph {
+    /** The Unicode character the glyph draws. */
     char32_t character;
+    /** The 5x8 bitmap: eight rows from the top, bit 4 the leftmost dot. */
     std::array<std::uint8_t, 8> rows;
+    /** The ASCII character shown instead when the glyph gets no CGRAM slot. */
     char fallback;
 };
 
 /** How one cell code of the toolkit reaches the module. */
 struct Hd44780Mapping {
+    /** Which way a cell reaches the module. */
     enum class Kind {
         Rom,         // `romCode` is a character of the ROM that shows the cell's glyph
         Custom,      // `custom` is the glyph to load into a CGRAM slot
         Replacement  // the ROM has no such glyph and no custom glyph draws it
     };
+    /** A ROM character, a custom glyph or the replacement. */
     Kind kind;
-    std::uint8_t romCode;              // for Rom: 0x10-0xFF
-    Hd44780CustomGlyph const* custom;  // for Custom: an entry of hd44780CustomGlyphs()
+    /** For Rom: the ROM code (0x10-0xFF); 0 otherwise. */
+    std::uint8_t romCode;
+    /** For Custom: an entry of hd44780CustomGlyphs(); nullptr otherwise. */
+    Hd44780CustomGlyph const* custom;
 };
 
 /** Maps the toolkit's cell code `code` (see toUnicode: code page 437 below 0x100, Unicode above)

@@ -19,7 +19,9 @@ namespace frontpanelhw {
 
 /** How the cells of a module lie in the controller's display RAM (DDRAM). */
 struct FRONTPANELHW_EXPORT Hd44780Geometry {
+    /** Cells per line; at least one. */
     unsigned chars = 16;
+    /** Lines of cells: 1 to 4. */
     unsigned lines = 2;
     /** The DDRAM address of the first cell of each line (the first `lines` entries count). */
     std::array<std::uint8_t, 4> lineAddresses{0x00, 0x40, 0x10, 0x50};
@@ -56,20 +58,30 @@ enum class InvertedCellMarker {
 /** The waits of the controller. The defaults are the HD44780U datasheet's times (at a 270 kHz
  *  oscillator) with a margin for slower oscillators and compatible controllers. */
 struct Hd44780Timings {
-    std::chrono::nanoseconds powerOn = std::chrono::milliseconds(50);        // datasheet: > 40 ms
-    std::chrono::nanoseconds firstInit = std::chrono::microseconds(4500);    // datasheet: > 4.1 ms
-    std::chrono::nanoseconds secondInit = std::chrono::microseconds(150);    // datasheet: > 100 µs
-    std::chrono::nanoseconds instruction = std::chrono::microseconds(40);    // datasheet: 37 µs
-    std::chrono::nanoseconds clearOrHome = std::chrono::microseconds(2000);  // datasheet: 1.52 ms
+    /** The wait before each initialisation starts, for the supply to settle after power-on
+     *  (datasheet: > 40 ms). */
+    std::chrono::nanoseconds powerOn = std::chrono::milliseconds(50);
+    /** The wait after the first "eight-bit interface" nibble (datasheet: > 4.1 ms). */
+    std::chrono::nanoseconds firstInit = std::chrono::microseconds(4500);
+    /** The wait after the second "eight-bit interface" nibble (datasheet: > 100 µs). */
+    std::chrono::nanoseconds secondInit = std::chrono::microseconds(150);
+    /** The execution time of the remaining instructions and of each data write (datasheet:
+     *  37 µs). */
+    std::chrono::nanoseconds instruction = std::chrono::microseconds(40);
+    /** The execution time of clear display and return home (datasheet: 1.52 ms). */
+    std::chrono::nanoseconds clearOrHome = std::chrono::microseconds(2000);
 };
 
 /** What the driver does where the module cannot show a frame as it is. */
 struct Hd44780Options {
+    /** The character ROM of the module (A00 by default), which decides what it shows itself. */
     Hd44780Rom rom = Hd44780Rom::A00;
+    /** How inverted cells show (the underline cursor by default). */
     InvertedCellMarker invertedMarker = InvertedCellMarker::UnderlineCursor;
     /** Shown for a cell code that neither the ROM nor a custom glyph can draw; an ASCII
      *  character the ROM has ('?' when it has not). */
     char replacement = '?';
+    /** The waits of the controller; the defaults suit most modules. */
     Hd44780Timings timings;
     /** Waits on the calling thread; empty means yxbase2::system::this_thread::sleep_for. Tests
      *  inject their own so that they never sleep. */

@@ -12,9 +12,13 @@ namespace frontpanelhw {
 
 /** Bits of the line levels handed to IHd44780LineOutput::setLevels. */
 namespace hd44780_lines {
+/** RS (register select): high for data, low for an instruction. */
 inline constexpr std::uint8_t kRs = 0x01;
+/** E, the enable strobe; the module latches on its falling edge. */
 inline constexpr std::uint8_t kEnable = 0x02;
-inline constexpr std::uint8_t kD4 = 0x04;  // D5 0x08, D6 0x10, D7 0x20
+/** D4, the lowest data line; D5, D6 and D7 follow at 0x08, 0x10 and 0x20. */
+inline constexpr std::uint8_t kD4 = 0x04;
+/** How far a nibble is shifted left to put its bits on D4-D7. */
 inline constexpr unsigned kDataShift = 2;
 }  // namespace hd44780_lines
 
@@ -35,11 +39,17 @@ public:
 struct GpioLineConfig {
     /** The GPIO chip: a path (/dev/gpiochip0), a name (gpiochip0) or a number (0). */
     std::string chip = "gpiochip0";
+    /** The line offset on the chip wired to RS; every line needs its own offset. */
     unsigned rs = 0;
+    /** The line offset wired to E. */
     unsigned enable = 0;
+    /** The line offset wired to D4. */
     unsigned d4 = 0;
+    /** The line offset wired to D5. */
     unsigned d5 = 0;
+    /** The line offset wired to D6. */
     unsigned d6 = 0;
+    /** The line offset wired to D7. */
     unsigned d7 = 0;
 };
 
@@ -56,6 +66,8 @@ FRONTPANELHW_EXPORT std::unique_ptr<IHd44780LineOutput> openGpioLines(GpioLineCo
  *  control. One thread at a time. */
 class FRONTPANELHW_EXPORT GpioHd44780Bus : public IHd44780Bus {
 public:
+    /** Takes the lines; sets no level yet.
+     *  @throws std::invalid_argument when `lines` is null. */
     explicit GpioHd44780Bus(std::unique_ptr<IHd44780LineOutput> lines);
     ~GpioHd44780Bus() override;
 

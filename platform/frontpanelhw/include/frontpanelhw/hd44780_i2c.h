@@ -41,13 +41,21 @@ FRONTPANELHW_EXPORT std::unique_ptr<IExpanderPort> openExpanderPort(std::string 
 /** Which expander output drives which module pin; the default is the usual backpack wiring
  *  (P0 RS, P1 RW, P2 E, P3 backlight, P4-P7 D4-D7). Each value is a bit number 0-7. */
 struct ExpanderPinMap {
+    /** The bit that drives RS (register select: high for data, low for an instruction). */
     unsigned rs = 0;
+    /** The bit that drives RW; it is always low, as the driver only writes. */
     unsigned rw = 1;
+    /** The bit that drives E, the enable strobe the module latches on its falling edge. */
     unsigned enable = 2;
+    /** The bit that switches the backlight (see backlightActiveHigh). */
     unsigned backlight = 3;
+    /** The bit that drives D4, the lowest bit of a nibble. */
     unsigned d4 = 4;
+    /** The bit that drives D5. */
     unsigned d5 = 5;
+    /** The bit that drives D6. */
     unsigned d6 = 6;
+    /** The bit that drives D7, the highest bit of a nibble. */
     unsigned d7 = 7;
     /** False for backpacks whose backlight transistor switches on at a low level. */
     bool backlightActiveHigh = true;
@@ -55,12 +63,15 @@ struct ExpanderPinMap {
 
 /** Options of the expander transport. */
 struct ExpanderBusOptions {
+    /** Which expander bit drives which module pin (the usual backpack wiring by default). */
     ExpanderPinMap pins;
     /** The fastest clock the I2C bus may run at; it bounds how quickly nibbles follow each
      *  other, so that the driver knows when it must wait itself. */
     unsigned maxBusHz = 400000;
     /** Bytes sent in one transfer at most; longer batches are split. */
     std::size_t maxTransferBytes = 128;
+    /** Whether the backlight is on from the first transfer (on by default); setBacklight()
+     *  switches it later. */
     bool backlightOn = true;
 };
 
@@ -71,6 +82,8 @@ struct ExpanderBusOptions {
  *  above 7, the bus speed is 0 or the transfer size is below two bytes. */
 class FRONTPANELHW_EXPORT ExpanderHd44780Bus : public IHd44780Bus {
 public:
+    /** Takes the port and checks `options`; sends nothing yet.
+     *  @throws std::invalid_argument when `port` is null or `options` are unusable (see above). */
     ExpanderHd44780Bus(std::unique_ptr<IExpanderPort> port, ExpanderBusOptions const& options);
     ~ExpanderHd44780Bus() override;
 

@@ -37,9 +37,11 @@ public:
     /** Every entry, by code. */
     std::map<int, PanelKey> const& entries() const { return keys_; }
 
+    /** True when both maps have the same entries. */
     friend bool operator==(InputKeyMap const& lhs, InputKeyMap const& rhs) {
         return lhs.keys_ == rhs.keys_;
     }
+    /** True when the maps differ in some entry. */
     friend bool operator!=(InputKeyMap const& lhs, InputKeyMap const& rhs) { return !(lhs == rhs); }
 
 private:

@@ -15,7 +15,9 @@ namespace yxfrontpanel::runtime {
 /** The value of a menu item as text, and whether it is a number (SCPI sends numbers bare and
  *  text in quotes). */
 struct YXFP_RUNTIME_EXPORT MenuValue {
+    /** The value as UTF-8 text; empty when no choice is selected. */
     std::string text;
+    /** True for a value editor's or slider's number, false for text (address, choice). */
     bool numeric = false;
 };
 

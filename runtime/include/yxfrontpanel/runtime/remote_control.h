@@ -17,9 +17,11 @@ class Panel;
 
 /** Everything about a panel's command server. */
 struct RemoteControlOptions {
+    /** The addresses, limits and access token of the server. */
     RemoteServerOptions server;
     /** What `*IDN?` answers. */
     scpi::Identity identity;
+    /** How the panel commands behave (e.g. `MENU:VALue` writes switching to REMOTE). */
     PanelCommandOptions panel;
     /** How `SYSTem:REMote`, `SYSTem:LOCal` and `SYSTem:MODE?` switch and read the mode; by
      *  default the root tree's flag. */

@@ -11,7 +11,14 @@ namespace yxfrontpanel::runtime {
 /** Where a command server listens or a client connects: a TCP host and port, or a Unix-domain
  *  socket path. */
 struct YXFP_RUNTIME_EXPORT Endpoint {
-    enum class Kind { Tcp, Unix };
+    /** The socket family. */
+    enum class Kind {
+        /** A TCP host and port (`host`, `port`). */
+        Tcp,
+        /** A Unix-domain stream socket (`path`). */
+        Unix
+    };
+    /** Which of the fields apply; TCP by default. */
     Kind kind = Kind::Tcp;
     /** Host name or numeric address (IPv6 without brackets); TCP only. */
     std::string host;

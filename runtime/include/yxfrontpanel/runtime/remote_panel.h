@@ -53,7 +53,9 @@ public:
 /** How an application switches and reads its local mode, for one that keeps its own flag and
  *  passes it on to its tree. Both run on the panel's thread. */
 struct LocalMode {
+    /** Returns true in LOCAL, false in REMOTE; when empty, the root tree's flag is read. */
     std::function<bool()> get;
+    /** Switches to LOCAL (`local` true) or REMOTE; when empty, the root tree's flag is set. */
     std::function<void(bool local)> set;
 };
 
@@ -85,6 +87,7 @@ private:
  *  drive their tree themselves. Tree and display must outlive it. */
 class YXFP_RUNTIME_EXPORT TreeControl final : public IRemotePanel {
 public:
+    /** Remote operations on `tree`, whose screen is the last frame `display` received. */
     TreeControl(IMenuTree& tree, frontpanelhw::MemoryDisplay const& display);
     ~TreeControl() override;
 

@@ -22,6 +22,8 @@ struct RemoteServerOptions {
      *  wrong token or another command first is answered with an error line, and the
      *  connection is closed `authFailureDelay` later. */
     std::string accessToken;
+    /** How long after a failed authentication the connection is closed; meanwhile the error
+     *  line is sent and nothing more is read. 1 s by default. */
     std::chrono::milliseconds authFailureDelay{1000};
     /** Further clients are refused (closed at once, and logged). */
     std::size_t maxClients = 8;

@@ -23,12 +23,18 @@ struct YXFP_RUNTIME_EXPORT Session {
  *  dispatcher puts into the client's error queue. */
 class YXFP_RUNTIME_EXPORT Request {
 public:
+    /** A request for `command` from the client of `session`, with no response yet. Keeps
+     *  references: both must outlive the request. */
     Request(Command const& command, Session& session);
 
+    /** The command being run. */
     Command const& command() const;
+    /** The state of the client that sent the command (its error queue). */
     Session& session() const;
+    /** How many parameters the command has. */
     std::size_t parameterCount() const;
-    /** @throws Error (missing parameter) when there are not that many. */
+    /** The parameter at `index` (from 0). @throws Error (missing parameter) when there are not
+     *  that many. */
     Parameter const& parameter(std::size_t index) const;
     /** The parameter as a decimal number ("12.5", "-3", "1e3"), classic notation whatever the
      *  locale. @throws Error (missing parameter, data type error for text or a quoted string). */
@@ -69,7 +75,9 @@ YXFP_RUNTIME_EXPORT bool matches(std::string_view pattern, Command const& comman
 
 /** How far `CommandTable::run` got. */
 struct YXFP_RUNTIME_EXPORT RunResult {
+    /** The index of the first command not run; the line's command count when all ran. */
     std::size_t next = 0;
+    /** Whether the last command run deferred the rest (`Request::deferRest`). */
     bool deferred = false;
 };
 
@@ -113,9 +121,13 @@ private:
 /** What `*IDN?` answers: four fields supplied by the application. Commas in a field are
  *  replaced by blanks, since they separate the fields. */
 struct YXFP_RUNTIME_EXPORT Identity {
+    /** The first field, the maker; "YxFrontPanel" by default. */
     std::string manufacturer = "YxFrontPanel";
+    /** The second field, the model; "Panel" by default. */
     std::string model = "Panel";
+    /** The third field, the serial number; "0" by default. */
     std::string serialNumber = "0";
+    /** The fourth field, the firmware version; "0" by default. */
     std::string firmwareVersion = "0";
 };
 

@@ -12,20 +12,37 @@ namespace yxfrontpanel::runtime::scpi {
 
 /** The standard SCPI error numbers the command server reports. */
 enum class ErrorCode : int {
+    /** 0: no error; what an empty queue reports. */
     NoError = 0,
+    /** -101: a character that cannot start a header or parameter, or a quote inside an
+     *  unquoted parameter. */
     InvalidCharacter = -101,
+    /** -102: a malformed header. */
     SyntaxError = -102,
+    /** -103: a header not followed by a blank or the end, or parameters not separated by ','. */
     InvalidSeparator = -103,
+    /** -104: a parameter that is not a number (or whole number) where one is needed. */
     DataTypeError = -104,
+    /** -108: more parameters than the command takes. */
     ParameterNotAllowed = -108,
+    /** -109: fewer parameters than the command needs, or an empty parameter. */
     MissingParameter = -109,
+    /** -113: no command has this header. */
     UndefinedHeader = -113,
+    /** -151: an unterminated quoted string. */
     InvalidStringData = -151,
+    /** -200: the command could not be carried out (e.g. a read-only item, a handler's
+     *  exception). */
     ExecutionError = -200,
+    /** -203: a wrong or missing access token; the server then closes the connection. */
     CommandProtected = -203,
+    /** -222: a number outside the allowed range. */
     DataOutOfRange = -222,
+    /** -224: a value the target does not accept (unknown key, item or choice; bad address). */
     IllegalParameterValue = -224,
+    /** -350: errors were lost because the queue was full. */
     QueueOverflow = -350,
+    /** -363: a line longer than the server's limit; the rest of the line is discarded. */
     InputBufferOverrun = -363,
 };
 
@@ -36,7 +53,9 @@ YXFP_RUNTIME_EXPORT std::string errorText(ErrorCode code);
 /** One entry of an error queue: the code and, optionally, a detail that names the offending
  *  header, parameter or path. */
 struct YXFP_RUNTIME_EXPORT ErrorEntry {
+    /** The error number; `NoError` by default. */
     ErrorCode code = ErrorCode::NoError;
+    /** What the error concerns (header, parameter, path); empty when there is nothing to add. */
     std::string detail;
 
     /** The SCPI form `-113,"Undefined header;FOO:BAR"`: the number, a comma and the standard
@@ -52,13 +71,20 @@ public:
     /** An error with `code` and an optional `detail` (what() reads like `format()`). */
     explicit Error(ErrorCode code, std::string detail = {});
     ~Error() override;
+    /** Copies code, detail and message. */
     Error(Error const&) = default;
+    /** Copies code, detail and message. */
     Error& operator=(Error const&) = default;
+    /** Moves code, detail and message. */
     Error(Error&&) = default;
+    /** Moves code, detail and message. */
     Error& operator=(Error&&) = default;
 
+    /** The error number. */
     ErrorCode code() const noexcept;
+    /** The detail given to the constructor; may be empty. */
     std::string const& detail() const noexcept;
+    /** The error as an entry of an error queue (code and detail). */
     ErrorEntry entry() const;
 
 private:

@@ -19,6 +19,7 @@ struct YXFP_RUNTIME_EXPORT Parameter {
     /** Whether it was a quoted string ("..." or '...'). */
     bool quoted = false;
 
+    /** Whether both have the same text and the same `quoted`. */
     bool operator==(Parameter const& other) const;
 };
 
@@ -34,6 +35,7 @@ struct YXFP_RUNTIME_EXPORT Command {
     std::size_t inherited = 0;
     /** The header ended in '?'. */
     bool query = false;
+    /** The parameters in the order written; empty when there are none. */
     std::vector<Parameter> parameters;
 
     /** The header as written after resolution, e.g. "SYST:KEY" or "*IDN?" (for messages). */
@@ -43,7 +45,9 @@ struct YXFP_RUNTIME_EXPORT Command {
 /** A parsed command line: the commands up to the first error, and that error (if any). The
  *  commands before an error still run; everything after it on the line is discarded. */
 struct YXFP_RUNTIME_EXPORT ParsedLine {
+    /** The commands before the first error, in line order; empty commands left out. */
     std::vector<Command> commands;
+    /** The first error on the line; empty when the whole line parsed. */
     std::optional<ErrorEntry> error;
 };
 
@@ -66,7 +70,9 @@ YXFP_RUNTIME_EXPORT ParsedLine parseLine(std::string_view line);
 
 /** Parameters and how reading them ended. */
 struct YXFP_RUNTIME_EXPORT ParsedParameters {
+    /** The parameters read before the end, a ';' or the first error. */
     std::vector<Parameter> parameters;
+    /** The error that stopped the reading; empty when the list was well formed. */
     std::optional<ErrorEntry> error;
 };
 

@@ -27,10 +27,17 @@ namespace yxfrontpanel::settings {
  */
 class YXFP_RUNTIME_EXPORT SettingBinding {
 public:
+    /** An inactive binding, bound to nothing. */
     SettingBinding() = default;
+    /** Takes over `listener`, a subscription of the item to `store`, and unsubscribes it when it
+     *  ends. Made by `bindSetting`. */
     SettingBinding(SettingsStore& store, SettingsStore::ListenerId listener);
+    /** Stops the store's notifications to the item (`release`). */
     ~SettingBinding();
+    /** Takes over the subscription of `other`, which becomes inactive. */
     SettingBinding(SettingBinding&& other) noexcept;
+    /** Releases this binding's subscription, then takes over that of `other`, which becomes
+     *  inactive. */
     SettingBinding& operator=(SettingBinding&& other) noexcept;
     SettingBinding(SettingBinding const&) = delete;
     SettingBinding& operator=(SettingBinding const&) = delete;

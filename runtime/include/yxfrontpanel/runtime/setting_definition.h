@@ -14,7 +14,18 @@
 namespace yxfrontpanel::settings {
 
 /** The kinds of value a settings store keeps. */
-enum class SettingType { Number, Integer, Boolean, Text, Ipv4Address };
+enum class SettingType {
+    /** A floating-point number (`double`); a definition accepts finite ones only. */
+    Number,
+    /** A signed 64-bit integer (`std::int64_t`), also the type of a choice. */
+    Integer,
+    /** `true` or `false` (`bool`). */
+    Boolean,
+    /** A UTF-8 text (`std::string`). */
+    Text,
+    /** An IPv4 address (`ip::IpV4Address`). */
+    Ipv4Address
+};
 
 /** One setting's value: a number (double), an integer, a boolean, a text (UTF-8) or an IPv4
  *  address. The alternative held is the value's type. */
@@ -33,6 +44,7 @@ YXFP_RUNTIME_EXPORT std::optional<ip::IpV4Address> parseIpv4(std::string_view te
 
 /** What `SettingDefinition::check` made of a value. */
 struct SettingCheck {
+    /** Whether the value was kept, clamped or rejected. */
     enum class Outcome {
         /** The value is valid as it is. */
         Accepted,
@@ -41,6 +53,7 @@ struct SettingCheck {
         /** Wrong type, not finite, not one of the choices or too long a text. */
         Rejected
     };
+    /** What the check made of the value. */
     Outcome outcome = Outcome::Accepted;
     /** The value to keep: the value itself, the clamped one, or the default when rejected. */
     SettingValue value;
@@ -76,8 +89,11 @@ public:
     /** An IPv4 address. @throws std::invalid_argument for an empty key. */
     static SettingDefinition ipv4(std::string key, ip::IpV4Address const& defaultValue);
 
+    /** The key the value is stored under (never empty). */
     std::string const& key() const;
+    /** The value's type: that of the default. */
     SettingType type() const;
+    /** The value before any load or change and after a factory reset. */
     SettingValue const& defaultValue() const;
     /** The allowed integers of a choice; empty for every other setting. */
     std::vector<std::int64_t> const& choices() const;

@@ -17,6 +17,7 @@ namespace yxfrontpanel::settings {
  *  (`PanelSaveScheduler`), a hand-moved clock in tests. */
 class YXFP_RUNTIME_EXPORT ISaveScheduler {
 public:
+    /** The work to run later: one coalesced save of the store. */
     using Task = std::function<void()>;
     /** Identifies a scheduled task; 0 is never used for one. */
     using Handle = std::uint64_t;
@@ -54,13 +55,17 @@ struct SettingsStoreOptions {
 
 /** The outcome of a save: `ok`, or the reason it failed (the file is then unchanged). */
 struct SaveResult {
+    /** True when the file was written (or had nothing unsaved to write). */
     bool ok = true;
+    /** The logged reason the save failed, naming the file; empty when `ok`. */
     std::string error;
+    /** Whether the save succeeded (`ok`). */
     explicit operator bool() const { return ok; }
 };
 
 /** What `load` found. */
 struct LoadResult {
+    /** Where the values in memory came from. */
     enum class Source {
         /** No file: every value is its default. */
         Defaults,
@@ -72,6 +77,7 @@ struct LoadResult {
         /** The file (and backup, if any) were unusable: defaults. */
         DefaultsAfterCorruption
     };
+    /** Where the values came from (`Defaults` when there was no file). */
     Source source = Source::Defaults;
     /** True when the file has a newer schema and `saveNewerSchema` is off: saves are refused. */
     bool readOnly = false;
@@ -146,9 +152,13 @@ public:
     /** Typed reads. @throws std::out_of_range for an undeclared key, std::invalid_argument when
      *  the key has another type (a number read of an integer converts). */
     double number(std::string const& key) const;
+    /** The integer value of `key` (also a choice's); throws as `number`, converting nothing. */
     std::int64_t integer(std::string const& key) const;
+    /** The boolean value of `key`; throws as `number`. */
     bool boolean(std::string const& key) const;
+    /** The text value of `key` (UTF-8); throws as `number`. */
     std::string text(std::string const& key) const;
+    /** The IPv4 address value of `key`; throws as `number`. */
     ip::IpV4Address ipv4(std::string const& key) const;
 
     /**
