@@ -99,16 +99,6 @@ TEST_F(IpAddressEditorTest, RightVisitsEveryDigitAndWrapsFromTheLastToTheFirst) 
     EXPECT_EQ(columns, expected);
 }
 
-TEST_F(IpAddressEditorTest, LeftWrapsFromTheFirstDigitToTheLast) {
-    open(IpV4Address(192, 168, 1, 2));
-    std::vector<unsigned> columns;
-    for (std::size_t i = 0; i < kDigitColumns.size(); ++i) {
-        editor_.moveMarker(-1);
-        columns.push_back(caretColumn(editor_));
-    }
-    EXPECT_EQ(columns, std::vector<unsigned>(kDigitColumns.rbegin(), kDigitColumns.rend()));
-}
-
 TEST_F(IpAddressEditorTest, CaretNeverRestsOnAPoint) {
     for (IpV4Address const& address :
          {IpV4Address(192, 168, 1, 2), IpV4Address(0, 0, 0, 0), IpV4Address(255, 255, 255, 255),

@@ -403,16 +403,6 @@ TEST_F(ValueEditorTest, RightJumpsOverThePointAndWrapsFromTheLastDigitToTheFirst
     EXPECT_EQ(columnsGoingRight(5), (std::vector<unsigned>{7, 8, 10, 6, 7}));
 }
 
-TEST_F(ValueEditorTest, LeftWrapsFromTheFirstDigitToTheLast) {
-    ValueEditor& editor = open(5.5);
-    std::vector<unsigned> columns;
-    for (int i = 0; i < 5; ++i) {
-        editor.moveMarker(-1);
-        columns.push_back(caretColumn(editor));
-    }
-    EXPECT_EQ(columns, (std::vector<unsigned>{10, 8, 7, 6, 10}));
-}
-
 TEST_F(ValueEditorTest, MovingTheCaretRedrawsTheCaretLine) {
     ValueEditor& editor = open(5.5);
     provider_.reset();
