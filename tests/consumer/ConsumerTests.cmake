@@ -62,19 +62,25 @@ add_test(NAME consumer.add_subdirectory
 set_tests_properties(consumer.add_subdirectory PROPERTIES
     PASS_REGULAR_EXPRESSION "consumer OK: 192.168.1.2")
 
-# The README's runtime example, examples/bench_supply, built against the same install and run
-# with its input closed (it then ends by itself).
-add_test(NAME consumer.example_bench_supply
-    COMMAND ${CMAKE_CTEST_COMMAND}
-        --build-and-test ${PROJECT_SOURCE_DIR}/examples/bench_supply
-            ${YXFP_CONSUMER_WORK}/bench_supply
-        --build-generator ${CMAKE_GENERATOR}
-        --build-options ${YXFP_CONSUMER_OPTIONS} -DCMAKE_PREFIX_PATH=${YXFP_CONSUMER_PREFIX}
-        --test-command sh ${YXFP_CONSUMER_DIR}/run_with_input_closed.sh
-            ${YXFP_CONSUMER_WORK}/bench_supply/bench_supply ${YXFP_CONSUMER_RUN})
-set_tests_properties(consumer.example_bench_supply PROPERTIES
-    FIXTURES_REQUIRED yxfp_installed PASS_REGULAR_EXPRESSION "bench_supply ended with its input")
-add_test(NAME consumer.example_bench_supply_in_readme
+# The terminal examples, built against the same install and run with their input closed (they
+# then end by themselves): examples/first_panel, the README's runtime program, and
+# examples/bench_supply, the instrument with persistent settings.
+function(yxfp_add_terminal_example name)
+    add_test(NAME consumer.example_${name}
+        COMMAND ${CMAKE_CTEST_COMMAND}
+            --build-and-test ${PROJECT_SOURCE_DIR}/examples/${name} ${YXFP_CONSUMER_WORK}/${name}
+            --build-generator ${CMAKE_GENERATOR}
+            --build-options ${YXFP_CONSUMER_OPTIONS} -DCMAKE_PREFIX_PATH=${YXFP_CONSUMER_PREFIX}
+            --test-command sh ${YXFP_CONSUMER_DIR}/run_with_input_closed.sh
+                ${YXFP_CONSUMER_WORK}/${name}/${name} ${YXFP_CONSUMER_RUN})
+    set_tests_properties(consumer.example_${name} PROPERTIES
+        FIXTURES_REQUIRED yxfp_installed PASS_REGULAR_EXPRESSION "${name} ended with its input")
+endfunction()
+yxfp_add_terminal_example(first_panel)
+if(YXFP_WITH_SETTINGS)
+    yxfp_add_terminal_example(bench_supply)
+endif()
+add_test(NAME consumer.example_first_panel_in_readme
     COMMAND ${CMAKE_COMMAND} -DREADME=${PROJECT_SOURCE_DIR}/README.md
-        -DEXAMPLE=${PROJECT_SOURCE_DIR}/examples/bench_supply/main.cpp
+        -DEXAMPLE=${PROJECT_SOURCE_DIR}/examples/first_panel/main.cpp
         -P ${YXFP_CONSUMER_DIR}/readme_shows_example.cmake)
