@@ -28,10 +28,17 @@ if(TARGET frontpanel-sim)
     else()
         set(golden_has_evdev 0)
     endif()
+    if(YXFP_WITH_GPIOD)
+        set(golden_has_gpiod 1)
+    else()
+        set(golden_has_gpiod 0)
+    endif()
     add_test(NAME simulator.exit_status
         COMMAND ${CMAKE_COMMAND} -E env YXFP_SIM_HAS_EVDEV=${golden_has_evdev}
+            YXFP_SIM_HAS_GPIOD=${golden_has_gpiod}
             bash ${CMAKE_CURRENT_LIST_DIR}/../tools/simulator_exit_test.sh
             $<TARGET_FILE:frontpanel-sim> ${CMAKE_CROSSCOMPILING_EMULATOR})
+    set_tests_properties(simulator.exit_status PROPERTIES TIMEOUT 120)
 
     # The real program in a real terminal: tmux runs it, sends keys, reads the screen.
     find_program(YXFP_TMUX tmux)

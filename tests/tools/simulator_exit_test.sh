@@ -2,7 +2,8 @@
 # The exit status and the one-line message of frontpanel-sim as scripts see them: 2 for a bad
 # command line, 1 for a device that cannot be used, 0 after SIGINT or SIGTERM in a headless run.
 # Usage: simulator_exit_test.sh SIM [EMULATOR...]
-# YXFP_SIM_HAS_EVDEV=0 when the simulator was built without libevdev.
+# YXFP_SIM_HAS_EVDEV=0 / YXFP_SIM_HAS_GPIOD=0 when the simulator was built without libevdev /
+# libgpiod.
 set -uo pipefail
 sim=$1
 shift
@@ -26,6 +27,10 @@ expect 2 "unknown option '--colour'" --colour
 expect 2 "--input wants evdev:PATH" --headless --input keyboard
 expect 2 "--web" --web nowhere
 expect 2 "needs a value" --idle
+expect 1 "/dev/i2c-77" --display hd44780-i2c:/dev/i2c-77 --keys down
+if [ "${YXFP_SIM_HAS_GPIOD:-1}" = 1 ]; then
+    expect 1 "gpiochip99" --headless --input gpio:gpiochip99:up=1,down=2,left=3,right=4,enter=5,back=6
+fi
 if [ "${YXFP_SIM_HAS_EVDEV:-1}" = 1 ]; then
     expect 1 "/nonexistent/event9" --headless --input evdev:/nonexistent/event9
 else

@@ -17,8 +17,9 @@ int runHeadless(SimOptions const& options, AppFactory const& makeApp, Attachment
         Session session(*panelDisplay, panelOptionsFor(options, RunKind::Headless, attachments),
                         nullptr, makeApp, options, RunKind::Headless);
         attachments.insert(attachments.begin(), std::make_unique<AcquisitionThread>(kSamplePeriod));
-        session.attach(std::move(attachments));
+        // Before the servers announce their addresses: a signal from then on stops the run.
         SignalStop const signalStop(session.panel());
+        session.attach(std::move(attachments));
         session.panel().run();
     } catch (std::exception const& error) {
         err << "frontpanel-sim: " << error.what() << '\n';

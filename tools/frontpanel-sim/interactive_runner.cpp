@@ -68,8 +68,9 @@ int runInteractive(SimOptions const& options, AppFactory const& makeApp, Attachm
         });
 
         attachments.insert(attachments.begin(), std::make_unique<AcquisitionThread>(kSamplePeriod));
-        session.attach(std::move(attachments));
+        // Before the servers announce their addresses: a signal from then on stops the run.
         SignalStop const signalStop(panel);
+        session.attach(std::move(attachments));
         panel.run();
     } catch (std::exception const& error) {
         err << "frontpanel-sim: " << error.what() << '\n';
