@@ -117,7 +117,7 @@ TEST_F(WebPanelTest, OversizedRequestIsRefused) {
     {
         LoopbackConnection client(server->port());
         std::string const response =
-            client.get("/", "X-Filler: " + std::string(64 * 1024, 'x') + "\r\n");
+            client.get("/", "X-Filler: " + std::string(std::size_t{64} * 1024, 'x') + "\r\n");
         EXPECT_EQ(response.find("200 OK"), std::string::npos) << response.substr(0, 200);
     }
     LoopbackConnection client(server->port());

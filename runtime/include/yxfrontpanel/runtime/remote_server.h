@@ -31,7 +31,7 @@ struct RemoteServerOptions {
     std::size_t maxLineBytes = 4096;
     /** A client whose unsent responses pass this size (it sends without reading) is
      *  disconnected. */
-    std::size_t maxOutputBytes = 256 * 1024;
+    std::size_t maxOutputBytes = std::size_t{256} * 1024;
     /** Lines waiting for the panel per client; beyond this the server stops reading from that
      *  client until the panel has caught up, so a fast client cannot flood the panel. */
     std::size_t maxPendingLines = 256;

@@ -36,7 +36,7 @@ class YXFP_RUNTIME_EXPORT WebPanelServer {
 public:
     /** Starts serving `panel` at once.
      *  @throws std::runtime_error naming the address and port when it cannot listen there. */
-    WebPanelServer(Panel& panel, WebPanelOptions options = {});
+    explicit WebPanelServer(Panel& panel, WebPanelOptions options = {});
     /** Closes every connection and stops the server's thread. */
     ~WebPanelServer();
     WebPanelServer(WebPanelServer const&) = delete;
