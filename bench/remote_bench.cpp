@@ -73,7 +73,7 @@ public:
     Client(Client const&) = delete;
     Client& operator=(Client const&) = delete;
 
-    void send(std::string const& text) {
+    void send(std::string const& text) const {
         std::size_t sent = 0;
         while (sent < text.size()) {
             ssize_t const count = ::send(fd_, text.data() + sent, text.size() - sent, MSG_NOSIGNAL);
@@ -84,7 +84,7 @@ public:
         }
     }
     /** Reads until `lines` more newlines have arrived. */
-    void readLines(std::size_t lines) {
+    void readLines(std::size_t lines) const {
         while (lines > 0) {
             char chunk[16384];
             ssize_t const count = ::recv(fd_, chunk, sizeof(chunk), 0);

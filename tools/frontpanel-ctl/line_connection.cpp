@@ -32,8 +32,8 @@ void LineConnection::sendLine(std::string const& line) {
             continue;
         }
         if (count <= 0) {
-            throw ConnectionError(address_ + " closed the connection (" + std::strerror(errno) +
-                                  ")");
+            throw ConnectionError(address_ + " closed the connection (" +
+                                  std::generic_category().message(errno) + ")");
         }
         sent += static_cast<std::size_t>(count);
     }

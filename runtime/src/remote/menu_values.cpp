@@ -164,6 +164,9 @@ MenuItem& findMenuItem(IMenuTree& root, std::string_view path) {
             throw Error(ErrorCode::IllegalParameterValue, "no menu item " + std::string(path));
         }
     }
+    if (item == nullptr) {  // an empty path names no item
+        throw Error(ErrorCode::IllegalParameterValue, "no menu item " + std::string(path));
+    }
     return *item;
 }
 

@@ -59,7 +59,7 @@ IMenuTree& rootOf(IRemotePanel const& panel) {
 
 }  // namespace
 
-void addPanelCommands(scpi::CommandTable& table, std::shared_ptr<IRemotePanel> panel,
+void addPanelCommands(scpi::CommandTable& table, std::shared_ptr<IRemotePanel> const& panel,
                       PanelCommandOptions options) {
     if (!panel) {
         throw std::invalid_argument("panel commands need a panel");

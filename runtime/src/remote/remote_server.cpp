@@ -36,7 +36,7 @@ constexpr char const* kLogCategory = "libYxFrontPanelRuntime.remote";
 constexpr int kLogWarning = 4;
 constexpr int kLogInfo = 6;
 constexpr int kListenBacklog = 16;
-constexpr std::size_t kReadChunk = 64 * 1024;
+constexpr std::size_t kReadChunk = std::size_t{64} * 1024;
 // The kernel's share of a client's unsent responses. Without a limit, loopback connections grow
 // their buffers to megabytes, and a client that does not read would hold that much before the
 // server's own output limit is even reached.
@@ -335,8 +335,8 @@ private:
                 fds.push_back(pollfd{connection.fd.get(), events(connection), 0});
             }
             if (::poll(fds.data(), fds.size(), timeout()) < 0 && errno != EINTR) {
-                logRecord(kLogWarning,
-                          std::string("command server: poll failed: ") + std::strerror(errno));
+                logRecord(kLogWarning, std::string("command server: poll failed: ") +
+                                           std::generic_category().message(errno));
                 return;
             }
             if ((fds[0].revents & POLLIN) != 0) {
@@ -475,7 +475,8 @@ private:
             if (errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR) {
                 return true;
             }
-            return disconnect(connection, std::string("read failed: ") + std::strerror(errno));
+            return disconnect(
+                connection, std::string("read failed: ") + std::generic_category().message(errno));
         }
         std::string_view data(buffer, static_cast<std::size_t>(count));
         while (!data.empty() && !connection.closeAt) {
@@ -589,7 +590,8 @@ private:
                 if (errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR) {
                     break;
                 }
-                return disconnect(connection, std::string("write failed: ") + std::strerror(errno));
+                return disconnect(connection, std::string("write failed: ") +
+                                                  std::generic_category().message(errno));
             }
             connection.outputSent += static_cast<std::size_t>(sent);
         }

@@ -301,7 +301,7 @@ std::vector<std::string> CommandTable::patterns() const {
     return result;
 }
 
-void addCommonCommands(CommandTable& table, Identity identity) {
+void addCommonCommands(CommandTable& table, Identity const& identity) {
     std::string const idn =
         withoutCommas(identity.manufacturer) + ',' + withoutCommas(identity.model) + ',' +
         withoutCommas(identity.serialNumber) + ',' + withoutCommas(identity.firmwareVersion);

@@ -30,7 +30,9 @@ constexpr unsigned kPanelKeys = 2000;
 /** Commands per client: 10,000, or YXFP_REMOTE_LOAD_COMMANDS (the valgrind run sets a smaller
  *  number, since memcheck slows every command down many times; the sanitizer builds send all). */
 unsigned commandsPerClient() {
-    char const* const text = std::getenv("YXFP_REMOTE_LOAD_COMMANDS");
+    // Read before any client thread starts.
+    char const* const text =
+        std::getenv("YXFP_REMOTE_LOAD_COMMANDS");  // NOLINT(concurrency-mt-unsafe)
     return text != nullptr ? static_cast<unsigned>(std::strtoul(text, nullptr, 10)) : 10000U;
 }
 

@@ -121,7 +121,7 @@ TEST_F(RemoteServerTest, ALineOfExactlyTheLimitIsServed) {
 
 TEST_F(RemoteServerTest, OneMegabyteWithoutNewlineCostsOneErrorAndNothingElse) {
     ScpiClient client(harness.tcpAddress());
-    ASSERT_TRUE(client.send(std::string(1024 * 1024, 'A')));
+    ASSERT_TRUE(client.send(std::string(std::size_t{1024} * 1024, 'A')));
     EXPECT_EQ(client.query("\n*OPC?"), "1");
     EXPECT_EQ(client.query("SYST:ERR?"),
               R"(-363,"Input buffer overrun;line longer than 4096 bytes")");

@@ -21,7 +21,7 @@ struct PanelCommandOptions {
  *  `DISPlay:INVerted? n`, `SYSTem:REMote`, `SYSTem:LOCal`, `SYSTem:MODE?` and
  *  `MENU:VALue[?] "path"[,value]`. */
 YXFP_RUNTIME_EXPORT void addPanelCommands(scpi::CommandTable& table,
-                                          std::shared_ptr<IRemotePanel> panel,
+                                          std::shared_ptr<IRemotePanel> const& panel,
                                           PanelCommandOptions options = {});
 
 }  // namespace yxfrontpanel::runtime

@@ -133,6 +133,6 @@ struct YXFP_RUNTIME_EXPORT Identity {
 
 /** Registers the common commands: `*IDN?` (from `identity`), `*CLS` (empties the client's error
  *  queue), `*OPC?` (answers 1 once everything before it ran) and `SYSTem:ERRor[:NEXT]?`. */
-YXFP_RUNTIME_EXPORT void addCommonCommands(CommandTable& table, Identity identity);
+YXFP_RUNTIME_EXPORT void addCommonCommands(CommandTable& table, Identity const& identity);
 
 }  // namespace yxfrontpanel::runtime::scpi
