@@ -21,7 +21,7 @@
 namespace {
 
 using frontpanelsim::InputDevices;
-using frontpanelsim::parseInputSpec;
+using frontpanelsim::parseInputOption;
 using yxfp_test::inputRecord;
 
 /** A file of input event records that is removed again at the end. */
@@ -67,7 +67,7 @@ frontpanelsim::SimOptions headlessOptions(std::vector<std::string> const& inputs
     options.headless = true;
     options.print = frontpanelsim::PrintMode::Last;
     for (auto const& input : inputs) {
-        options.inputs.push_back(parseInputSpec(input));
+        options.inputs.push_back(parseInputOption(input));
     }
     return options;
 }
@@ -108,15 +108,15 @@ TEST(InputDevicesTest, DeviceThatCannotBeOpenedFailsTheRunWithOneLine) {
 }
 
 TEST(InputDevicesTest, ReopeningInputKeepsTheRunGoing) {
-    EXPECT_FALSE(InputDevices({parseInputSpec("evdev:/tmp/a")}).keepsRunning());
+    EXPECT_FALSE(InputDevices({parseInputOption("evdev:/tmp/a")}).keepsRunning());
     EXPECT_TRUE(
-        InputDevices({parseInputSpec("evdev:/tmp/a"), parseInputSpec("evdev:/tmp/b:reopen")})
+        InputDevices({parseInputOption("evdev:/tmp/a"), parseInputOption("evdev:/tmp/b:reopen")})
             .keepsRunning());
 }
 
-/** Attaches the inputs of `spec` to a panel as a run of `kind` would, serves them and tells
+/** Attaches the inputs of `option` to a panel as a run of `kind` would, serves them and tells
  *  whether the panel stopped. */
-bool stopsWhenTheInputCloses(std::string const& spec, frontpanelsim::RunKind kind) {
+bool stopsWhenTheInputCloses(std::string const& option, frontpanelsim::RunKind kind) {
     frontpanelhw::MemoryDisplay display(6, 2);
     yxfrontpanel::runtime::PanelOptions panelOptions;
     panelOptions.stopWhenInputsClose = true;
@@ -124,7 +124,7 @@ bool stopsWhenTheInputCloses(std::string const& spec, frontpanelsim::RunKind kin
     auto const app = echoApp()(panel.provider());
     panel.setRoot(app->root());
     frontpanelsim::SimOptions options;
-    InputDevices devices({parseInputSpec(spec)});
+    InputDevices devices({parseInputOption(option)});
     devices.attach(frontpanelsim::SimContext{panel, *app, options, kind});
     for (int turn = 0; turn < 5 && !panel.isStopped(); ++turn) {
         panel.runOnce(std::chrono::milliseconds(0));

@@ -7,13 +7,13 @@
 #include <filesystem>
 #include <fstream>
 
-#include "display_spec.h"
+#include "display_option.h"
 
 namespace {
 
 using frontpanelhw::MemoryDisplay;
 using frontpanelhw::drawing::DisplayBuffer;
-using frontpanelsim::DisplaySpec;
+using frontpanelsim::DisplayOption;
 using frontpanelsim::makeDisplay;
 
 DisplayBuffer menuFrame() {
@@ -30,10 +30,10 @@ DisplayBuffer menuFrame() {
 TEST(ModuleDisplayTest, ModelViewShowsWhatTheModuleShows) {
     for (auto const rom : {frontpanelhw::Hd44780Rom::A00, frontpanelhw::Hd44780Rom::A02}) {
         MemoryDisplay screen(16, 2);
-        DisplaySpec spec;
-        spec.kind = DisplaySpec::Kind::Hd44780Model;
-        spec.rom = rom;
-        auto const display = makeDisplay(spec, screen);
+        DisplayOption option;
+        option.kind = DisplayOption::Kind::Hd44780Model;
+        option.rom = rom;
+        auto const display = makeDisplay(option, screen);
         ASSERT_TRUE(display->draw(menuFrame()));
         auto const& shown = screen.getLastFrame();
         EXPECT_EQ(shown.getLineString(0), u"Output          ");
@@ -47,7 +47,7 @@ TEST(ModuleDisplayTest, ModelViewShowsWhatTheModuleShows) {
 
 TEST(ModuleDisplayTest, TerminalPassesFramesThrough) {
     MemoryDisplay screen(16, 2);
-    auto const display = makeDisplay(DisplaySpec{}, screen);
+    auto const display = makeDisplay(DisplayOption{}, screen);
     ASSERT_TRUE(display->draw(menuFrame()));
     EXPECT_EQ(screen.getLastFrame().getCell(5, 1).inverted, true);
 }
@@ -56,11 +56,11 @@ TEST(ModuleDisplayTest, DeviceDisplayWritesTheExpanderBytesToACaptureFile) {
     auto const path = std::filesystem::path(::testing::TempDir()) / "module_display_capture.bin";
     std::ofstream(path).close();
     MemoryDisplay screen(16, 2);
-    DisplaySpec spec;
-    spec.kind = DisplaySpec::Kind::Hd44780Device;
-    spec.path = path.string();
+    DisplayOption option;
+    option.kind = DisplayOption::Kind::Hd44780Device;
+    option.path = path.string();
     {
-        auto const display = makeDisplay(spec, screen);
+        auto const display = makeDisplay(option, screen);
         ASSERT_TRUE(display->draw(menuFrame()));
     }
     EXPECT_EQ(screen.getDrawCount(), 1U) << "the run's own display still shows the frame";
@@ -70,11 +70,11 @@ TEST(ModuleDisplayTest, DeviceDisplayWritesTheExpanderBytesToACaptureFile) {
 
 TEST(ModuleDisplayTest, AMissingDeviceIsOneErrorNamingIt) {
     MemoryDisplay screen(16, 2);
-    DisplaySpec spec;
-    spec.kind = DisplaySpec::Kind::Hd44780Device;
-    spec.path = "/dev/i2c-96";
+    DisplayOption option;
+    option.kind = DisplayOption::Kind::Hd44780Device;
+    option.path = "/dev/i2c-96";
     try {
-        (void)makeDisplay(spec, screen);
+        (void)makeDisplay(option, screen);
         FAIL() << "no exception";
     } catch (std::exception const& error) {
         EXPECT_NE(std::string(error.what()).find("/dev/i2c-96"), std::string::npos);

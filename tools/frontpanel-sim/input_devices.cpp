@@ -42,41 +42,42 @@ private:
 
 }  // namespace
 
-std::shared_ptr<IKeySource> openInput(InputSpec const& spec) {
-    switch (spec.kind) {
-        case InputSpec::Kind::Evdev: {
+std::shared_ptr<IKeySource> openInput(InputOption const& option) {
+    switch (option.kind) {
+        case InputOption::Kind::Evdev: {
 #if defined(YXFP_HAVE_EVDEV)
             frontpanelhw::EvdevOptions options;
-            options.keys = frontpanelhw::parseInputKeyMap(spec.keyMap);
-            options.encoder = spec.encoder;
-            options.grab = spec.grab;
-            options.reopen = spec.reopen;
-            return std::make_shared<frontpanelhw::EvdevKeySource>(spec.device, options);
+            options.keys = frontpanelhw::parseInputKeyMap(option.keyMap);
+            options.encoder = option.encoder;
+            options.grab = option.grab;
+            options.reopen = option.reopen;
+            return std::make_shared<frontpanelhw::EvdevKeySource>(option.device, options);
 #else
             break;
 #endif
         }
-        case InputSpec::Kind::Gpio: {
+        case InputOption::Kind::Gpio: {
 #if defined(YXFP_HAVE_GPIOD)
             return std::make_shared<frontpanelhw::GpioKeySource>(
-                spec.device, frontpanelhw::parseGpioKeyLines(spec.gpioLines));
+                option.device, frontpanelhw::parseGpioKeyLines(option.gpioLines));
 #else
             break;
 #endif
         }
     }
-    throw frontpanelhw::InputDeviceError("--input " + spec.text + ": not supported by this build");
+    throw frontpanelhw::InputDeviceError("--input " + option.text +
+                                         ": not supported by this build");
 }
 
-InputDevices::InputDevices(std::vector<InputSpec> specs) : specs_(std::move(specs)) {}
+InputDevices::InputDevices(std::vector<InputOption> inputs) : inputs_(std::move(inputs)) {}
 
 InputDevices::~InputDevices() = default;
 
 void InputDevices::attach(SimContext const& context) {
     // All are opened before any is added, so that a failing one leaves the panel untouched.
     std::vector<std::shared_ptr<IKeySource>> sources;
-    for (InputSpec const& spec : specs_) {
-        auto source = openInput(spec);
+    for (InputOption const& option : inputs_) {
+        auto source = openInput(option);
         if (context.kind == RunKind::Interactive) {
             source = std::make_shared<CloseKeptQuiet>(std::move(source));
         }
@@ -90,8 +91,8 @@ void InputDevices::attach(SimContext const& context) {
 void InputDevices::detach() noexcept {}
 
 bool InputDevices::keepsRunning() const {
-    return std::any_of(specs_.begin(), specs_.end(),
-                       [](InputSpec const& spec) { return spec.reopen; });
+    return std::any_of(inputs_.begin(), inputs_.end(),
+                       [](InputOption const& option) { return option.reopen; });
 }
 
 }  // namespace frontpanelsim

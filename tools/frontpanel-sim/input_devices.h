@@ -6,13 +6,13 @@
 #include <vector>
 
 #include "attachment.h"
-#include "input_spec.h"
+#include "input_option.h"
 
 namespace frontpanelsim {
 
 /** Opens the key source of one --input option.
  *  @throws InputDeviceError (a std::runtime_error) naming the device and what to do. */
-std::shared_ptr<frontpanelhw::IKeySource> openInput(InputSpec const& spec);
+std::shared_ptr<frontpanelhw::IKeySource> openInput(InputOption const& option);
 
 /** The --input options of a run: opens each device when attached and adds its key source to
  *  the panel, beside the terminal's keys. In an interactive run a device that closes leaves the
@@ -20,7 +20,7 @@ std::shared_ptr<frontpanelhw::IKeySource> openInput(InputSpec const& spec);
  *  closed, unless one of them reopens its device. */
 class InputDevices : public Attachment {
 public:
-    explicit InputDevices(std::vector<InputSpec> specs);
+    explicit InputDevices(std::vector<InputOption> inputs);
     ~InputDevices() override;
 
     /** @throws InputDeviceError when a device cannot be opened (the run fails, exit status 1).
@@ -31,7 +31,7 @@ public:
     bool keepsRunning() const override;
 
 private:
-    std::vector<InputSpec> specs_;
+    std::vector<InputOption> inputs_;
 };
 
 }  // namespace frontpanelsim

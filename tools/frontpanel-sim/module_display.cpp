@@ -85,13 +85,13 @@ private:
 /** The panel's own display and a real module side by side. */
 class ModuleTee : public frontpanelhw::IDisplay {
 public:
-    ModuleTee(frontpanelhw::IDisplay& screen, DisplaySpec const& spec) : screen_(screen) {
+    ModuleTee(frontpanelhw::IDisplay& screen, DisplayOption const& option) : screen_(screen) {
         auto const geometry =
             frontpanelhw::Hd44780Geometry::standard(screen.getChars(), screen.getLines());
-        auto port = frontpanelhw::openExpanderPort(spec.path, spec.address);
+        auto port = frontpanelhw::openExpanderPort(option.path, option.address);
         std::signal(SIGPIPE, SIG_IGN);
         frontpanelhw::Hd44780Options options;
-        options.rom = spec.rom;
+        options.rom = option.rom;
         // Really wait: a key script hooks the toolkit's sleeps away, the module must not be.
         options.wait = [](std::chrono::nanoseconds duration) {
             std::this_thread::sleep_for(duration);
@@ -129,14 +129,14 @@ private:
 
 }  // namespace
 
-std::unique_ptr<frontpanelhw::IDisplay> makeDisplay(DisplaySpec const& spec,
+std::unique_ptr<frontpanelhw::IDisplay> makeDisplay(DisplayOption const& option,
                                                     frontpanelhw::IDisplay& screen) {
-    switch (spec.kind) {
-        case DisplaySpec::Kind::Hd44780Model:
-            return std::make_unique<ModelView>(screen, spec.rom);
-        case DisplaySpec::Kind::Hd44780Device:
-            return std::make_unique<ModuleTee>(screen, spec);
-        case DisplaySpec::Kind::Terminal:
+    switch (option.kind) {
+        case DisplayOption::Kind::Hd44780Model:
+            return std::make_unique<ModelView>(screen, option.rom);
+        case DisplayOption::Kind::Hd44780Device:
+            return std::make_unique<ModuleTee>(screen, option);
+        case DisplayOption::Kind::Terminal:
             break;
     }
     return std::make_unique<Passthrough>(screen);

@@ -116,7 +116,7 @@ SimOptions parseOptions(std::vector<std::string> const& arguments) {
         } else if (name == "--headless") {
             options.headless = true;
         } else if (name == "--display") {
-            options.display = parseDisplaySpec(reader.takeValue());
+            options.display = parseDisplayOption(reader.takeValue());
         } else if (name == "--listen") {
             options.listen.push_back(parseListenAddress(reader.takeValue()));
         } else if (name == "--web") {
@@ -127,7 +127,7 @@ SimOptions parseOptions(std::vector<std::string> const& arguments) {
                 throw UsageError("--web-token needs a token that is not empty");
             }
         } else if (name == "--input") {
-            options.inputs.push_back(parseInputSpec(reader.takeValue()));
+            options.inputs.push_back(parseInputOption(reader.takeValue()));
         } else {
             throw UsageError("unknown option '" + argument + "' (see --help)");
         }
@@ -195,7 +195,7 @@ std::string usage() {
            "                          module behind a PCF8574 I2C backpack at PATH\n"
            "                          (/dev/i2c-1; address default 0x27); a regular file\n"
            "                          or a FIFO at PATH receives the raw expander bytes\n" +
-           inputSpecHelp() +
+           inputOptionHelp() +
            "    --listen ADDRESS    serve SCPI commands (keys, screen, menu values) on\n"
            "                        ADDRESS: HOST:PORT (e.g. 127.0.0.1:5025; port 0 picks\n"
            "                        one, logged at start) or unix:PATH; repeatable. Only\n"

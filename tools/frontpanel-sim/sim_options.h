@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "display_spec.h"
+#include "display_option.h"
 #include "endpoint.h"
-#include "input_spec.h"
+#include "input_option.h"
 #include "option_reader.h"
 
 namespace frontpanelsim {
@@ -33,9 +33,9 @@ struct SimOptions {
     /** --headless: run without a terminal until SIGINT or SIGTERM. */
     bool headless = false;
     /** --display: where the panel draws (the terminal by default, or an HD44780 module). */
-    DisplaySpec display;
+    DisplayOption display;
     /** --input: key devices beside the terminal's keys, in the order given. */
-    std::vector<InputSpec> inputs;
+    std::vector<InputOption> inputs;
     /** --listen (repeatable): addresses of the command server (HOST:PORT or unix:PATH). */
     std::vector<std::string> listen;
     /** --web: where to serve the panel to browsers. */

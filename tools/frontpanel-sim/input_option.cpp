@@ -1,4 +1,4 @@
-#include "input_spec.h"
+#include "input_option.h"
 
 #include <frontpanelhw/gpio_key_source.h>
 #include <frontpanelhw/input_errors.h>
@@ -41,61 +41,61 @@ unsigned detents(std::string const& value, std::string const& text) {
 }
 #endif
 
-void parseEvdev(InputSpec& spec, std::vector<std::string> const& pieces) {
+void parseEvdev(InputOption& option, std::vector<std::string> const& pieces) {
 #if defined(YXFP_HAVE_EVDEV)
-    spec.device = pieces.at(1);
-    if (spec.device.empty()) {
-        throw UsageError("--input " + spec.text +
+    option.device = pieces.at(1);
+    if (option.device.empty()) {
+        throw UsageError("--input " + option.text +
                          ": the path is missing, e.g. evdev:/dev/input/event0");
     }
     for (std::size_t index = 2; index < pieces.size(); ++index) {
         std::string const& setting = pieces[index];
         if (setting == "grab") {
-            spec.grab = true;
+            option.grab = true;
         } else if (setting == "reopen") {
-            spec.reopen = true;
+            option.reopen = true;
         } else if (setting == "reverse") {
-            spec.encoder.reverse = true;
+            option.encoder.reverse = true;
         } else if (setting == "accel") {
-            spec.encoder.acceleration = true;
+            option.encoder.acceleration = true;
         } else if (setting.rfind("detents=", 0) == 0) {
-            spec.encoder.detentsPerStep = detents(setting.substr(8), spec.text);
+            option.encoder.detentsPerStep = detents(setting.substr(8), option.text);
         } else if (setting.rfind("keys=", 0) == 0) {
-            spec.keyMap = setting.substr(5);
+            option.keyMap = setting.substr(5);
             try {
-                frontpanelhw::parseInputKeyMap(spec.keyMap);
+                frontpanelhw::parseInputKeyMap(option.keyMap);
             } catch (frontpanelhw::KeyMapError const& error) {
-                throw UsageError("--input " + spec.text + ": " + error.what());
+                throw UsageError("--input " + option.text + ": " + error.what());
             }
         } else {
-            throw UsageError("--input " + spec.text + ": unknown setting '" + setting +
+            throw UsageError("--input " + option.text + ": unknown setting '" + setting +
                              "' (known: grab, reopen, keys=MAP, reverse, detents=N, accel)");
         }
     }
 #else
     static_cast<void>(pieces);
-    throw UsageError("--input " + spec.text +
+    throw UsageError("--input " + option.text +
                      ": this frontpanel-sim was built without libevdev; install libevdev-dev "
                      "and configure with -DYXFP_WITH_EVDEV=ON");
 #endif
 }
 
-void parseGpio(InputSpec& spec, std::vector<std::string> const& pieces) {
+void parseGpio(InputOption& option, std::vector<std::string> const& pieces) {
 #if defined(YXFP_HAVE_GPIOD)
     if (pieces.size() != 3 || pieces[1].empty()) {
-        throw UsageError("--input " + spec.text +
+        throw UsageError("--input " + option.text +
                          ": write gpio:CHIP:LINES, e.g. gpio:gpiochip0:up=5,down=6,enter=13");
     }
-    spec.device = pieces[1];
-    spec.gpioLines = pieces[2];
+    option.device = pieces[1];
+    option.gpioLines = pieces[2];
     try {
-        frontpanelhw::parseGpioKeyLines(spec.gpioLines);
+        frontpanelhw::parseGpioKeyLines(option.gpioLines);
     } catch (frontpanelhw::KeyMapError const& error) {
-        throw UsageError("--input " + spec.text + ": " + error.what());
+        throw UsageError("--input " + option.text + ": " + error.what());
     }
 #else
     static_cast<void>(pieces);
-    throw UsageError("--input " + spec.text +
+    throw UsageError("--input " + option.text +
                      ": this frontpanel-sim was built without libgpiod; install libgpiod-dev and "
                      "configure with -DYXFP_WITH_GPIOD=ON");
 #endif
@@ -103,24 +103,24 @@ void parseGpio(InputSpec& spec, std::vector<std::string> const& pieces) {
 
 }  // namespace
 
-InputSpec parseInputSpec(std::string const& text) {
-    InputSpec spec;
-    spec.text = text;
+InputOption parseInputOption(std::string const& text) {
+    InputOption option;
+    option.text = text;
     std::vector<std::string> const pieces = split(text, ':');
     if (pieces.size() >= 2 && pieces[0] == "evdev") {
-        spec.kind = InputSpec::Kind::Evdev;
-        parseEvdev(spec, pieces);
+        option.kind = InputOption::Kind::Evdev;
+        parseEvdev(option, pieces);
     } else if (pieces.size() >= 2 && pieces[0] == "gpio") {
-        spec.kind = InputSpec::Kind::Gpio;
-        parseGpio(spec, pieces);
+        option.kind = InputOption::Kind::Gpio;
+        parseGpio(option, pieces);
     } else {
         throw UsageError("--input wants evdev:PATH[:SETTINGS] or gpio:CHIP:LINES; got '" + text +
                          "'");
     }
-    return spec;
+    return option;
 }
 
-std::string inputSpecHelp() {
+std::string inputOptionHelp() {
     return "    --input evdev:PATH[:grab][:reopen][:keys=MAP][:reverse][:detents=N][:accel]\n"
            "                        keys from a Linux input device (/dev/input/eventN), or\n"
            "                        from a FIFO or file of input_event records (replay).\n"

@@ -1,4 +1,4 @@
-#include "display_spec.h"
+#include "display_option.h"
 
 #include <cstdlib>
 
@@ -33,15 +33,15 @@ frontpanelhw::Hd44780Rom takeRom(std::string& rest) {
 
 }  // namespace
 
-DisplaySpec parseDisplaySpec(std::string const& text) {
-    DisplaySpec spec;
+DisplayOption parseDisplayOption(std::string const& text) {
+    DisplayOption option;
     if (text == "terminal") {
-        return spec;
+        return option;
     }
     if (text.rfind(kDevicePrefix, 0) == 0) {
-        spec.kind = DisplaySpec::Kind::Hd44780Device;
+        option.kind = DisplayOption::Kind::Hd44780Device;
         std::string rest = text.substr(std::string(kDevicePrefix).size());
-        spec.rom = takeRom(rest);
+        option.rom = takeRom(rest);
         if (auto const at = rest.rfind('@'); at != std::string::npos) {
             std::string const address = rest.substr(at + 1);
             char* end = nullptr;
@@ -50,21 +50,21 @@ DisplaySpec parseDisplaySpec(std::string const& text) {
                 throw badValue(text, "the I2C address '" + address +
                                          "' is not a 7-bit address from 0x03 to 0x77");
             }
-            spec.address = static_cast<std::uint8_t>(value);
+            option.address = static_cast<std::uint8_t>(value);
             rest.erase(at);
         }
         if (rest.empty()) {
             throw badValue(text, "the device path is missing");
         }
-        spec.path = rest;
-        return spec;
+        option.path = rest;
+        return option;
     }
     if (text.rfind(kModelPrefix, 0) == 0) {
         std::string rest = text;
-        spec.kind = DisplaySpec::Kind::Hd44780Model;
-        spec.rom = takeRom(rest);
+        option.kind = DisplayOption::Kind::Hd44780Model;
+        option.rom = takeRom(rest);
         if (rest == kModelPrefix) {
-            return spec;
+            return option;
         }
     }
     throw badValue(text, "unknown display");

@@ -8,7 +8,7 @@
 namespace frontpanelsim {
 
 /** Which display the simulator's panel draws on (--display). */
-struct DisplaySpec {
+struct DisplayOption {
     enum class Kind {
         Terminal,      // the panel's own frames (terminal, or text with --print)
         Hd44780Model,  // what an HD44780 module would show, from the controller model
@@ -23,6 +23,6 @@ struct DisplaySpec {
 /** Parses the value of --display: "terminal", "hd44780[:a00|a02]" or
  *  "hd44780-i2c:PATH[@ADDRESS][:a00|a02]" (ADDRESS as 0x27 or 39, 0x03-0x77).
  *  @throws UsageError naming the value and what is wrong. */
-DisplaySpec parseDisplaySpec(std::string const& text);
+DisplayOption parseDisplayOption(std::string const& text);
 
 }  // namespace frontpanelsim

@@ -10,7 +10,7 @@ namespace frontpanelsim {
 /** One --input option: an input device, FIFO or file of input event records (evdev), or
  *  buttons on GPIO lines (gpio), with its settings. Maps are checked when parsed and kept as
  *  text, so the simulator links the name tables only where it was built with them. */
-struct InputSpec {
+struct InputOption {
     enum class Kind { Evdev, Gpio };
 
     Kind kind = Kind::Evdev;
@@ -31,9 +31,9 @@ struct InputSpec {
  *  [:accel]` or `gpio:CHIP:LINES`.
  *  @throws UsageError naming the value and what is wrong: an unknown kind or setting, a bad
  *  key map or line map, or a kind this build has no library for. */
-InputSpec parseInputSpec(std::string const& text);
+InputOption parseInputOption(std::string const& text);
 
 /** The lines of --help that describe --input. */
-std::string inputSpecHelp();
+std::string inputOptionHelp();
 
 }  // namespace frontpanelsim

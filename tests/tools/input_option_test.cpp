@@ -1,4 +1,4 @@
-#include "input_spec.h"
+#include "input_option.h"
 
 #include <gtest/gtest.h>
 
@@ -9,13 +9,13 @@
 
 namespace {
 
-using frontpanelsim::InputSpec;
-using frontpanelsim::parseInputSpec;
+using frontpanelsim::InputOption;
+using frontpanelsim::parseInputOption;
 using frontpanelsim::UsageError;
 
 std::string problemWith(std::string const& text) {
     try {
-        parseInputSpec(text);
+        parseInputOption(text);
     } catch (UsageError const& error) {
         return error.what();
     }
@@ -31,37 +31,37 @@ std::string optionsProblem(std::vector<std::string> const& arguments) {
     return {};
 }
 
-TEST(InputSpecTest, EvdevPathAlone) {
-    InputSpec const spec = parseInputSpec("evdev:/dev/input/event0");
-    EXPECT_EQ(spec.kind, InputSpec::Kind::Evdev);
-    EXPECT_EQ(spec.device, "/dev/input/event0");
-    EXPECT_FALSE(spec.grab);
-    EXPECT_FALSE(spec.reopen);
-    EXPECT_EQ(spec.keyMap, "");
-    EXPECT_FALSE(spec.encoder.acceleration);
+TEST(InputOptionTest, EvdevPathAlone) {
+    InputOption const option = parseInputOption("evdev:/dev/input/event0");
+    EXPECT_EQ(option.kind, InputOption::Kind::Evdev);
+    EXPECT_EQ(option.device, "/dev/input/event0");
+    EXPECT_FALSE(option.grab);
+    EXPECT_FALSE(option.reopen);
+    EXPECT_EQ(option.keyMap, "");
+    EXPECT_FALSE(option.encoder.acceleration);
 }
 
-TEST(InputSpecTest, EvdevSettings) {
-    InputSpec const spec = parseInputSpec(
+TEST(InputOptionTest, EvdevSettings) {
+    InputOption const option = parseInputOption(
         "evdev:/dev/input/by-path/platform-keys-event:grab:reopen:keys=KEY_F1=back,KEY_SELECT="
         "enter:reverse:detents=4:accel");
-    EXPECT_EQ(spec.device, "/dev/input/by-path/platform-keys-event");
-    EXPECT_TRUE(spec.grab);
-    EXPECT_TRUE(spec.reopen);
-    EXPECT_EQ(spec.keyMap, "KEY_F1=back,KEY_SELECT=enter");
-    EXPECT_TRUE(spec.encoder.reverse);
-    EXPECT_EQ(spec.encoder.detentsPerStep, 4U);
-    EXPECT_TRUE(spec.encoder.acceleration);
+    EXPECT_EQ(option.device, "/dev/input/by-path/platform-keys-event");
+    EXPECT_TRUE(option.grab);
+    EXPECT_TRUE(option.reopen);
+    EXPECT_EQ(option.keyMap, "KEY_F1=back,KEY_SELECT=enter");
+    EXPECT_TRUE(option.encoder.reverse);
+    EXPECT_EQ(option.encoder.detentsPerStep, 4U);
+    EXPECT_TRUE(option.encoder.acceleration);
 }
 
-TEST(InputSpecTest, GpioChipAndLines) {
-    InputSpec const spec = parseInputSpec("gpio:gpiochip0:up=5,down=6,active-low");
-    EXPECT_EQ(spec.kind, InputSpec::Kind::Gpio);
-    EXPECT_EQ(spec.device, "gpiochip0");
-    EXPECT_EQ(spec.gpioLines, "up=5,down=6,active-low");
+TEST(InputOptionTest, GpioChipAndLines) {
+    InputOption const option = parseInputOption("gpio:gpiochip0:up=5,down=6,active-low");
+    EXPECT_EQ(option.kind, InputOption::Kind::Gpio);
+    EXPECT_EQ(option.device, "gpiochip0");
+    EXPECT_EQ(option.gpioLines, "up=5,down=6,active-low");
 }
 
-TEST(InputSpecTest, ProblemsNameTheOptionAndSayWhatIsWrong) {
+TEST(InputOptionTest, ProblemsNameTheOptionAndSayWhatIsWrong) {
     EXPECT_EQ(problemWith("/dev/input/event0"),
               "--input wants evdev:PATH[:SETTINGS] or gpio:CHIP:LINES; got '/dev/input/event0'");
     EXPECT_EQ(problemWith("evdev:"),
@@ -84,7 +84,7 @@ TEST(InputSpecTest, ProblemsNameTheOptionAndSayWhatIsWrong) {
               "65535");
 }
 
-TEST(InputSpecTest, InputIsRepeatable) {
+TEST(InputOptionTest, InputIsRepeatable) {
     auto const options = frontpanelsim::parseOptions(
         {"--input", "evdev:/tmp/a", "--input=gpio:gpiochip1:enter=3", "--headless"});
     ASSERT_EQ(options.inputs.size(), 2U);
@@ -92,7 +92,7 @@ TEST(InputSpecTest, InputIsRepeatable) {
     EXPECT_EQ(options.inputs[1].device, "gpiochip1");
 }
 
-TEST(InputSpecTest, PrintNeedsAKeyScriptOrAHeadlessRunWithInputs) {
+TEST(InputOptionTest, PrintNeedsAKeyScriptOrAHeadlessRunWithInputs) {
     EXPECT_EQ(optionsProblem({"--headless", "--input", "evdev:/tmp/a", "--print", "last"}), "");
     EXPECT_EQ(optionsProblem({"--input", "evdev:/tmp/a", "--print", "last"}),
               "--print needs a key script (--keys or --keys-file) or --headless with --input");
@@ -100,7 +100,7 @@ TEST(InputSpecTest, PrintNeedsAKeyScriptOrAHeadlessRunWithInputs) {
               "--input cannot drive a key script; use --headless with --input");
 }
 
-TEST(InputSpecTest, HelpExplainsInput) {
+TEST(InputOptionTest, HelpExplainsInput) {
     std::string const text = frontpanelsim::usage();
     for (char const* piece : {"--input evdev:PATH", "--input gpio:CHIP:LINES", "grab", "reopen",
                               "keys=MAP", "detents=N", "accel", "active-low", "debounce=MS"}) {
