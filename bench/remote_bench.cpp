@@ -3,7 +3,7 @@
 // eight clients running flat out. A panel with a 50-item menu runs on its own thread.
 #include <frontpanelhw/display.h>
 #include <yxbase2/log.h>
-#include <yxfrontpanel/runtime.h>
+#include <yxfrontpanel/remote.h>
 
 #include <algorithm>
 #include <atomic>

@@ -2,7 +2,7 @@
 
 # Warnings for a target of ours; PRIVATE so that users of the libraries never inherit them.
 function(yxfp_set_warnings target)
-    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic)
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wundef)
     if(YXFP_WERROR)
         target_compile_options(${target} PRIVATE -Werror)
     endif()
@@ -67,4 +67,14 @@ function(yxfp_optional_dependency option_name prefix module debian_package what)
         message(STATUS "YxFrontPanel: ${what}: OFF (${module} not found; Debian package "
             "${debian_package}; ${option_name}=ON requires it)")
     endif()
+endfunction()
+
+# yxfp_component(Component target required-pc-module...): `target` is the optional part
+# `Component` of the installation. The package's COMPONENTS, the generated
+# <yxfrontpanel/components.h> and one pkg-config file per component (yxfrontpanel-<component>.pc,
+# requiring the given modules) are made from these records.
+function(yxfp_component component target)
+    set_property(GLOBAL APPEND PROPERTY YXFP_COMPONENTS ${component})
+    set_property(GLOBAL PROPERTY YXFP_COMPONENT_TARGET_${component} ${target})
+    set_property(GLOBAL PROPERTY YXFP_COMPONENT_REQUIRES_${component} ${ARGN})
 endfunction()

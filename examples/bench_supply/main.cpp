@@ -3,7 +3,8 @@
 // settings" and "Reset defaults" do what they say, and the measurement is the home screen after
 // a minute without a key.
 //   bench_supply [SETTINGS_FILE]      (default: bench_supply.json in the working folder)
-#include <yxfrontpanel/runtime.h>
+#include <frontpanelhw/terminal.h>
+#include <yxfrontpanel/settings.h>
 #include <yxfrontpanel/yxfrontpanel.h>
 
 #include <atomic>

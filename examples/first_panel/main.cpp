@@ -1,4 +1,5 @@
 // A bench supply: terminal display and keys, a published reading, a timer, a home screen.
+#include <frontpanelhw/terminal.h>
 #include <yxfrontpanel/runtime.h>
 #include <yxfrontpanel/yxfrontpanel.h>
 
@@ -29,9 +30,8 @@ int main() {
     panel.every(1s, [&uptime, seconds = 0]() mutable { uptime->setValue(++seconds, 0); });
     auto show = [&](double reading) { output->setValue(volts = reading, 3); };
     std::thread acquisition([&] {  // 1000 readings a second; the panel shows one per frame
-        for (int n = 0; panel.publish("volts", [&show, n] { show(12 + n % 7 * 1e-3); }); ++n) {
+        for (int n = 0; panel.publish("volts", [&show, n] { show(12 + n % 7 * 1e-3); }); ++n)
             std::this_thread::sleep_for(1ms);
-        }
     });
     runtime::stopOnSignals(panel, {SIGINT, SIGTERM});
     panel.run();

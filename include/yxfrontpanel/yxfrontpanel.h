@@ -1,24 +1,22 @@
 #pragma once
 
 // Everything an application needs from the toolkit, its IPv4 helpers and the platform headers.
+// The optional device back ends (terminal, GPIO, input devices) have headers of their own,
+// installed with their libraries; <yxfrontpanel/components.h> says which ones this installation
+// has.
 
 #include <frontpanelhw/code_page.h>
 #include <frontpanelhw/display.h>
 #include <frontpanelhw/display_types.h>
-#include <frontpanelhw/evdev_key_source.h>
 #include <frontpanelhw/frame_diff.h>
-#include <frontpanelhw/gpio_key_source.h>
 #include <frontpanelhw/hd44780_bus.h>
 #include <frontpanelhw/hd44780_charset.h>
 #include <frontpanelhw/hd44780_display.h>
 #include <frontpanelhw/hd44780_gpio.h>
 #include <frontpanelhw/hd44780_i2c.h>
 #include <frontpanelhw/input_errors.h>
-#include <frontpanelhw/input_key_map.h>
 #include <frontpanelhw/key_source.h>
 #include <frontpanelhw/screen_text.h>
-#include <frontpanelhw/terminal_display.h>
-#include <frontpanelhw/terminal_keys.h>
 #include <yxbase2/log.h>
 #include <yxbase2/this_thread.h>
 #include <yxfrontpanel/apply_key.h>

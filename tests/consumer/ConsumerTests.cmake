@@ -76,10 +76,41 @@ function(yxfp_add_terminal_example name)
     set_tests_properties(consumer.example_${name} PROPERTIES
         FIXTURES_REQUIRED yxfp_installed PASS_REGULAR_EXPRESSION "${name} ended with its input")
 endfunction()
-yxfp_add_terminal_example(first_panel)
-if(YXFP_WITH_SETTINGS)
+if(TARGET YxFrontPanelTerminal)
+    yxfp_add_terminal_example(first_panel)
+endif()
+if(TARGET YxFrontPanelTerminal AND TARGET YxFrontPanelSettings)
     yxfp_add_terminal_example(bench_supply)
 endif()
+
+# find_package with COMPONENTS: every component this build has is found and linked; one it
+# lacks stops the configuration with a message that names it.
+get_property(YXFP_BUILT_COMPONENTS GLOBAL PROPERTY YXFP_COMPONENTS)
+list(JOIN YXFP_BUILT_COMPONENTS "," YXFP_BUILT_COMPONENT_LIST)
+add_test(NAME consumer.find_package_components
+    COMMAND ${CMAKE_CTEST_COMMAND}
+        --build-and-test ${YXFP_CONSUMER_DIR}/find_package_components
+            ${YXFP_CONSUMER_WORK}/find_package_components
+        --build-generator ${CMAKE_GENERATOR}
+        --build-options ${YXFP_CONSUMER_OPTIONS} -DCMAKE_PREFIX_PATH=${YXFP_CONSUMER_PREFIX}
+            -DWANTED=${YXFP_BUILT_COMPONENT_LIST}
+        --test-command ${YXFP_CONSUMER_RUN}
+            ${YXFP_CONSUMER_WORK}/find_package_components/components_consumer)
+set_tests_properties(consumer.find_package_components PROPERTIES
+    FIXTURES_REQUIRED yxfp_installed PASS_REGULAR_EXPRESSION "components OK")
+set(YXFP_ABSENT_COMPONENT NotAPart)
+foreach(component IN LISTS YXFP_KNOWN_COMPONENTS)
+    if(NOT component IN_LIST YXFP_BUILT_COMPONENTS)
+        set(YXFP_ABSENT_COMPONENT ${component})
+    endif()
+endforeach()
+add_test(NAME consumer.find_package_missing_component
+    COMMAND ${CMAKE_COMMAND} -S ${YXFP_CONSUMER_DIR}/find_package_components
+        -B ${YXFP_CONSUMER_WORK}/find_package_missing_component
+        -DCMAKE_PREFIX_PATH=${YXFP_CONSUMER_PREFIX} -DWANTED=Runtime,${YXFP_ABSENT_COMPONENT})
+set_tests_properties(consumer.find_package_missing_component PROPERTIES
+    FIXTURES_REQUIRED yxfp_installed
+    PASS_REGULAR_EXPRESSION "component\\(s\\) ${YXFP_ABSENT_COMPONENT} not part of the installation")
 add_test(NAME consumer.example_first_panel_in_readme
     COMMAND ${CMAKE_COMMAND} -DREADME=${PROJECT_SOURCE_DIR}/README.md
         -DEXAMPLE=${PROJECT_SOURCE_DIR}/examples/first_panel/main.cpp

@@ -208,20 +208,4 @@ TEST(ExpanderPortTest, AFifoCarriesTheBytesToItsReader) {
     ::close(reader);
 }
 
-TEST(GpioLinesTest, AMissingChipGivesOneErrorNamingTheChipAndTheReason) {
-    frontpanelhw::GpioLineConfig const config{"/dev/gpiochip97", 1, 2, 3, 4, 5, 6};
-    try {
-        (void)frontpanelhw::openGpioLines(config);
-        FAIL() << "no exception";
-    } catch (Hd44780BusError const& error) {
-        std::string const message = error.what();
-        EXPECT_NE(message.find("/dev/gpiochip97"), std::string::npos) << message;
-#ifdef YXFP_HAVE_GPIOD
-        EXPECT_NE(message.find("No such file or directory"), std::string::npos) << message;
-#else
-        EXPECT_NE(message.find("no GPIO support"), std::string::npos) << message;
-#endif
-    }
-}
-
 }  // namespace

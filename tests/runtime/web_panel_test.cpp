@@ -1,6 +1,6 @@
 #include <frontpanelhw/display.h>
 #include <yxfrontpanel/menu_tree.h>
-#include <yxfrontpanel/runtime.h>
+#include <yxfrontpanel/web.h>
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 #include <frontpanelhw/display.h>
-#include <yxfrontpanel/runtime.h>
+#include <yxfrontpanel/settings.h>
 #include <yxfrontpanel/yxfrontpanel.h>
 
 #include <gtest/gtest.h>

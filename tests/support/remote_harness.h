@@ -1,7 +1,7 @@
 #pragma once
 
 #include <frontpanelhw/display.h>
-#include <yxfrontpanel/runtime.h>
+#include <yxfrontpanel/remote.h>
 
 #include <gtest/gtest.h>
 

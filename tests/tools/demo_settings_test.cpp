@@ -1,4 +1,6 @@
-#ifdef YXFP_HAVE_SETTINGS
+#include <yxfrontpanel/components.h>
+
+#if YXFP_HAS_SETTINGS
 
 #include <gtest/gtest.h>
 

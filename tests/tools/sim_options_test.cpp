@@ -1,5 +1,7 @@
 #include "sim_options.h"
 
+#include <yxfrontpanel/components.h>
+
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -103,7 +105,7 @@ TEST(SimOptionsTest, BadCombinationsAndValuesAreRefused) {
 
 TEST(SimOptionsTest, SettingsNamesAFileAndIsOffByDefault) {
     EXPECT_FALSE(parseOptions({}).settingsFile.has_value());
-#ifdef YXFP_HAVE_SETTINGS
+#if YXFP_HAS_SETTINGS
     EXPECT_EQ(parseOptions({"--settings", "/tmp/panel.json"}).settingsFile, "/tmp/panel.json");
     EXPECT_EQ(parseOptions({"--settings=panel.json"}).settingsFile, "panel.json");
     EXPECT_NE(problemWith({"--settings="}).find("needs a file name"), std::string::npos);

@@ -1,10 +1,12 @@
 #include "attachment.h"
 
+#include <yxfrontpanel/components.h>
+
 #include <iostream>
 
 #include "input_devices.h"
 #include "printed_frames.h"
-#ifdef YXFP_HAVE_SETTINGS
+#if YXFP_HAS_SETTINGS
 #include "settings_attachment.h"
 #endif
 #include "remote_attachment.h"
@@ -21,7 +23,7 @@ Attachments attachmentsFor(SimOptions const& options) {
     Attachments attachments;
     // One entry per option that plugs something into the run, in the order they attach. The
     // settings come first, so that whatever attaches later finds the stored values in place.
-#ifdef YXFP_HAVE_SETTINGS
+#if YXFP_HAS_SETTINGS
     if (options.settingsFile) {
         attachments.push_back(std::make_unique<SettingsAttachment>(*options.settingsFile));
     }

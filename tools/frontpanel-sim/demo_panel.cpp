@@ -1,5 +1,6 @@
 #include "demo_panel.h"
 
+#include <yxfrontpanel/components.h>
 #include <yxfrontpanel/runtime/setting_definition.h>
 
 #include <algorithm>
@@ -225,7 +226,7 @@ void DemoPanel::drawHomeScreen(yxfrontpanel::IDrawingProvider const& provider) {
 
 yxfrontpanel::IMenuTree& DemoPanel::root() { return *root_; }
 
-#ifdef YXFP_HAVE_SETTINGS
+#if YXFP_HAS_SETTINGS
 
 std::vector<yxfrontpanel::settings::SettingDefinition> DemoPanel::settingDefinitions() const {
     using yxfrontpanel::settings::SettingDefinition;

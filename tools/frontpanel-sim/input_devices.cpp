@@ -3,6 +3,7 @@
 #include <frontpanelhw/evdev_key_source.h>
 #include <frontpanelhw/gpio_key_source.h>
 #include <frontpanelhw/input_errors.h>
+#include <yxfrontpanel/components.h>
 
 #include <algorithm>
 #include <utility>
@@ -45,7 +46,7 @@ private:
 std::shared_ptr<IKeySource> openInput(InputOption const& option) {
     switch (option.kind) {
         case InputOption::Kind::Evdev: {
-#if defined(YXFP_HAVE_EVDEV)
+#if YXFP_HAS_EVDEV
             frontpanelhw::EvdevOptions options;
             options.keys = frontpanelhw::parseInputKeyMap(option.keyMap);
             options.encoder = option.encoder;
@@ -57,7 +58,7 @@ std::shared_ptr<IKeySource> openInput(InputOption const& option) {
 #endif
         }
         case InputOption::Kind::Gpio: {
-#if defined(YXFP_HAVE_GPIOD)
+#if YXFP_HAS_GPIO
             return std::make_shared<frontpanelhw::GpioKeySource>(
                 option.device, frontpanelhw::parseGpioKeyLines(option.gpioLines));
 #else

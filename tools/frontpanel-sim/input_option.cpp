@@ -3,6 +3,7 @@
 #include <frontpanelhw/gpio_key_source.h>
 #include <frontpanelhw/input_errors.h>
 #include <frontpanelhw/input_key_map.h>
+#include <yxfrontpanel/components.h>
 
 #include <vector>
 
@@ -25,7 +26,7 @@ std::vector<std::string> split(std::string const& text, char separator) {
     }
 }
 
-#if defined(YXFP_HAVE_EVDEV)
+#if YXFP_HAS_EVDEV
 unsigned detents(std::string const& value, std::string const& text) {
     unsigned number = 0;
     bool valid = !value.empty() && value.size() <= 3;
@@ -42,7 +43,7 @@ unsigned detents(std::string const& value, std::string const& text) {
 #endif
 
 void parseEvdev(InputOption& option, std::vector<std::string> const& pieces) {
-#if defined(YXFP_HAVE_EVDEV)
+#if YXFP_HAS_EVDEV
     option.device = pieces.at(1);
     if (option.device.empty()) {
         throw UsageError("--input " + option.text +
@@ -81,7 +82,7 @@ void parseEvdev(InputOption& option, std::vector<std::string> const& pieces) {
 }
 
 void parseGpio(InputOption& option, std::vector<std::string> const& pieces) {
-#if defined(YXFP_HAVE_GPIOD)
+#if YXFP_HAS_GPIO
     if (pieces.size() != 3 || pieces[1].empty()) {
         throw UsageError("--input " + option.text +
                          ": write gpio:CHIP:LINES, e.g. gpio:gpiochip0:up=5,down=6,enter=13");

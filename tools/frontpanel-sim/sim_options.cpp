@@ -1,5 +1,6 @@
 #include "sim_options.h"
 
+#include <yxfrontpanel/components.h>
 #include <yxfrontpanel/runtime/remote_endpoint.h>
 
 #include <cmath>
@@ -108,7 +109,7 @@ SimOptions parseOptions(std::vector<std::string> const& arguments) {
             if (options.settingsFile->empty()) {
                 throw UsageError("--settings needs a file name");
             }
-#ifndef YXFP_HAVE_SETTINGS
+#if !YXFP_HAS_SETTINGS
             throw UsageError(
                 "--settings: this build has no settings store (configure with nlohmann-json, "
                 "Debian package nlohmann-json3-dev)");

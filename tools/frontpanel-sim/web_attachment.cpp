@@ -1,5 +1,6 @@
 #include "web_attachment.h"
 
+#include <yxfrontpanel/components.h>
 #include <yxfrontpanel/runtime/web_panel.h>
 
 #include <iostream>
@@ -14,7 +15,7 @@ WebAttachment::WebAttachment(Endpoint endpoint, std::string accessToken)
 WebAttachment::~WebAttachment() = default;
 
 void WebAttachment::attach(SimContext const& context) {
-#ifdef YXFP_HAVE_WEB
+#if YXFP_HAS_WEB
     yxfrontpanel::runtime::WebPanelOptions options;
     options.address = endpoint_.host;
     options.port = endpoint_.port;
@@ -32,7 +33,7 @@ void WebAttachment::attach(SimContext const& context) {
 }
 
 void WebAttachment::detach() noexcept {
-#ifdef YXFP_HAVE_WEB
+#if YXFP_HAS_WEB
     server_.reset();
 #endif
 }

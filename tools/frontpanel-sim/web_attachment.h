@@ -1,5 +1,7 @@
 #pragma once
 
+#include <yxfrontpanel/components.h>
+
 #include <memory>
 #include <string>
 
@@ -29,7 +31,7 @@ public:
 private:
     Endpoint endpoint_;
     std::string accessToken_;
-#ifdef YXFP_HAVE_WEB
+#if YXFP_HAS_WEB
     // Only where the runtime has the web panel: elsewhere it lacks even the destructor.
     std::unique_ptr<yxfrontpanel::runtime::WebPanelServer> server_;
 #endif

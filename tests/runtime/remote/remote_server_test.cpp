@@ -1,4 +1,4 @@
-#include <yxfrontpanel/runtime.h>
+#include <yxfrontpanel/remote.h>
 
 #include <gtest/gtest.h>
 

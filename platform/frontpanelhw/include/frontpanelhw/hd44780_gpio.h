@@ -53,13 +53,6 @@ struct GpioLineConfig {
     unsigned d7 = 0;
 };
 
-/** Requests the six lines of `config` as outputs (all low) through libgpiod, with "yxfrontpanel"
- *  as the consumer; they are released with the returned object.
- *  @throws Hd44780BusError naming the chip and the reason when the chip cannot be opened or a
- *  line cannot be requested (missing, busy, no permission, two lines with one offset), or when
- *  the library was built without libgpiod (YXFP_WITH_GPIOD=OFF). */
-FRONTPANELHW_EXPORT std::unique_ptr<IHd44780LineOutput> openGpioLines(GpioLineConfig const& config);
-
 /** An HD44780 transport over six GPIO lines: each nibble sets RS and the data with E low,
  *  raises E and lowers it again (three level changes). Sends at once; flush() has nothing to
  *  do. Makes no timing promise, so the driver waits for each instruction itself. No backlight

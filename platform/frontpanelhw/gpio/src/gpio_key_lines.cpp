@@ -2,7 +2,7 @@
 
 #include <set>
 
-#include "../key_text.h"
+#include "../../src/key_text.h"
 
 namespace frontpanelhw {
 

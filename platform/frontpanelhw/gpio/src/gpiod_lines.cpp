@@ -1,5 +1,5 @@
 // The six module lines through libgpiod's v1 API (Debian's libgpiod-dev 1.6).
-#include <frontpanelhw/hd44780_gpio.h>
+#include <frontpanelhw/gpio_lines.h>
 
 #include <array>
 #include <cerrno>

@@ -1,6 +1,6 @@
 #include <frontpanelhw/input_key_map.h>
 
-#include "../key_text.h"
+#include "../../src/key_text.h"
 #include <libevdev/libevdev.h>
 #include <linux/input-event-codes.h>
 
