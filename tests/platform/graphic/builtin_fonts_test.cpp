@@ -34,7 +34,7 @@ constexpr char16_t kToolkitCodes[] = {
 
 // The 6x8 font's letters whose descender reaches into row 7.
 constexpr char32_t kDescenders6x8[] = {U'g', U'j', U'p', U'q', U'y', U'Ç',
-                                       U'ç', U'µ', U'ý', U'þ', U'ÿ'};
+                                       U'ç', U'µ', U'ý', U'þ', U'ÿ', U'μ'};
 
 // The glyphs that may fill their whole cell, so that they join the glyphs beside them: box
 // drawing, block elements, the inverse bullet and circle and the two halves of the integral.

@@ -4,6 +4,8 @@
 // cell-filling glyphs (box drawing, blocks) use. Accented capitals are drawn shorter, with the
 // accent in rows 0-1. Sorted by code point: keep the order when adding a glyph.
 
+#include <iterator>
+
 #include "builtin_fonts.h"
 #include "glyph_art.h"
 
@@ -16,7 +18,7 @@ constexpr Glyph6x8 glyph(char32_t code, char const (&art)[N]) {
 }
 
 // clang-format off
-constexpr std::array kGlyphs{
+constexpr Glyph6x8 kGlyphs[] = {
     glyph(0x0020,  // space
           "......"
           "......"
@@ -1817,6 +1819,15 @@ constexpr std::array kGlyphs{
           "#....."
           ".###.."
           "......"),
+    glyph(0x03BC,  // μ greek small letter mu
+          "......"
+          "......"
+          "#...#."
+          "#...#."
+          "#...#."
+          "##.##."
+          "#.#.#."
+          "#....."),
     glyph(0x03C0,  // π greek small letter pi
           "......"
           "......"
@@ -1853,6 +1864,60 @@ constexpr std::array kGlyphs{
           ".###.."
           "..#..."
           "......"),
+    glyph(0x2013,  // – en dash
+          "......"
+          "......"
+          "......"
+          "#####."
+          "......"
+          "......"
+          "......"
+          "......"),
+    glyph(0x2014,  // — em dash
+          "......"
+          "......"
+          "......"
+          "#####."
+          "......"
+          "......"
+          "......"
+          "......"),
+    glyph(0x2018,  // ‘ left single quotation mark
+          "..#..."
+          ".#...."
+          ".##..."
+          "......"
+          "......"
+          "......"
+          "......"
+          "......"),
+    glyph(0x2019,  // ’ right single quotation mark
+          "..##.."
+          "...#.."
+          "..#..."
+          "......"
+          "......"
+          "......"
+          "......"
+          "......"),
+    glyph(0x201C,  // “ left double quotation mark
+          ".#.#.."
+          "#.#..."
+          "......"
+          "......"
+          "......"
+          "......"
+          "......"
+          "......"),
+    glyph(0x201D,  // ” right double quotation mark
+          "..#.#."
+          ".#.#.."
+          "......"
+          "......"
+          "......"
+          "......"
+          "......"
+          "......"),
     glyph(0x2022,  // • bullet
           "......"
           ".###.."
@@ -1861,6 +1926,15 @@ constexpr std::array kGlyphs{
           "#####."
           ".###.."
           "......"
+          "......"),
+    glyph(0x2026,  // … horizontal ellipsis
+          "......"
+          "......"
+          "......"
+          "......"
+          "......"
+          "......"
+          "#.#.#."
           "......"),
     glyph(0x203C,  // ‼ double exclamation mark
           ".#.#.."
@@ -1888,6 +1962,15 @@ constexpr std::array kGlyphs{
           "#..#.."
           "#..#.."
           "#...#."
+          "......"),
+    glyph(0x20AC,  // € euro sign
+          "..###."
+          ".#...."
+          "####.."
+          ".#...."
+          "####.."
+          ".#...."
+          "..###."
           "......"),
     glyph(0x2190,  // ← leftwards arrow
           "......"
@@ -1951,6 +2034,15 @@ constexpr std::array kGlyphs{
           "#.#.#."
           ".###.."
           "#####."
+          "......"),
+    glyph(0x2212,  // − minus sign
+          "......"
+          "......"
+          "......"
+          "#####."
+          "......"
+          "......"
+          "......"
           "......"),
     glyph(0x2219,  // ∙ bullet operator
           "......"
@@ -2521,12 +2613,21 @@ constexpr std::array kGlyphs{
           "......"),
     glyph(0x25B2,  // ▲ black up-pointing triangle
           "......"
-          "..#..."
+          "......"
           "..#..."
           ".###.."
-          ".###.."
           "#####."
-          "#####."
+          "......"
+          "......"
+          "......"),
+    glyph(0x25B6,  // ▶ black right-pointing triangle
+          "#....."
+          "##...."
+          "###..."
+          "####.."
+          "###..."
+          "##...."
+          "#....."
           "......"),
     glyph(0x25BA,  // ► black right-pointing pointer
           "#....."
@@ -2539,12 +2640,21 @@ constexpr std::array kGlyphs{
           "......"),
     glyph(0x25BC,  // ▼ black down-pointing triangle
           "......"
-          "#####."
+          "......"
           "#####."
           ".###.."
-          ".###.."
           "..#..."
-          "..#..."
+          "......"
+          "......"
+          "......"),
+    glyph(0x25C0,  // ◀ black left-pointing triangle
+          "....#."
+          "...##."
+          "..###."
+          ".####."
+          "..###."
+          "...##."
+          "....#."
           "......"),
     glyph(0x25C4,  // ◄ black left-pointing pointer
           "....#."
@@ -2681,6 +2791,15 @@ constexpr std::array kGlyphs{
           "##.##."
           "##.##."
           "......"),
+    glyph(0x2713,  // ✓ check mark
+          "......"
+          "....#."
+          "...#.."
+          "#..#.."
+          ".#.#.."
+          "..#..."
+          "......"
+          "......"),
     glyph(0xFFFD,  // replacement character
           "#####."
           "#...#."
@@ -2697,8 +2816,8 @@ static_assert(isSortedByCode(kGlyphs), "the glyphs must be sorted by code point"
 
 }  // namespace
 
-Glyph6x8 const* font6x8Glyphs() { return kGlyphs.data(); }
+Glyph6x8 const* font6x8Glyphs() { return kGlyphs; }
 
-std::size_t font6x8GlyphCount() { return kGlyphs.size(); }
+std::size_t font6x8GlyphCount() { return std::size(kGlyphs); }
 
 }  // namespace frontpanelhw::graphic::detail

@@ -11,9 +11,9 @@ namespace frontpanelhw::graphic::detail {
 /** One glyph of the 6x8 font: a 5x7 glyph in a 6x8 cell. rows[r] bit 7 is the leftmost pixel of
  *  row r. Columns 0..4 carry the glyph and column 5 stays blank (the gap between cells). Rows
  *  0..6 carry the glyph and row 7 stays blank, except for the descenders of the letters that
- *  have one (g j p q y, ç Ç ý ÿ þ µ, ...), which reach into row 7 (a 5x8 design for those), and
- *  for the cell-filling glyphs (block elements, box drawing, the inverse bullet and circle, the
- *  integral halves), which may use the whole cell so that they join their neighbours. */
+ *  have one (g j p q y, ç Ç ý ÿ þ, the micro sign and μ), which reach into row 7 (a 5x8 design for
+ * those), and for the cell-filling glyphs (block elements, box drawing, the inverse bullet and
+ * circle, the integral halves), which may use the whole cell so that they join their neighbours. */
 struct Glyph6x8 {
     char32_t code;                     ///< the Unicode character this glyph shows
     std::array<std::uint8_t, 8> rows;  ///< the pixel rows, top first; bit 7 is the leftmost pixel

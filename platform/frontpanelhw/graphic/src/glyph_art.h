@@ -32,9 +32,9 @@ constexpr std::array<std::uint8_t, Rows> parseGlyphArt(char const (&art)[N]) {
 }
 
 /** Whether the glyphs' codes strictly increase, so that a binary search finds each one. */
-template <typename Glyphs>
-constexpr bool isSortedByCode(Glyphs const& glyphs) {
-    for (std::size_t i = 1; i < glyphs.size(); ++i) {
+template <typename Glyph, std::size_t N>
+constexpr bool isSortedByCode(Glyph const (&glyphs)[N]) {
+    for (std::size_t i = 1; i < N; ++i) {
         if (!(glyphs[i - 1].code < glyphs[i].code)) {
             return false;
         }
