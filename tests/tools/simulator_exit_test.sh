@@ -2,8 +2,8 @@
 # The exit status and the one-line message of frontpanel-sim as scripts see them: 2 for a bad
 # command line, 1 for a device that cannot be used, 0 after SIGINT or SIGTERM in a headless run.
 # Usage: simulator_exit_test.sh SIM [EMULATOR...]
-# YXFP_SIM_HAS_EVDEV=0 / YXFP_SIM_HAS_GPIOD=0 when the simulator was built without libevdev /
-# libgpiod.
+# YXFP_SIM_HAS_<PART>=0 (EVDEV, GPIOD, REMOTE, SETTINGS, WEB, TERMINAL) when the simulator was
+# built without that part: its options then give one line naming what to install, status 2.
 set -uo pipefail
 sim=$1
 shift
@@ -25,7 +25,20 @@ expect() {  # status message-pattern arguments...
 
 expect 2 "unknown option '--colour'" --colour
 expect 2 "--input wants evdev:PATH" --headless --input keyboard
-expect 2 "--web" --web nowhere
+if [ "${YXFP_SIM_HAS_WEB:-1}" = 1 ]; then
+    expect 2 "--web" --web nowhere
+else
+    expect 2 "this build has no web panel (install libwebsockets-dev" --web 127.0.0.1:0
+fi
+if [ "${YXFP_SIM_HAS_SETTINGS:-1}" = 0 ]; then
+    expect 2 "this build has no settings store (install nlohmann-json3-dev" --settings s.json --keys down
+fi
+if [ "${YXFP_SIM_HAS_TERMINAL:-1}" = 1 ]; then
+    # Not on a terminal (standard input is /dev/null here): it says what to use, not curses.
+    expect 2 "must be a terminal"
+else
+    expect 2 "this build has no terminal display (install libncurses-dev"
+fi
 expect 2 "needs a value" --idle
 expect 1 "/dev/i2c-77" --display hd44780-i2c:/dev/i2c-77 --keys down
 if [ "${YXFP_SIM_HAS_GPIOD:-1}" = 1 ]; then
@@ -35,6 +48,12 @@ if [ "${YXFP_SIM_HAS_EVDEV:-1}" = 1 ]; then
     expect 1 "/nonexistent/event9" --headless --input evdev:/nonexistent/event9
 else
     expect 2 "built without libevdev" --headless --input evdev:/nonexistent/event9
+fi
+
+if [ "${YXFP_SIM_HAS_REMOTE:-1}" = 0 ]; then
+    expect 2 "this build has no remote control" --headless --listen unix:panel.sock
+    [ "$failures" -eq 0 ]
+    exit
 fi
 
 # A headless run with a server ends on either signal with status 0.

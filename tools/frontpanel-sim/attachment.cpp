@@ -9,8 +9,12 @@
 #if YXFP_HAS_SETTINGS
 #include "settings_attachment.h"
 #endif
+#if YXFP_HAS_REMOTE
 #include "remote_attachment.h"
+#endif
+#if YXFP_HAS_WEB && YXFP_HAS_REMOTE
 #include "web_attachment.h"
+#endif
 
 namespace frontpanelsim {
 
@@ -28,12 +32,17 @@ Attachments attachmentsFor(SimOptions const& options) {
         attachments.push_back(std::make_unique<SettingsAttachment>(*options.settingsFile));
     }
 #endif
+    // The options of a part this build left out were refused by parseOptions.
+#if YXFP_HAS_REMOTE
     if (!options.listen.empty()) {
         attachments.push_back(std::make_unique<RemoteAttachment>(options.listen));
     }
+#endif
+#if YXFP_HAS_WEB && YXFP_HAS_REMOTE
     if (options.web) {
         attachments.push_back(std::make_unique<WebAttachment>(*options.web, options.webToken));
     }
+#endif
     if (!options.inputs.empty()) {
         attachments.push_back(std::make_unique<InputDevices>(options.inputs));
     }

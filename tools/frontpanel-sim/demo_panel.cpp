@@ -1,7 +1,9 @@
 #include "demo_panel.h"
 
 #include <yxfrontpanel/components.h>
+#if YXFP_HAS_SETTINGS
 #include <yxfrontpanel/runtime/setting_definition.h>
+#endif
 
 #include <algorithm>
 #include <chrono>
@@ -155,17 +157,22 @@ void DemoPanel::buildSystemMenu() {
     add<yxfrontpanel::ScrollLabelMenuItem>(*menu, provider_, u"Help")
         ->setText(kHelpText, TextAllignment::Left);
 
+#if YXFP_HAS_SETTINGS
+    // Only where the settings store was built: elsewhere there is nothing to save.
     auto save = add<yxfrontpanel::TriggerMenuItem>(*menu, u"Save settings", 1000ms);
     save->action = [this] { return store_ == nullptr || store_->saveNow().ok; };
+#endif
 
     auto reset = add<yxfrontpanel::TriggerMenuItem>(*menu, u"Reset defaults", 1000ms);
     // The confirm hint is as wide as half the panel and starts right of its middle, so on an
     // even-width panel its last column falls off the edge: a trailing blank keeps "Yes" whole.
     reset->enableUserDialog(provider_, "Reset settings", "to defaults?", "Yes ");
     reset->action = [this] {
+#if YXFP_HAS_SETTINGS
         if (store_ != nullptr) {
             return store_->resetToDefaults().ok;  // the items and the state follow the store
         }
+#endif
         resetToDefaults();
         return true;
     };
@@ -291,16 +298,6 @@ void DemoPanel::releaseSettings() noexcept {
     listeners_.clear();
     store_ = nullptr;
 }
-
-#else
-
-std::vector<yxfrontpanel::settings::SettingDefinition> DemoPanel::settingDefinitions() const {
-    return {};
-}
-
-void DemoPanel::useSettings(yxfrontpanel::settings::SettingsStore& /*store*/) {}
-
-void DemoPanel::releaseSettings() noexcept {}
 
 #endif
 

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <yxfrontpanel/components.h>
+#if YXFP_HAS_SETTINGS
 #include <yxfrontpanel/runtime/setting_bindings.h>
 #include <yxfrontpanel/runtime/settings_store.h>
+#endif
 #include <yxfrontpanel/yxfrontpanel.h>
 
 #include <atomic>
@@ -47,12 +50,14 @@ public:
     /** Shows a reading in the Measured entry, the status screen and the home screen. */
     void show(Reading reading);
 
+#if YXFP_HAS_SETTINGS
     /** voltage, current, output, dhcp, address, gateway, netmask, brightness and contrast. */
     std::vector<yxfrontpanel::settings::SettingDefinition> settingDefinitions() const override;
     /** Binds every entry of those settings to `store`; "Save settings" then saves it and
      *  "Reset defaults" resets and saves it. */
     void useSettings(yxfrontpanel::settings::SettingsStore& store) override;
     void releaseSettings() noexcept override;
+#endif
 
 private:
     void buildOutputMenu();
@@ -61,8 +66,10 @@ private:
     void buildSystemMenu();
     void resetToDefaults();
     void showDhcp(bool dhcp);
+#if YXFP_HAS_SETTINGS
     /** Keeps the instrument's own state (set points, output, DHCP) in step with `store`. */
     void followSettings(yxfrontpanel::settings::SettingsStore& store);
+#endif
 
     yxfrontpanel::IDrawingProvider const& provider_;
     std::unique_ptr<yxfrontpanel::IMenuTree> root_;
@@ -85,9 +92,11 @@ private:
     std::unique_ptr<StatusForm> home_;  // on the panel's home-screen provider, once shown
 
     // The settings file's store while one is in use (--settings), its bindings and listeners.
+#if YXFP_HAS_SETTINGS
     yxfrontpanel::settings::SettingsStore* store_ = nullptr;
     std::vector<yxfrontpanel::settings::SettingBinding> bindings_;
     std::vector<yxfrontpanel::settings::SettingsStore::ListenerId> listeners_;
+#endif
 
     std::shared_ptr<yxfrontpanel::ValueEditorMenuItem> voltageItem_;
     std::shared_ptr<yxfrontpanel::ValueEditorMenuItem> currentItem_;

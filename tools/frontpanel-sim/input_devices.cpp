@@ -1,9 +1,13 @@
 #include "input_devices.h"
 
-#include <frontpanelhw/evdev_key_source.h>
-#include <frontpanelhw/gpio_key_source.h>
 #include <frontpanelhw/input_errors.h>
 #include <yxfrontpanel/components.h>
+#if YXFP_HAS_EVDEV
+#include <frontpanelhw/evdev_key_source.h>
+#endif
+#if YXFP_HAS_GPIO
+#include <frontpanelhw/gpio_key_source.h>
+#endif
 
 #include <algorithm>
 #include <utility>

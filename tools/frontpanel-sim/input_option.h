@@ -1,6 +1,9 @@
 #pragma once
 
+#include <yxfrontpanel/components.h>
+#if YXFP_HAS_EVDEV
 #include <frontpanelhw/evdev_key_source.h>
+#endif
 
 #include <optional>
 #include <string>
@@ -22,7 +25,9 @@ struct InputOption {
     bool reopen = false;
     /** keys=MAP (evdev): entries applied to the default key map. */
     std::string keyMap;
+#if YXFP_HAS_EVDEV
     frontpanelhw::EncoderOptions encoder;
+#endif
     /** The line map (gpio), e.g. "up=5,down=6,enter=13,active-low". */
     std::string gpioLines;
 };

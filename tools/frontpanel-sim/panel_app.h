@@ -1,5 +1,6 @@
 #pragma once
 
+#include <yxfrontpanel/components.h>
 #include <yxfrontpanel/drawing_provider.h>
 #include <yxfrontpanel/menu_tree.h>
 
@@ -37,6 +38,7 @@ public:
     /** Draws the home screen (a status screen) through `provider`. Panel's thread. */
     virtual void drawHomeScreen(yxfrontpanel::IDrawingProvider const& provider) = 0;
 
+#if YXFP_HAS_SETTINGS
     /** The values the application keeps in a settings file (--settings); none by default. */
     virtual std::vector<yxfrontpanel::settings::SettingDefinition> settingDefinitions() const;
     /** Binds the application's items to `store`, loaded from the file: they show its values,
@@ -45,6 +47,7 @@ public:
     virtual void useSettings(yxfrontpanel::settings::SettingsStore& store);
     /** Ends the use of the store before it goes (the panel has stopped). Never throws. */
     virtual void releaseSettings() noexcept;
+#endif
 };
 
 }  // namespace frontpanelsim

@@ -1,7 +1,9 @@
 #include "sim_options.h"
 
 #include <yxfrontpanel/components.h>
+#if YXFP_HAS_REMOTE
 #include <yxfrontpanel/runtime/remote_endpoint.h>
+#endif
 
 #include <cmath>
 #include <fstream>
@@ -67,12 +69,25 @@ std::chrono::milliseconds parseIdle(std::string const& text) {
     return std::chrono::milliseconds{std::llround(seconds * 1000)};
 }
 
+// Stops the command line when `option` needs a part that this build left out; `how` says how
+// to get it.
+void requirePart(bool built, std::string const& option, std::string const& part,
+                 std::string const& how) {
+    if (!built) {
+        throw UsageError(option + ": this build has no " + part + " (" + how + ")");
+    }
+}
+
 std::string parseListenAddress(std::string const& text) {
+    requirePart(YXFP_HAS_REMOTE, "--listen", "remote control",
+                "rebuild with -DYXFP_WITH_REMOTE=ON");
+#if YXFP_HAS_REMOTE
     try {
         yxfrontpanel::runtime::parseEndpoint(text);
     } catch (std::invalid_argument const& error) {
         throw UsageError(std::string("--listen: ") + error.what());
     }
+#endif
     return text;
 }
 
@@ -109,11 +124,8 @@ SimOptions parseOptions(std::vector<std::string> const& arguments) {
             if (options.settingsFile->empty()) {
                 throw UsageError("--settings needs a file name");
             }
-#if !YXFP_HAS_SETTINGS
-            throw UsageError(
-                "--settings: this build has no settings store (configure with nlohmann-json, "
-                "Debian package nlohmann-json3-dev)");
-#endif
+            requirePart(YXFP_HAS_SETTINGS, "--settings", "settings store",
+                        "install nlohmann-json3-dev and rebuild");
         } else if (name == "--headless") {
             options.headless = true;
         } else if (name == "--display") {
@@ -121,7 +133,11 @@ SimOptions parseOptions(std::vector<std::string> const& arguments) {
         } else if (name == "--listen") {
             options.listen.push_back(parseListenAddress(reader.takeValue()));
         } else if (name == "--web") {
+            requirePart(YXFP_HAS_WEB && YXFP_HAS_REMOTE, "--web", "web panel",
+                        "install libwebsockets-dev and rebuild, with remote control on");
+#if YXFP_HAS_WEB && YXFP_HAS_REMOTE
             options.web = parseEndpoint("--web", reader.takeValue());
+#endif
         } else if (name == "--web-token") {
             options.webToken = reader.takeValue();
             if (options.webToken.empty()) {

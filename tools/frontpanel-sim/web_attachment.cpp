@@ -1,6 +1,5 @@
 #include "web_attachment.h"
 
-#include <yxfrontpanel/components.h>
 #include <yxfrontpanel/runtime/web_panel.h>
 
 #include <iostream>
@@ -15,7 +14,6 @@ WebAttachment::WebAttachment(Endpoint endpoint, std::string accessToken)
 WebAttachment::~WebAttachment() = default;
 
 void WebAttachment::attach(SimContext const& context) {
-#if YXFP_HAS_WEB
     yxfrontpanel::runtime::WebPanelOptions options;
     options.address = endpoint_.host;
     options.port = endpoint_.port;
@@ -25,18 +23,9 @@ void WebAttachment::attach(SimContext const& context) {
         endpoint_.host.find(':') == std::string::npos ? endpoint_.host : "[" + endpoint_.host + "]";
     std::cerr << "frontpanel-sim: web panel on http://" << host << ':' << server_->port() << "/"
               << std::endl;
-#else
-    (void)context;
-    throw std::runtime_error(
-        "--web: this build has no web panel (configure with libwebsockets-dev installed)");
-#endif
 }
 
-void WebAttachment::detach() noexcept {
-#if YXFP_HAS_WEB
-    server_.reset();
-#endif
-}
+void WebAttachment::detach() noexcept { server_.reset(); }
 
 bool WebAttachment::keepsRunning() const { return true; }
 

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <yxfrontpanel/components.h>
-
 #include <memory>
 #include <string>
 
@@ -21,8 +19,7 @@ public:
     WebAttachment(Endpoint endpoint, std::string accessToken);
     ~WebAttachment() override;
 
-    /** @throws std::runtime_error when the address cannot be served (or the program was built
-     *  without the web panel). */
+    /** @throws std::runtime_error when the address cannot be served. */
     void attach(SimContext const& context) override;
     void detach() noexcept override;
     /** True: a server keeps a --headless run going. */
@@ -31,10 +28,7 @@ public:
 private:
     Endpoint endpoint_;
     std::string accessToken_;
-#if YXFP_HAS_WEB
-    // Only where the runtime has the web panel: elsewhere it lacks even the destructor.
     std::unique_ptr<yxfrontpanel::runtime::WebPanelServer> server_;
-#endif
 };
 
 }  // namespace frontpanelsim
