@@ -12,17 +12,15 @@
 #include <vector>
 
 #include "recording_provider.h"
+#include "standard_panel.h"
 
 namespace {
 
 using ip::IpV4Address;
-using yxfp_test::RecordingProvider;
-using yxfrontpanel::IpAddressEditor;
-using yxfrontpanel::ValueEditor;
+using namespace yxfp_test;
+using namespace yxfrontpanel;
 
 constexpr int kKeysPerRun = 4000;
-constexpr unsigned kChars = 20;
-constexpr unsigned kLines = 4;
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 int pick(std::mt19937& random, int count) {

@@ -7,21 +7,16 @@
 #include <vector>
 
 #include "recording_provider.h"
+#include "standard_panel.h"
 
 namespace {
 
 using frontpanelhw::drawing::DisplayChar;
 using frontpanelhw::drawing::DisplayLine;
-using yxfp_test::padded;
-using yxfp_test::RecordingProvider;
-using yxfrontpanel::Control;
-using yxfrontpanel::Form;
-using yxfrontpanel::Label;
+using namespace yxfp_test;
+using namespace yxfrontpanel;
 using yxfrontpanel::drawing::Point;
 using yxfrontpanel::drawing::Rectangle;
-
-constexpr unsigned kChars = 20;
-constexpr unsigned kLines = 4;
 
 // A control that paints its cells itself: `text` on line 0 with the cells in `inverted` marked
 // inverted, and `below` on line 1 (a line a form never shows). Counts its draws.

@@ -14,12 +14,8 @@
 namespace {
 
 using namespace std::chrono_literals;
-using yxfp_test::HintWatch;
-using yxfp_test::Key;
-using yxfp_test::press;
-using yxfp_test::Screen;
-using yxfp_test::TestMenu;
-using yxfrontpanel::InlineEditorMenuItem;
+using namespace yxfp_test;
+using namespace yxfrontpanel;
 
 // A 21x4 root menu with the inline item "Mode" on the first line and a plain "Other" below, on
 // screen and in local mode unless told otherwise. Every key the item reports is recorded.

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "item_screens.h"
 #include "menu_keys.h"
 #include "menu_test_items.h"
 #include "platform_capture.h"
@@ -16,9 +17,9 @@ namespace {
 
 using yxfp_test::Key;
 using yxfp_test::press;
+using yxfp_test::Screen;
 using yxfp_test::TestItem;
 using yxfp_test::TestMenu;
-using Screen = std::vector<std::u16string>;
 
 constexpr char16_t kUp = 0x1E;
 constexpr char16_t kDown = 0x1F;

@@ -7,19 +7,16 @@
 #include <string>
 #include <vector>
 
+#include "item_screens.h"
 #include "menu_keys.h"
 #include "recording_provider.h"
 #include "test_menu.h"
 
 namespace {
 
-using yxfp_test::Key;
-using yxfp_test::padded;
-using yxfp_test::press;
-using yxfp_test::TestMenu;
-using yxfrontpanel::ScrollLabelMenuItem;
+using namespace yxfp_test;
+using namespace yxfrontpanel;
 using yxfrontpanel::drawing::TextAllignment;
-using Screen = std::vector<std::u16string>;
 
 constexpr char16_t kUp = 0x1E;
 constexpr char16_t kDown = 0x1F;
