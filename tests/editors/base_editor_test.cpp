@@ -35,6 +35,14 @@ public:
 };
 
 struct Screen {
+    // Shows "12.5 V" in the focused editor and opens it with the caret at column `caret`.
+    void editAt(unsigned caret) {
+        editor.show(u"12.5 V");
+        editor.setFocus(true);
+        editor.setEditorMode(true);
+        editor.putCaretAt(caret);
+    }
+
     RecordingProvider provider{kChars, kLines};
     TextEditor editor{provider, u"Volt"};
 };
@@ -104,10 +112,7 @@ TEST(BaseEditorTest, EditorModeShowsTheCaretUnderTheFirstEditableCharacter) {
 
 TEST(BaseEditorTest, LeavingEditorModeHidesTheCaretAndKeepsItsColumn) {
     Screen screen;
-    screen.editor.show(u"12.5 V");
-    screen.editor.setFocus(true);
-    screen.editor.setEditorMode(true);
-    screen.editor.putCaretAt(9);
+    screen.editAt(9);
     screen.editor.setEditorMode(false);
     EXPECT_FALSE(screen.editor.getEditorMode());
     EXPECT_EQ(screen.provider.line(2), kBlank);
@@ -116,10 +121,7 @@ TEST(BaseEditorTest, LeavingEditorModeHidesTheCaretAndKeepsItsColumn) {
 
 TEST(BaseEditorTest, EditorModeAgainMovesTheCaretBackWithoutRedrawing) {
     Screen screen;
-    screen.editor.show(u"12.5 V");
-    screen.editor.setFocus(true);
-    screen.editor.setEditorMode(true);
-    screen.editor.putCaretAt(9);
+    screen.editAt(9);
     screen.provider.reset();
     screen.editor.setEditorMode(true);
     EXPECT_EQ(caretColumn(screen.editor), 7U);

@@ -155,11 +155,15 @@ TEST(MenuItemTest, SetAvailableDoesNotDrawWhileNotShown) {
     EXPECT_EQ(menu.provider.line(0), menuLine(u"Speed (N/A)"));
 }
 
-TEST(MenuItemTest, CreateMenuTextWithUnchangedTextDoesNotRedraw) {
+// Rebuilding an unchanged menu text and storing an own text draw nothing.
+TEST(MenuItemTest, CreateMenuTextWithUnchangedTextAndSetOwnTextDoNotRedraw) {
     auto item = std::make_shared<TestItem>(u"Speed");
     ShownMenu menu({item});
     menu.provider.reset();
     item->createMenuText();
+    EXPECT_EQ(menu.provider.drawCount(), 0U);
+    item->setOwnText(u"Speed: 3");
+    EXPECT_EQ(item->getOwnText(), u"Speed: 3");
     EXPECT_EQ(menu.provider.drawCount(), 0U);
 }
 
@@ -174,15 +178,6 @@ TEST(MenuItemTest, UpdateOwnTextRedrawsTheMenuOnlyWhileShown) {
     menu.tree->setFocus(false);
     menu.provider.reset();
     item->updateOwnText(u"Speed: 13");
-    EXPECT_EQ(menu.provider.drawCount(), 0U);
-}
-
-TEST(MenuItemTest, SetOwnTextStoresWithoutRedraw) {
-    auto item = std::make_shared<TestItem>(u"Speed");
-    ShownMenu menu({item});
-    menu.provider.reset();
-    item->setOwnText(u"Speed: 3");
-    EXPECT_EQ(item->getOwnText(), u"Speed: 3");
     EXPECT_EQ(menu.provider.drawCount(), 0U);
 }
 

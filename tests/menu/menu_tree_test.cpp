@@ -37,6 +37,17 @@ struct NumberedMenu : TestMenu {
     std::vector<std::shared_ptr<TestItem>> items;
 };
 
+// A focused 21x4 menu "Plain", "Editor" (with a form), the cursor on "Editor".
+struct EditorMenu : TestMenu {
+    EditorMenu() : TestMenu(21, 4) {
+        add(u"Plain");
+        editor = addWithForm(u"Editor");
+        tree->setFocus(true);
+        tree->moveDown();
+    }
+    std::shared_ptr<TestItem> editor;
+};
+
 // --- construction and drawing ---
 
 TEST(MenuTreeTest, FactoryCreatesAnEmptyUnfocusedMenuTree) {
@@ -599,11 +610,8 @@ TEST(MenuTreeTest, SetLocalOnAnEmptyTreeStoresTheFlag) {
 }
 
 TEST(MenuTreeTest, EnterOpensTheFormOfTheSelectedItem) {
-    TestMenu menu(21, 4);
-    menu.add(u"Plain");
-    auto item = menu.addWithForm(u"Editor");
-    menu.tree->setFocus(true);
-    menu.tree->moveDown();
+    EditorMenu menu;
+    auto const& item = menu.editor;
     menu.provider.reset();
     EXPECT_TRUE(menu.tree->action());
     EXPECT_FALSE(menu.tree->getFocus());
@@ -650,11 +658,8 @@ TEST(MenuTreeTest, BackOnAFocusedTreeReturnsTrueWithoutCallingAnyItem) {
 }
 
 TEST(MenuTreeTest, BackClosesTheActiveItemAndRedrawsTheMenu) {
-    TestMenu menu(21, 4);
-    menu.add(u"Plain");
-    auto item = menu.addWithForm(u"Editor");
-    menu.tree->setFocus(true);
-    menu.tree->moveDown();
+    EditorMenu menu;
+    auto const& item = menu.editor;
     menu.tree->action();
     menu.provider.reset();
     EXPECT_TRUE(menu.tree->backToMenu());
