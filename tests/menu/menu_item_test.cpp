@@ -102,25 +102,46 @@ TEST(MenuItemTest, UnavailableItemReadsNameBlankAndNotAvailableText) {
     EXPECT_EQ(item.getMenuText().getString(), u"Speed (N/A) ");
 }
 
-TEST(MenuItemTest, AvailableAgainShowsTheBareName) {
-    TestItem item(u"Speed");
-    item.setAvailable(false);
-    item.setAvailable(true);
-    EXPECT_EQ(item.getOwnText(), u"Speed");
-}
-
-TEST(MenuItemTest, SetAvailableDropsAMenuTextOfItsOwn) {
-    TestItem item(u"Speed");
-    item.updateOwnText(u"Speed: 5");
-    item.setAvailable(true);
-    EXPECT_EQ(item.getOwnText(), u"Speed");
-}
-
-TEST(MenuItemTest, CreateMenuTextKeepsANonEmptyMenuTextWhileAvailable) {
-    TestItem item(u"Speed");
-    item.updateOwnText(u"Speed: 5");
-    item.createMenuText();
-    EXPECT_EQ(item.getOwnText(), u"Speed: 5");
+// The own text of an item "Speed" after the steps of each case.
+TEST(MenuItemTest, OwnTextFollowsAvailabilityVisibilityAndUpdates) {
+    struct Case {
+        char const* steps;
+        std::function<void(TestItem&)> apply;
+        std::u16string ownText;
+    };
+    Case const cases[] = {
+        {"available again: the bare name",
+         [](TestItem& item) {
+             item.setAvailable(false);
+             item.setAvailable(true);
+         },
+         u"Speed"},
+        {"setAvailable drops a text of its own",
+         [](TestItem& item) {
+             item.updateOwnText(u"Speed: 5");
+             item.setAvailable(true);
+         },
+         u"Speed"},
+        {"createMenuText keeps a non-empty text while available",
+         [](TestItem& item) {
+             item.updateOwnText(u"Speed: 5");
+             item.createMenuText();
+         },
+         u"Speed: 5"},
+        {"a not-available text while available keeps the name",
+         [](TestItem& item) { item.setNotAvailableText(u"--"); }, u"Speed"},
+        {"setVisible rebuilds the text",
+         [](TestItem& item) {
+             item.setOwnText(u"");
+             item.setVisible(true);
+         },
+         u"Speed"},
+    };
+    for (Case const& step : cases) {
+        TestItem item(u"Speed");
+        step.apply(item);
+        EXPECT_EQ(item.getOwnText(), step.ownText) << step.steps;
+    }
 }
 
 TEST(MenuItemTest, SetNotAvailableTextRebuildsTheLine) {
@@ -129,12 +150,6 @@ TEST(MenuItemTest, SetNotAvailableTextRebuildsTheLine) {
     item.setNotAvailableText(u"--");
     EXPECT_EQ(item.getNotAvailableText(), u"--");
     EXPECT_EQ(item.getOwnText(), u"Speed --");
-}
-
-TEST(MenuItemTest, SetNotAvailableTextWhileAvailableKeepsTheName) {
-    TestItem item(u"Speed");
-    item.setNotAvailableText(u"--");
-    EXPECT_EQ(item.getOwnText(), u"Speed");
 }
 
 TEST(MenuItemTest, SetAvailableRedrawsTheMenuWhileShown) {
@@ -327,13 +342,6 @@ TEST(MenuItemTest, SetVisibleReportsEveryValueAlsoWhenUnchanged) {
     item.setVisible(false);
     EXPECT_EQ(heard, (std::vector<bool>{true, false, false}));
     EXPECT_FALSE(item.getVisible());
-}
-
-TEST(MenuItemTest, SetVisibleRebuildsTheMenuText) {
-    TestItem item(u"Speed");
-    item.setOwnText(u"");
-    item.setVisible(true);
-    EXPECT_EQ(item.getOwnText(), u"Speed");
 }
 
 TEST(MenuItemTest, HidingAFocusedItemClosesItsFormFirst) {

@@ -495,10 +495,7 @@ TEST(MenuTreeTest, UnfocusedTreePassesUpDownLeftRightToTheSelectedItem) {
     press(*menu.tree, {Key::Up, Key::Down, Key::Down});
     EXPECT_TRUE(press(*menu.tree, Key::Left));
     EXPECT_TRUE(press(*menu.tree, Key::Right));
-    EXPECT_EQ(item->ups, 1);
-    EXPECT_EQ(item->downs, 2);
-    EXPECT_EQ(item->lefts, 1);
-    EXPECT_EQ(item->rights, 1);
+    EXPECT_EQ(item->keyCalls(), (std::vector<int>{1, 2, 1, 1}));
     EXPECT_EQ(menu.provider.drawCount(), 0U);
 }
 
@@ -630,10 +627,7 @@ TEST(MenuTreeTest, ActiveItemReceivesUpDownLeftRightAndTheCursorStays) {
     menu.tree->action();
     menu.provider.reset();
     press(*menu.tree, {Key::Down, Key::Down, Key::Up, Key::Left, Key::Right});
-    EXPECT_EQ(item->downs, 2);
-    EXPECT_EQ(item->ups, 1);
-    EXPECT_EQ(item->lefts, 1);
-    EXPECT_EQ(item->rights, 1);
+    EXPECT_EQ(item->keyCalls(), (std::vector<int>{1, 2, 1, 1}));
     EXPECT_EQ(menu.menuTree().selectedItem(), item.get());
     EXPECT_EQ(menu.provider.drawCount(), 0U);
 }

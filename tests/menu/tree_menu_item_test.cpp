@@ -253,10 +253,7 @@ TEST(TreeMenuItemTest, KeysReachTheFormOpenedThreeLevelsDown) {
     EXPECT_TRUE(menu.tree->left());
     EXPECT_TRUE(menu.tree->right());
     press(*menu.tree, {Key::Up, Key::Down, Key::Down});
-    EXPECT_EQ(menu.address->lefts, 1);
-    EXPECT_EQ(menu.address->rights, 1);
-    EXPECT_EQ(menu.address->ups, 1);
-    EXPECT_EQ(menu.address->downs, 2);
+    EXPECT_EQ(menu.address->keyCalls(), (std::vector<int>{1, 2, 1, 1}));
     menu.tree->action();
     EXPECT_EQ(menu.address->enters, 2);
     EXPECT_TRUE(menu.address->getFocus());

@@ -74,6 +74,9 @@ public:
     bool up() override { return counted(ups); }
     bool down() override { return counted(downs); }
 
+    /** The calls of up, down, left and right so far, in that order, to compare whole. */
+    std::vector<int> keyCalls() const { return {ups, downs, lefts, rights}; }
+
     /** The owned form stub, null for an item without form. */
     FormStub* form() const { return form_.get(); }
 
