@@ -8,34 +8,20 @@
 #include <thread>
 #include <vector>
 
+#include "counting_value_item.h"
 #include "menu_keys.h"
 #include "test_menu.h"
 
 namespace {
 
+using yxfp_test::CountingValueItem;
 using yxfp_test::Key;
 using yxfp_test::press;
 using yxfrontpanel::CallbackValue;
-using yxfrontpanel::ValueEditorMenuItem;
 namespace itemconnector = yxfrontpanel::itemconnector;
 
 constexpr int kPublishers = 3;
 constexpr int kPublicationsEach = 300;
-
-// A number item that counts the values reaching it. The connector calls `setValue` under the
-// value's mutex, so the plain counter is written by one publisher at a time.
-class CountingValueItem : public ValueEditorMenuItem {
-public:
-    explicit CountingValueItem(yxfrontpanel::IDrawingProvider const& provider)
-        : ValueEditorMenuItem(provider, u"Voltage", 0.0, 10000.0) {}
-
-    void setValue(double value) override {
-        ++values;
-        ValueEditorMenuItem::setValue(value);
-    }
-
-    int values = 0;
-};
 
 // The values an application publishes for one number item, wired by the connector.
 struct PublishedValue {
@@ -64,7 +50,7 @@ struct PublishingMenu {
             menu.add(name);
         }
         for (auto& item : items) {
-            item = std::make_shared<CountingValueItem>(menu.provider);
+            item = std::make_shared<CountingValueItem>(menu.provider, u"Voltage");
             menu.tree->addItem(item);
         }
         for (std::size_t i = 0; i < items.size(); ++i) {
@@ -105,12 +91,12 @@ void publishWhileMoving(PublishingMenu const& panel, std::function<void(int, int
 
 TEST(CallbackValuePublishingTest, EveryPublicationFromThreeThreadsReachesTheItemOnce) {
     PublishingMenu panel;
-    int const initialValues = panel.items[0]->values;
+    int const initialValues = panel.items[0]->values.load();
 
     publishWhileMoving(
         panel, [&panel](int thread, int i) { panel.values[0]->value.set(publication(thread, i)); });
 
-    EXPECT_EQ(panel.items[0]->values, initialValues + kPublishers * kPublicationsEach);
+    EXPECT_EQ(panel.items[0]->values.load(), initialValues + kPublishers * kPublicationsEach);
 }
 
 TEST(CallbackValuePublishingTest, TheEditorHoldsTheLastValueStoredInTheCallbackValue) {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+
 #include "parent_probe.h"
 
 namespace {
@@ -11,7 +13,22 @@ using yxfrontpanel::Control;
 using yxfrontpanel::drawing::Point;
 using yxfrontpanel::drawing::Rectangle;
 
-TEST(ControlTest, StartsWithDefaultTextVisibleAndNotShown) {
+/** Tests of one control; attached() makes it with a parent probe watching it. */
+class ControlTest : public testing::Test {
+protected:
+    Control& attached(Point location, Rectangle size) {
+        control_ = std::make_unique<Control>(location, size);
+        parent.attach(*control_);
+        return *control_;
+    }
+
+    ParentProbe parent;
+
+private:
+    std::unique_ptr<Control> control_;
+};
+
+TEST_F(ControlTest, StartsWithDefaultTextVisibleAndNotShown) {
     Control control(Point{2, 1}, Rectangle{5, 2});
     EXPECT_EQ(control.getText(), u"Ctrl");
     EXPECT_TRUE(control.getVisible());
@@ -22,7 +39,7 @@ TEST(ControlTest, StartsWithDefaultTextVisibleAndNotShown) {
     EXPECT_EQ(control.getBuffer().getLineCount(), 2U);
 }
 
-TEST(ControlTest, DrawWithoutCallbackDoesNothingNotEvenRedrawParent) {
+TEST_F(ControlTest, DrawWithoutCallbackDoesNothingNotEvenRedrawParent) {
     Control control(Point{0, 0}, Rectangle{3, 1});
     int redraws = 0;
     control.setRedrawParentCallback([&redraws] { ++redraws; });
@@ -30,17 +47,15 @@ TEST(ControlTest, DrawWithoutCallbackDoesNothingNotEvenRedrawParent) {
     EXPECT_EQ(redraws, 0);
 }
 
-TEST(ControlTest, DrawAfterTheCallbackWasReplacedByAnEmptyOneDoesNothing) {
-    Control control(Point{0, 0}, Rectangle{3, 1});
-    ParentProbe parent;
-    parent.attach(control);
+TEST_F(ControlTest, DrawAfterTheCallbackWasReplacedByAnEmptyOneDoesNothing) {
+    Control& control = attached(Point{0, 0}, Rectangle{3, 1});
     control.onDrawCallback({});
     control.draw(true);
     EXPECT_EQ(parent.draws, 0);
     EXPECT_EQ(parent.redraws, 0);
 }
 
-TEST(ControlTest, EmptyOnDrawCallbackInstallsNothing) {
+TEST_F(ControlTest, EmptyOnDrawCallbackInstallsNothing) {
     Control control(Point{0, 0}, Rectangle{3, 1});
     int redraws = 0;
     control.setRedrawParentCallback([&redraws] { ++redraws; });
@@ -49,10 +64,8 @@ TEST(ControlTest, EmptyOnDrawCallbackInstallsNothing) {
     EXPECT_EQ(redraws, 0);
 }
 
-TEST(ControlTest, DrawHandsLocationAndBufferToParent) {
-    Control control(Point{4, 2}, Rectangle{3, 1});
-    ParentProbe parent;
-    parent.attach(control);
+TEST_F(ControlTest, DrawHandsLocationAndBufferToParent) {
+    Control& control = attached(Point{4, 2}, Rectangle{3, 1});
     control.draw(false);
     EXPECT_EQ(parent.draws, 1);
     EXPECT_EQ(parent.redraws, 0);
@@ -62,35 +75,25 @@ TEST(ControlTest, DrawHandsLocationAndBufferToParent) {
     EXPECT_EQ(parent.redraws, 1);
 }
 
-TEST(ControlTest, SetTextWithSameTextDoesNotDraw) {
-    Control control(Point{0, 0}, Rectangle{3, 1});
-    ParentProbe parent;
-    parent.attach(control);
+TEST_F(ControlTest, SetTextDrawsOnceAndRedrawsParentOnceOnlyForNewText) {
+    Control& control = attached(Point{0, 0}, Rectangle{3, 1});
     control.setText(u"Ctrl");
     EXPECT_EQ(parent.draws, 0);
     EXPECT_EQ(parent.redraws, 0);
-}
-
-TEST(ControlTest, SetTextWithNewTextDrawsOnceAndRedrawsParentOnce) {
-    Control control(Point{0, 0}, Rectangle{3, 1});
-    ParentProbe parent;
-    parent.attach(control);
     control.setText(u"abc");
     EXPECT_EQ(control.getText(), u"abc");
     EXPECT_EQ(parent.draws, 1);
     EXPECT_EQ(parent.redraws, 1);
 }
 
-TEST(ControlTest, NarrowSetTextWidensEveryByteWithoutDecoding) {
+TEST_F(ControlTest, NarrowSetTextWidensEveryByteWithoutDecoding) {
     Control control(Point{0, 0}, Rectangle{3, 1});
     control.setText(std::string("a\xC3\xA4"));
     EXPECT_EQ(control.getText(), (std::u16string{u'a', char16_t{0xC3}, char16_t{0xA4}}));
 }
 
-TEST(ControlTest, HidingDeliversBlankBufferOfItsSize) {
-    Control control(Point{1, 1}, Rectangle{4, 2});
-    ParentProbe parent;
-    parent.attach(control);
+TEST_F(ControlTest, HidingDeliversBlankBufferOfItsSize) {
+    Control& control = attached(Point{1, 1}, Rectangle{4, 2});
     control.setVisible(false);
     ASSERT_TRUE(parent.lastBuffer.has_value());
     EXPECT_EQ(parent.lastBuffer->getChars(), 4U);
@@ -100,20 +103,16 @@ TEST(ControlTest, HidingDeliversBlankBufferOfItsSize) {
     EXPECT_EQ(parent.redraws, 1);
 }
 
-TEST(ControlTest, HiddenControlBlanksTheSizeNotTheBufferSize) {
-    Control control(Point{0, 0}, Rectangle{4, 1});
-    ParentProbe parent;
-    parent.attach(control);
+TEST_F(ControlTest, HiddenControlBlanksTheSizeNotTheBufferSize) {
+    Control& control = attached(Point{0, 0}, Rectangle{4, 1});
     control.overwriteSize(Rectangle{2, 1});
     control.setVisible(false);
     ASSERT_TRUE(parent.lastBuffer.has_value());
     EXPECT_EQ(parent.lastBuffer->getChars(), 2U);
 }
 
-TEST(ControlTest, SetVisibleToCurrentValueDoesNotDraw) {
-    Control control(Point{0, 0}, Rectangle{2, 1});
-    ParentProbe parent;
-    parent.attach(control);
+TEST_F(ControlTest, SetVisibleToCurrentValueDoesNotDraw) {
+    Control& control = attached(Point{0, 0}, Rectangle{2, 1});
     control.setVisible(true);
     EXPECT_EQ(parent.draws, 0);
     control.setVisible(false);
@@ -122,10 +121,8 @@ TEST(ControlTest, SetVisibleToCurrentValueDoesNotDraw) {
     EXPECT_FALSE(control.getVisible());
 }
 
-TEST(ControlTest, SetLocationRedrawsOnlyWhenAskedAndChanged) {
-    Control control(Point{0, 0}, Rectangle{2, 1});
-    ParentProbe parent;
-    parent.attach(control);
+TEST_F(ControlTest, SetLocationRedrawsOnlyWhenAskedAndChanged) {
+    Control& control = attached(Point{0, 0}, Rectangle{2, 1});
     control.setLocation(Point{0, 0}, true);
     EXPECT_EQ(parent.draws, 0);
     control.setLocation(Point{3, 1}, false);
@@ -137,14 +134,14 @@ TEST(ControlTest, SetLocationRedrawsOnlyWhenAskedAndChanged) {
     EXPECT_EQ(parent.lastLocation, (Point{5, 1}));
 }
 
-TEST(ControlTest, OverwriteSizeKeepsBufferDimensions) {
+TEST_F(ControlTest, OverwriteSizeKeepsBufferDimensions) {
     Control control(Point{0, 0}, Rectangle{3, 1});
     control.overwriteSize(Rectangle{20, 1});
     EXPECT_EQ(control.getSize(), (Rectangle{20, 1}));
     EXPECT_EQ(control.getBuffer().getChars(), 3U);
 }
 
-TEST(ControlTest, RedrawParentReportsWhetherACallbackIsInstalled) {
+TEST_F(ControlTest, RedrawParentReportsWhetherACallbackIsInstalled) {
     Control control(Point{0, 0}, Rectangle{1, 1});
     EXPECT_FALSE(control.redrawParent());
     int redraws = 0;
@@ -153,7 +150,7 @@ TEST(ControlTest, RedrawParentReportsWhetherACallbackIsInstalled) {
     EXPECT_EQ(redraws, 1);
 }
 
-TEST(ControlTest, ShownFlagIsSetThroughItsSetter) {
+TEST_F(ControlTest, ShownFlagIsSetThroughItsSetter) {
     Control control(Point{0, 0}, Rectangle{1, 1});
     control.setShown(true);
     EXPECT_TRUE(control.getShown());
@@ -161,8 +158,7 @@ TEST(ControlTest, ShownFlagIsSetThroughItsSetter) {
     EXPECT_FALSE(control.getShown());
 }
 
-TEST(ControlTest, DestructionDoesNotCallCallbacks) {
-    ParentProbe parent;
+TEST_F(ControlTest, DestructionDoesNotCallCallbacks) {
     {
         Control control(Point{0, 0}, Rectangle{1, 1});
         parent.attach(control);

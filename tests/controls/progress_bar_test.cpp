@@ -4,6 +4,7 @@
 
 #include <limits>
 
+#include "bar_cells.h"
 #include "parent_probe.h"
 
 namespace {
@@ -11,36 +12,43 @@ namespace {
 using yxfrontpanel::ProgressBar;
 using yxfrontpanel::drawing::Point;
 
-constexpr char16_t kFull = 0xDB;
-constexpr char16_t kEmpty = 0xB0;
+using yxfp_test::barCells;
 
-// `filled` full cells followed by empty ones, `width` in all.
-std::u16string bar(unsigned filled, unsigned width) {
-    return std::u16string(filled, kFull) + std::u16string(width - filled, kEmpty);
-}
+// A bar of `width` cells over min..max set to `value` fills `filled` cells: in proportion,
+// truncated, never rounded up.
+struct Fill {
+    unsigned width;
+    int min;
+    int max;
+    int value;
+    unsigned filled;
+};
 
 TEST(ProgressBarTest, FillsInProportionToTheValue) {
-    ProgressBar progress(Point{0, 0}, 10, 0, 100);
-    EXPECT_EQ(progress.createBar(), bar(0, 10));
-    progress.setValue(50);
-    EXPECT_EQ(progress.createBar(), bar(5, 10));
-    progress.setValue(100);
-    EXPECT_EQ(progress.createBar(), bar(10, 10));
-    progress.setValue(99);
-    EXPECT_EQ(progress.createBar(), bar(9, 10));
+    Fill const fills[] = {
+        {10, 0, 100, 50, 5},
+        {10, 0, 100, 100, 10},
+        {10, 0, 100, 99, 9},
+        {10, 0, 100, 0, 0},
+        {5, -10, 10, 0, 2},
+        {3, 0, 10, 6, 1},    // 1.8 cells
+        {0, 0, 100, 50, 0},  // zero width: an empty bar
+        // Single precision steps can fall one cell short.
+        {22, 0, 22, 13, 12},
+    };
+    for (Fill const& fill : fills) {
+        ProgressBar progress(Point{0, 0}, fill.width, fill.min, fill.max);
+        progress.setValue(fill.value);
+        EXPECT_EQ(progress.createBar(), barCells(fill.filled, fill.width))
+            << fill.value << " in " << fill.min << ".." << fill.max << " on " << fill.width;
+    }
 }
 
 TEST(ProgressBarTest, TextIsAlwaysTheBarAndIsRendered) {
     ProgressBar progress(Point{2, 1}, 4, 0, 4);
     progress.setValue(3);
-    EXPECT_EQ(progress.getText(), bar(3, 4));
-    EXPECT_EQ(progress.getBuffer().getLineString(0), bar(3, 4));
-}
-
-TEST(ProgressBarTest, SinglePrecisionStepsCanFallOneCellShort) {
-    ProgressBar progress(Point{0, 0}, 22, 0, 22);
-    progress.setValue(13);
-    EXPECT_EQ(progress.createBar(), bar(12, 22));
+    EXPECT_EQ(progress.getText(), barCells(3, 4));
+    EXPECT_EQ(progress.getBuffer().getLineString(0), barCells(3, 4));
 }
 
 TEST(ProgressBarTest, SetValueClampsAndReportsChangesAgainstTheStoredValue) {
@@ -90,18 +98,10 @@ TEST(ProgressBarTest, ConstructionRunsThroughTheDefaultRange) {
     EXPECT_EQ(progress.getValue(), 150) << "the value is the min argument, unclamped";
 }
 
-TEST(ProgressBarTest, AtTheMinimumNoCellIsFilled) {
+TEST(ProgressBarTest, ConstructionStartsAtTheMinimumWithNoCellFilled) {
     ProgressBar progress(Point{0, 0}, 5, -10, 10);
     EXPECT_EQ(progress.getValue(), -10);
-    EXPECT_EQ(progress.createBar(), bar(0, 5));
-    progress.setValue(0);
-    EXPECT_EQ(progress.createBar(), bar(2, 5));
-}
-
-TEST(ProgressBarTest, ZeroWidthGivesAnEmptyBar) {
-    ProgressBar progress(Point{0, 0}, 0, 0, 100);
-    progress.setValue(50);
-    EXPECT_EQ(progress.createBar(), u"");
+    EXPECT_EQ(progress.createBar(), barCells(0, 5));
 }
 
 TEST(ProgressBarTest, ExtremeRangesNeitherOverflowNorCrash) {
@@ -111,7 +111,7 @@ TEST(ProgressBarTest, ExtremeRangesNeitherOverflowNorCrash) {
     EXPECT_EQ(progress.getMin(), lowest);
     EXPECT_EQ(progress.getMax(), highest);
     progress.setValue(highest);
-    EXPECT_EQ(progress.createBar(), bar(8, 8));
+    EXPECT_EQ(progress.createBar(), barCells(8, 8));
     progress.setMin(highest);
     EXPECT_EQ(progress.getMin(), highest - 1);
     ProgressBar bottom(Point{0, 0}, 8, 0, 100);
@@ -124,8 +124,8 @@ TEST(ProgressBarTest, ConstructionDoesNotRedrawForTheUnclampedValue) {
     ProgressBar progress(Point{0, 0}, 10, 150, 300);
     // The text was last drawn while the value sat at the minimum 99; setting the value to 150
     // afterwards draws nothing, so only createBar() knows the new fill.
-    EXPECT_EQ(progress.getText(), bar(0, 10));
-    EXPECT_EQ(progress.createBar(), bar(2, 10)) << "51 of 201 on ten cells";
+    EXPECT_EQ(progress.getText(), barCells(0, 10));
+    EXPECT_EQ(progress.createBar(), barCells(2, 10)) << "51 of 201 on ten cells";
 }
 
 TEST(ProgressBarTest, ValueLeftAboveTheMaximumByConstructionFillsTheWholeBar) {
@@ -133,7 +133,7 @@ TEST(ProgressBarTest, ValueLeftAboveTheMaximumByConstructionFillsTheWholeBar) {
     EXPECT_EQ(progress.getMin(), 99);
     EXPECT_EQ(progress.getMax(), 100);
     EXPECT_EQ(progress.getValue(), 150);
-    EXPECT_EQ(progress.createBar(), bar(10, 10));
+    EXPECT_EQ(progress.createBar(), barCells(10, 10));
 }
 
 TEST(ProgressBarTest, RangeChangesRedrawOnlyWhenTheyChangeSomething) {
@@ -147,16 +147,10 @@ TEST(ProgressBarTest, RangeChangesRedrawOnlyWhenTheyChangeSomething) {
     EXPECT_EQ(parent.draws, draws);
     EXPECT_TRUE(progress.setMax(200));
     EXPECT_EQ(parent.draws, draws + 1);
-    EXPECT_EQ(progress.getText(), bar(2, 10));
+    EXPECT_EQ(progress.getText(), barCells(2, 10));
     EXPECT_TRUE(progress.setMin(-200));
     EXPECT_EQ(parent.draws, draws + 2);
-    EXPECT_EQ(progress.getText(), bar(6, 10));
-}
-
-TEST(ProgressBarTest, FillCountIsTruncatedNotRounded) {
-    ProgressBar progress(Point{0, 0}, 3, 0, 10);
-    progress.setValue(6);  // 1.8 cells
-    EXPECT_EQ(progress.createBar(), bar(1, 3));
+    EXPECT_EQ(progress.getText(), barCells(6, 10));
 }
 
 }  // namespace

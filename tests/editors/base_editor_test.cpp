@@ -8,19 +8,13 @@
 
 #include "editor_screen.h"
 #include "recording_provider.h"
+#include "standard_panel.h"
 
 namespace {
 
-using yxfp_test::caretColumn;
-using yxfp_test::caretLine;
-using yxfp_test::padded;
-using yxfp_test::RecordingProvider;
-using yxfrontpanel::BaseEditor;
-using yxfrontpanel::IDrawingProvider;
+using namespace yxfp_test;
+using namespace yxfrontpanel;
 using yxfrontpanel::drawing::Point;
-
-constexpr unsigned kChars = 20;
-constexpr unsigned kLines = 4;
 
 // The smallest complete editor: shows whatever text it is given and records the keys it gets.
 class TextEditor : public BaseEditor {
@@ -41,6 +35,14 @@ public:
 };
 
 struct Screen {
+    // Shows "12.5 V" in the focused editor and opens it with the caret at column `caret`.
+    void editAt(unsigned caret) {
+        editor.show(u"12.5 V");
+        editor.setFocus(true);
+        editor.setEditorMode(true);
+        editor.putCaretAt(caret);
+    }
+
     RecordingProvider provider{kChars, kLines};
     TextEditor editor{provider, u"Volt"};
 };
@@ -110,10 +112,7 @@ TEST(BaseEditorTest, EditorModeShowsTheCaretUnderTheFirstEditableCharacter) {
 
 TEST(BaseEditorTest, LeavingEditorModeHidesTheCaretAndKeepsItsColumn) {
     Screen screen;
-    screen.editor.show(u"12.5 V");
-    screen.editor.setFocus(true);
-    screen.editor.setEditorMode(true);
-    screen.editor.putCaretAt(9);
+    screen.editAt(9);
     screen.editor.setEditorMode(false);
     EXPECT_FALSE(screen.editor.getEditorMode());
     EXPECT_EQ(screen.provider.line(2), kBlank);
@@ -122,10 +121,7 @@ TEST(BaseEditorTest, LeavingEditorModeHidesTheCaretAndKeepsItsColumn) {
 
 TEST(BaseEditorTest, EditorModeAgainMovesTheCaretBackWithoutRedrawing) {
     Screen screen;
-    screen.editor.show(u"12.5 V");
-    screen.editor.setFocus(true);
-    screen.editor.setEditorMode(true);
-    screen.editor.putCaretAt(9);
+    screen.editAt(9);
     screen.provider.reset();
     screen.editor.setEditorMode(true);
     EXPECT_EQ(caretColumn(screen.editor), 7U);
@@ -182,27 +178,26 @@ TEST(BaseEditorTest, DotPositionFindsThePointAtOrAfterTheStartIndex) {
     EXPECT_EQ(screen.editor.getDotPosition(UINT_MAX), 11U);
 }
 
-TEST(BaseEditorTest, DotPositionOfATextWithoutPointOrBlankIsItsEnd) {
-    Screen screen;
-    screen.editor.show(u"1234");  // starts at column 8
-    EXPECT_EQ(screen.editor.getDotPosition(0), 12U);
-}
-
-TEST(BaseEditorTest, DotPositionOfAnEmptyTextIsTheStartColumn) {
-    Screen screen;
-    EXPECT_EQ(screen.editor.getDotPosition(0), 10U);
-}
-
-TEST(BaseEditorTest, LeadingMinusShiftsTheDotPositionLeft) {
-    Screen screen;
-    screen.editor.show(u"-1.5 ");  // starts at column 7
-    EXPECT_EQ(screen.editor.getDotPosition(0), 8U);
-}
-
-TEST(BaseEditorTest, MinusOnlyAtTheStartCountsForTheDotPosition) {
-    Screen screen;
-    screen.editor.show(u"1.5 -");  // starts at column 7
-    EXPECT_EQ(screen.editor.getDotPosition(0), 8U);
+// The dot position of index 0 for each text shown (none for an empty one).
+TEST(BaseEditorTest, DotPositionOfIndexZeroFollowsTheShownText) {
+    struct Case {
+        char const* why;
+        std::u16string text;
+        unsigned dot;
+    };
+    Case const cases[] = {
+        {"starts at column 8 without point or blank: its end", u"1234", 12U},
+        {"nothing shown: the start column", u"", 10U},
+        {"starts at column 7, a leading minus shifts it left", u"-1.5 ", 8U},
+        {"starts at column 7, only a minus at the start counts", u"1.5 -", 8U},
+    };
+    for (Case const& shown : cases) {
+        Screen screen;
+        if (!shown.text.empty()) {
+            screen.editor.show(shown.text);
+        }
+        EXPECT_EQ(screen.editor.getDotPosition(0), shown.dot) << shown.why;
+    }
 }
 
 TEST(BaseEditorTest, MarkerInValuePositionIsTheCaretsIndexIntoTheText) {

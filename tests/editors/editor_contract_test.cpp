@@ -12,20 +12,13 @@
 
 #include "editor_screen.h"
 #include "recording_provider.h"
+#include "standard_panel.h"
 
 namespace {
 
 using ip::IpV4Address;
-using yxfp_test::caretColumn;
-using yxfp_test::caretLine;
-using yxfp_test::openForEditing;
-using yxfp_test::RecordingProvider;
-using yxfrontpanel::IDrawingProvider;
-using yxfrontpanel::IpAddressEditor;
-using yxfrontpanel::ValueEditor;
-
-constexpr unsigned kChars = 20;
-constexpr unsigned kLines = 4;
+using namespace yxfp_test;
+using namespace yxfrontpanel;
 
 // A voltage of 0..100 V with one decimal showing 5.5: "005.5 V" from column 6, digits at
 // columns 6, 7, 8 and 10.

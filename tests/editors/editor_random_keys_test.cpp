@@ -12,17 +12,15 @@
 #include <vector>
 
 #include "recording_provider.h"
+#include "standard_panel.h"
 
 namespace {
 
 using ip::IpV4Address;
-using yxfp_test::RecordingProvider;
-using yxfrontpanel::IpAddressEditor;
-using yxfrontpanel::ValueEditor;
+using namespace yxfp_test;
+using namespace yxfrontpanel;
 
 constexpr int kKeysPerRun = 4000;
-constexpr unsigned kChars = 20;
-constexpr unsigned kLines = 4;
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 int pick(std::mt19937& random, int count) {
@@ -78,6 +76,21 @@ bool sameValue(double lhs, double rhs) {
            (std::isnan(lhs) && std::isnan(rhs));
 }
 
+// Applies `editor`: in editor mode exactly one more value reaches `applied`, one for which
+// `isTheValue` holds; outside it none.
+template <typename Editor, typename Applied, typename IsTheValue>
+void expectApplyReports(Editor& editor, std::vector<Applied> const& applied,
+                        IsTheValue isTheValue) {
+    std::size_t const calls = applied.size();
+    editor.apply();
+    if (editor.getEditorMode()) {
+        ASSERT_EQ(applied.size(), calls + 1);
+        EXPECT_TRUE(isTheValue(applied.back())) << "applied " << applied.back();
+    } else {
+        EXPECT_EQ(applied.size(), calls);
+    }
+}
+
 struct Range {
     double minValue;
     double maxValue;
@@ -122,14 +135,9 @@ void runValueEditor(Range const& range, unsigned seed) {
                     << before << " -> " << after << " in [" << minValue << ", " << maxValue << "]";
             }
         } else if (action == 12) {
-            std::size_t const calls = applied.size();
-            editor.apply();
-            if (editor.getEditorMode()) {
-                ASSERT_EQ(applied.size(), calls + 1);
-                EXPECT_TRUE(sameValue(applied.back(), editor.getValue()));
-            } else {
-                EXPECT_EQ(applied.size(), calls);
-            }
+            ASSERT_NO_FATAL_FAILURE(expectApplyReports(editor, applied, [&editor](double value) {
+                return sameValue(value, editor.getValue());
+            }));
         } else if (action == 13) {
             editor.setFocus(pick(random, 3) != 0);
         } else if (action == 14) {
@@ -257,14 +265,10 @@ void runIpAddressEditor(unsigned seed) {
                 EXPECT_EQ(after, before);
             }
         } else if (action == 10) {
-            std::size_t const calls = applied.size();
-            editor.apply();
-            if (editor.getEditorMode()) {
-                ASSERT_EQ(applied.size(), calls + 1);
-                EXPECT_EQ(applied.back(), ip::toString(editor.getValue()));
-            } else {
-                EXPECT_EQ(applied.size(), calls);
-            }
+            ASSERT_NO_FATAL_FAILURE(
+                expectApplyReports(editor, applied, [&editor](std::string const& text) {
+                    return text == ip::toString(editor.getValue());
+                }));
         } else if (action == 11) {
             editor.setFocus(pick(random, 3) != 0);
         } else if (action == 12) {

@@ -9,21 +9,13 @@
 
 #include "editor_screen.h"
 #include "recording_provider.h"
+#include "standard_panel.h"
 
 namespace {
 
 using ip::IpV4Address;
-using yxfp_test::caretColumn;
-using yxfp_test::caretLine;
-using yxfp_test::characterUnderCaret;
-using yxfp_test::openForEditing;
-using yxfp_test::padded;
-using yxfp_test::RecordingProvider;
-using yxfrontpanel::IDrawingProvider;
-using yxfrontpanel::IpAddressEditor;
-
-constexpr unsigned kChars = 20;
-constexpr unsigned kLines = 4;
+using namespace yxfp_test;
+using namespace yxfrontpanel;
 
 std::u16string const kHeadline = u"      >> IP <<      ";
 std::u16string const kBlank = padded(u"", kChars);

@@ -13,21 +13,13 @@
 
 #include "editor_screen.h"
 #include "recording_provider.h"
+#include "standard_panel.h"
 
 namespace {
 
-using yxfp_test::caretColumn;
-using yxfp_test::caretLine;
-using yxfp_test::characterUnderCaret;
-using yxfp_test::openForEditing;
-using yxfp_test::padded;
-using yxfp_test::RecordingProvider;
-using yxfrontpanel::getMaxWidthOfMinMax;
-using yxfrontpanel::getMaxWidthOfNumber;
-using yxfrontpanel::ValueEditor;
+using namespace yxfp_test;
+using namespace yxfrontpanel;
 
-constexpr unsigned kChars = 20;
-constexpr unsigned kLines = 4;
 constexpr double kLowerSentinel = std::numeric_limits<double>::min();
 constexpr double kUpperSentinel = std::numeric_limits<double>::max();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();

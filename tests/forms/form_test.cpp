@@ -2,26 +2,22 @@
 
 #include <gtest/gtest.h>
 
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "recording_provider.h"
+#include "standard_panel.h"
 
 namespace {
 
 using frontpanelhw::drawing::DisplayChar;
 using frontpanelhw::drawing::DisplayLine;
-using yxfp_test::padded;
-using yxfp_test::RecordingProvider;
-using yxfrontpanel::Control;
-using yxfrontpanel::Form;
-using yxfrontpanel::Label;
+using namespace yxfp_test;
+using namespace yxfrontpanel;
 using yxfrontpanel::drawing::Point;
 using yxfrontpanel::drawing::Rectangle;
-
-constexpr unsigned kChars = 20;
-constexpr unsigned kLines = 4;
 
 // A control that paints its cells itself: `text` on line 0 with the cells in `inverted` marked
 // inverted, and `below` on line 1 (a line a form never shows). Counts its draws.
@@ -49,22 +45,35 @@ public:
     int draws = 0;
 };
 
+/** Each test has a 20 x 4 panel and a form on it. */
+class FormTest : public ::testing::Test {
+protected:
+    /** Adds `controls` in order, each accepted, and gives the form the focus. */
+    void show(std::initializer_list<Control*> controls) {
+        for (Control* control : controls) {
+            EXPECT_TRUE(form.addControl(control));
+        }
+        form.setFocus(true);
+    }
+
+    RecordingProvider provider{kChars, kLines};
+    Form form{provider};
+};
+
 std::vector<std::u16string> blankScreen() {
     return std::vector<std::u16string>(kLines, padded(u"", kChars));
 }
 
-TEST(FormTest, ConstructorDrawsNothingAndSizesTheBufferFromTheProvider) {
-    RecordingProvider provider(17, 3);
-    Form form(provider);
-    EXPECT_FALSE(form.getFocus());
-    EXPECT_EQ(provider.drawCount(), 0U);
-    EXPECT_EQ(form.getDisplayBuffer().getChars(), 17U);
-    EXPECT_EQ(form.getDisplayBuffer().getLineCount(), 3U);
+TEST_F(FormTest, ConstructorDrawsNothingAndSizesTheBufferFromTheProvider) {
+    RecordingProvider small(17, 3);
+    Form sized(small);
+    EXPECT_FALSE(sized.getFocus());
+    EXPECT_EQ(small.drawCount(), 0U);
+    EXPECT_EQ(sized.getDisplayBuffer().getChars(), 17U);
+    EXPECT_EQ(sized.getDisplayBuffer().getLineCount(), 3U);
 }
 
-TEST(FormTest, DrawWithoutFocusDoesNotReachTheProvider) {
-    RecordingProvider provider(kChars, kLines);
-    Form form(provider);
+TEST_F(FormTest, DrawWithoutFocusDoesNotReachTheProvider) {
     Label label(Point{0, 0}, 5, u"abc");
     form.addControl(&label);
     form.draw();
@@ -72,26 +81,20 @@ TEST(FormTest, DrawWithoutFocusDoesNotReachTheProvider) {
     EXPECT_EQ(provider.drawCount(), 0U);
 }
 
-TEST(FormTest, FirstSetFocusTrueDrawsExactlyOnce) {
-    RecordingProvider provider(kChars, kLines);
-    Form form(provider);
+TEST_F(FormTest, FirstSetFocusTrueDrawsExactlyOnce) {
     form.setFocus(true);
     EXPECT_TRUE(form.getFocus());
     EXPECT_EQ(provider.drawCount(), 1U);
     EXPECT_EQ(provider.screen(), blankScreen());
 }
 
-TEST(FormTest, SetFocusTrueTwiceDrawsOnce) {
-    RecordingProvider provider(kChars, kLines);
-    Form form(provider);
+TEST_F(FormTest, SetFocusTrueTwiceDrawsOnce) {
     form.setFocus(true);
     form.setFocus(true);
     EXPECT_EQ(provider.drawCount(), 1U);
 }
 
-TEST(FormTest, SetFocusFalseNeverDraws) {
-    RecordingProvider provider(kChars, kLines);
-    Form form(provider);
+TEST_F(FormTest, SetFocusFalseNeverDraws) {
     form.setFocus(false);
     EXPECT_EQ(provider.drawCount(), 0U);
     form.setFocus(true);
@@ -100,67 +103,49 @@ TEST(FormTest, SetFocusFalseNeverDraws) {
     EXPECT_EQ(provider.drawCount(), 1U);
 }
 
-TEST(FormTest, RegainingTheFocusDrawsAgain) {
-    RecordingProvider provider(kChars, kLines);
-    Form form(provider);
+TEST_F(FormTest, RegainingTheFocusDrawsAgain) {
     form.setFocus(true);
     form.setFocus(false);
     form.setFocus(true);
     EXPECT_EQ(provider.drawCount(), 2U);
 }
 
-TEST(FormTest, AddControlRefusesNullAndChangesNothing) {
-    RecordingProvider provider(kChars, kLines);
-    Form form(provider);
+TEST_F(FormTest, AddControlRefusesNullAndChangesNothing) {
     EXPECT_FALSE(form.addControl(nullptr));
     form.setFocus(true);
     EXPECT_EQ(provider.drawCount(), 1U);
     EXPECT_EQ(provider.screen(), blankScreen());
 }
 
-TEST(FormTest, ControlTextAppearsAtItsLocation) {
-    RecordingProvider provider(kChars, kLines);
-    Form form(provider);
+TEST_F(FormTest, ControlTextAppearsAtItsLocation) {
     Label first(Point{2, 1}, 6, u"abc");
     Label second(Point{0, 3}, 20, u"last line");
-    EXPECT_TRUE(form.addControl(&first));
-    EXPECT_TRUE(form.addControl(&second));
-    form.setFocus(true);
+    show({&first, &second});
     EXPECT_EQ(provider.screen(),
               (std::vector<std::u16string>{padded(u"", kChars), padded(u"  abc", kChars),
                                            padded(u"", kChars), padded(u"last line", kChars)}));
 }
 
-TEST(FormTest, ChangingAFocusedControlRedrawsTheFormOnce) {
-    RecordingProvider provider(kChars, kLines);
-    Form form(provider);
+TEST_F(FormTest, ChangingAFocusedControlRedrawsTheFormOnce) {
     Label label(Point{1, 0}, 8, u"old text");
-    form.addControl(&label);
-    form.setFocus(true);
+    show({&label});
     provider.reset();
     label.setText(u"new");
     EXPECT_EQ(provider.drawCount(), 1U);
     EXPECT_EQ(provider.line(0), padded(u" new", kChars));
 }
 
-TEST(FormTest, RedrawClearsWhatAControlNoLongerShows) {
-    RecordingProvider provider(kChars, kLines);
-    Form form(provider);
+TEST_F(FormTest, RedrawClearsWhatAControlNoLongerShows) {
     Label label(Point{0, 2}, 10, u"0123456789");
-    form.addControl(&label);
-    form.setFocus(true);
+    show({&label});
     label.setText(u"ab");
     EXPECT_EQ(provider.line(2), padded(u"ab", kChars));
 }
 
-TEST(FormTest, InvisibleControlLeavesBlankCells) {
-    RecordingProvider provider(kChars, kLines);
-    Form form(provider);
+TEST_F(FormTest, InvisibleControlLeavesBlankCells) {
     Label background(Point{0, 1}, 20, u"####################");
     Label hidden(Point{4, 2}, 6, u"hidden");
-    form.addControl(&background);
-    form.addControl(&hidden);
-    form.setFocus(true);
+    show({&background, &hidden});
     EXPECT_EQ(provider.line(2), padded(u"    hidden", kChars));
     provider.reset();
     hidden.setVisible(false);
@@ -171,80 +156,60 @@ TEST(FormTest, InvisibleControlLeavesBlankCells) {
     EXPECT_EQ(provider.line(2), padded(u"", kChars));
 }
 
-TEST(FormTest, InversionOfAControlIsNotCarriedOver) {
-    RecordingProvider provider(kChars, kLines);
-    Form form(provider);
+TEST_F(FormTest, InversionOfAControlIsNotCarriedOver) {
     PaintedControl control(Point{3, 1}, Rectangle{4, 1});
     control.paint(u"wxyz", "####", u"");
     ASSERT_EQ(yxfp_test::inversionOf(control.getBuffer(), 0), "####");
-    form.addControl(&control);
-    form.setFocus(true);
+    show({&control});
     EXPECT_EQ(provider.line(1), padded(u"   wxyz", kChars));
     EXPECT_EQ(provider.inversion(1), std::string(kChars, '.'));
 }
 
-TEST(FormTest, OnlyTheFirstLineOfAControlIsShown) {
-    RecordingProvider provider(kChars, kLines);
-    Form form(provider);
+TEST_F(FormTest, OnlyTheFirstLineOfAControlIsShown) {
     PaintedControl control(Point{0, 1}, Rectangle{5, 2});
     control.paint(u"top", "", u"below");
-    form.addControl(&control);
-    form.setFocus(true);
+    show({&control});
     EXPECT_EQ(provider.line(1), padded(u"top", kChars));
     EXPECT_EQ(provider.line(2), padded(u"", kChars));
 }
 
-TEST(FormTest, ControlWithoutLinesShowsNothingAndDoesNotFail) {
-    RecordingProvider provider(kChars, kLines);
-    Form form(provider);
+TEST_F(FormTest, ControlWithoutLinesShowsNothingAndDoesNotFail) {
     PaintedControl control(Point{0, 0}, Rectangle{5, 0});
     form.addControl(&control);
     EXPECT_NO_THROW(form.setFocus(true));
     EXPECT_EQ(provider.screen(), blankScreen());
 }
 
-TEST(FormTest, LaterControlsOverwriteEarlierOnes) {
-    RecordingProvider provider(kChars, kLines);
-    Form form(provider);
+TEST_F(FormTest, LaterControlsOverwriteEarlierOnes) {
     Label under(Point{0, 0}, 8, u"aaaaaaaa");
     Label over(Point{2, 0}, 3, u"bbb");
-    form.addControl(&under);
-    form.addControl(&over);
-    form.setFocus(true);
+    show({&under, &over});
     EXPECT_EQ(provider.line(0), padded(u"aabbbaaa", kChars));
 }
 
-TEST(FormTest, ControlAddedTwiceIsDrawnTwice) {
-    RecordingProvider provider(kChars, kLines);
-    Form form(provider);
+TEST_F(FormTest, ControlAddedTwiceIsDrawnTwice) {
     PaintedControl control(Point{0, 0}, Rectangle{3, 1});
     control.paint(u"abc", "", u"");
-    EXPECT_TRUE(form.addControl(&control));
-    EXPECT_TRUE(form.addControl(&control));
-    form.setFocus(true);
+    show({&control, &control});
     EXPECT_EQ(control.draws, 2);
     EXPECT_EQ(provider.line(0), padded(u"abc", kChars));
 }
 
-TEST(FormTest, FormDrawDoesNotAskControlsToRedrawTheirParent) {
-    RecordingProvider provider(kChars, kLines);
-    Form form(provider);
+TEST_F(FormTest, FormDrawDoesNotAskControlsToRedrawTheirParent) {
     Label label(Point{0, 0}, 3, u"abc");
-    form.addControl(&label);
-    form.setFocus(true);
+    show({&label});
     form.draw();
     // One frame per form draw: a control asking for a parent redraw would add more.
     EXPECT_EQ(provider.drawCount(), 2U);
 }
 
-TEST(FormTest, DestroyingAFormLeavesItsControlsUntouched) {
-    RecordingProvider provider(kChars, kLines);
+TEST_F(FormTest, DestroyingAFormLeavesItsControlsUntouched) {
     Label label(Point{2, 1}, 6, u"keep");
     label.setTextAllignment(yxfrontpanel::drawing::TextAllignment::Right);
     {
-        Form form(provider);
-        form.addControl(&label);
-        form.setFocus(true);
+        Form scoped(provider);
+        scoped.addControl(&label);
+        scoped.setFocus(true);
     }
     EXPECT_EQ(label.getText(), u"keep");
     EXPECT_TRUE(label.getVisible());

@@ -36,27 +36,30 @@ std::u16string row(std::u16string const& text, char16_t indicator = u' ') {
 
 class ScrollableLabelTest : public ::testing::Test {
 protected:
+    /** Gives the view the focus and then `text`. */
+    void show(std::u16string const& text, TextAllignment allignment = TextAllignment::Left) {
+        view_.setFocus(true);
+        view_.setText(text, allignment);
+    }
+
     RecordingProvider provider_{20, 4};
     ScrollableLabel view_{provider_};
 };
 
 TEST_F(ScrollableLabelTest, WrapsAtTheWidthLessTheIndicatorColumn) {
-    view_.setFocus(true);
-    view_.setText(u"aaaa bbbb cccc dddd eeee", TextAllignment::Left);
+    show(u"aaaa bbbb cccc dddd eeee");
     EXPECT_EQ(view_.getLines(), (std::vector<std::u16string>{u"aaaa bbbb cccc dddd", u"eeee"}));
     EXPECT_EQ(provider_.screen(), (std::vector<std::u16string>{row(u"aaaa bbbb cccc dddd"),
                                                                row(u"eeee"), row(u""), row(u"")}));
 }
 
 TEST_F(ScrollableLabelTest, CentresEachLineWithinTheTextWidth) {
-    view_.setFocus(true);
-    view_.setText(u"abc", TextAllignment::Center);
+    show(u"abc", TextAllignment::Center);
     EXPECT_EQ(provider_.line(0), u"        abc         ");
 }
 
 TEST_F(ScrollableLabelTest, TextThatFitsHasNoIndicatorAndDoesNotScroll) {
-    view_.setFocus(true);
-    view_.setText(u"1\n2\n3\n4", TextAllignment::Left);
+    show(u"1\n2\n3\n4");
     EXPECT_EQ(provider_.screen(),
               (std::vector<std::u16string>{row(u"1"), row(u"2"), row(u"3"), row(u"4")}));
     std::size_t const draws = provider_.drawCount();
@@ -66,8 +69,7 @@ TEST_F(ScrollableLabelTest, TextThatFitsHasNoIndicatorAndDoesNotScroll) {
 }
 
 TEST_F(ScrollableLabelTest, TenLinesScrollToTheLastWithIndicators) {
-    view_.setFocus(true);
-    view_.setText(tenLines(), TextAllignment::Left);
+    show(tenLines());
     EXPECT_EQ(provider_.screen(),
               (std::vector<std::u16string>{row(u"line0"), row(u"line1"), row(u"line2"),
                                            row(u"line3", kDown)}));
@@ -84,8 +86,7 @@ TEST_F(ScrollableLabelTest, TenLinesScrollToTheLastWithIndicators) {
 }
 
 TEST_F(ScrollableLabelTest, BothIndicatorsWhileInTheMiddleAndNeverInverted) {
-    view_.setFocus(true);
-    view_.setText(tenLines(), TextAllignment::Left);
+    show(tenLines());
     view_.moveDown();
     EXPECT_EQ(provider_.line(0), row(u"line1", kUp));
     EXPECT_EQ(provider_.line(3), row(u"line4", kDown));
@@ -94,8 +95,7 @@ TEST_F(ScrollableLabelTest, BothIndicatorsWhileInTheMiddleAndNeverInverted) {
 }
 
 TEST_F(ScrollableLabelTest, MoveUpAtTheTopNeitherChangesNorRedraws) {
-    view_.setFocus(true);
-    view_.setText(tenLines(), TextAllignment::Left);
+    show(tenLines());
     std::size_t const draws = provider_.drawCount();
     view_.moveUp();
     EXPECT_EQ(view_.getFirstLine(), 0U);
@@ -103,8 +103,7 @@ TEST_F(ScrollableLabelTest, MoveUpAtTheTopNeitherChangesNorRedraws) {
 }
 
 TEST_F(ScrollableLabelTest, MoveUpScrollsBackAndRedrawsOnce) {
-    view_.setFocus(true);
-    view_.setText(tenLines(), TextAllignment::Left);
+    show(tenLines());
     view_.moveDown();
     view_.moveDown();
     std::size_t const draws = provider_.drawCount();
@@ -115,23 +114,20 @@ TEST_F(ScrollableLabelTest, MoveUpScrollsBackAndRedrawsOnce) {
 }
 
 TEST_F(ScrollableLabelTest, LinesBelowAShortTextAreBlank) {
-    view_.setFocus(true);
-    view_.setText(u"only", TextAllignment::Left);
+    show(u"only");
     EXPECT_EQ(provider_.line(1), row(u""));
     EXPECT_EQ(provider_.line(3), row(u""));
 }
 
 TEST_F(ScrollableLabelTest, EmptyTextIsOneBlankLine) {
-    view_.setFocus(true);
-    view_.setText(u"", TextAllignment::Left);
+    show(u"");
     EXPECT_EQ(view_.getLines(), std::vector<std::u16string>{u""});
     EXPECT_EQ(provider_.drawCount(), 1U);
     EXPECT_EQ(provider_.line(0), row(u""));
 }
 
 TEST_F(ScrollableLabelTest, OverlongWordFollowsTheLabelRules) {
-    view_.setFocus(true);
-    view_.setText(u"abcdefghijklmnopqrstuvwxyz", TextAllignment::Center);
+    show(u"abcdefghijklmnopqrstuvwxyz", TextAllignment::Center);
     EXPECT_EQ(view_.getLines(), std::vector<std::u16string>{u"abcdefghijklmnopqrstuvwxyz"});
     EXPECT_EQ(provider_.line(0), row(u"")) << "a centred over-long line shows nothing";
     view_.setText(u"abcdefghijklmnopqrstuvwxyz", TextAllignment::Left);
@@ -149,8 +145,7 @@ TEST_F(ScrollableLabelTest, WithoutFocusNothingIsDrawnButStateChanges) {
 }
 
 TEST_F(ScrollableLabelTest, LosingFocusDoesNotClearOrDraw) {
-    view_.setFocus(true);
-    view_.setText(u"kept", TextAllignment::Left);
+    show(u"kept");
     std::size_t const draws = provider_.drawCount();
     view_.setFocus(false);
     EXPECT_FALSE(view_.getFocus());
@@ -165,8 +160,7 @@ TEST_F(ScrollableLabelTest, GainingFocusBeforeAnyTextDrawsNothing) {
 }
 
 TEST_F(ScrollableLabelTest, SetTextKeepsTheScrollPosition) {
-    view_.setFocus(true);
-    view_.setText(tenLines(), TextAllignment::Left);
+    show(tenLines());
     view_.moveDown();
     view_.moveDown();
     view_.setText(tenLines(), TextAllignment::Right);
@@ -175,8 +169,7 @@ TEST_F(ScrollableLabelTest, SetTextKeepsTheScrollPosition) {
 }
 
 TEST_F(ScrollableLabelTest, ShorterTextWhileScrolledThrowsFromTheCheckedAccess) {
-    view_.setFocus(true);
-    view_.setText(tenLines(), TextAllignment::Left);
+    show(tenLines());
     for (int i = 0; i < 6; ++i) {
         view_.moveDown();
     }
@@ -211,8 +204,7 @@ TEST(ScrollableLabelAddScrollbarTest, PadsAShortLineBeforeWritingTheIndicator) {
 }
 
 TEST_F(ScrollableLabelTest, GainingTheFocusAgainRedraws) {
-    view_.setFocus(true);
-    view_.setText(u"text", TextAllignment::Left);
+    show(u"text");
     view_.setFocus(true);
     EXPECT_EQ(provider_.drawCount(), 2U);
 }

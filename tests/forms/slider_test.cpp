@@ -8,17 +8,13 @@
 #include <vector>
 
 #include "bar_cells.h"
+#include "item_screens.h"
 #include "recording_provider.h"
 
 namespace {
 
-using yxfp_test::barCells;
-using yxfp_test::kNoArrow;
-using yxfp_test::padded;
-using yxfp_test::RecordingProvider;
-using yxfp_test::scaleRow;
-using yxfrontpanel::Slider;
-using Screen = std::vector<std::u16string>;
+using namespace yxfp_test;
+using namespace yxfrontpanel;
 
 // `text` right-aligned in `width` columns.
 std::u16string right(std::u16string const& text, std::size_t width) {

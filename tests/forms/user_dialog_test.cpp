@@ -3,48 +3,39 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "item_screens.h"
 #include "recording_provider.h"
 
 namespace {
 
-using yxfp_test::padded;
-using yxfp_test::RecordingProvider;
-using yxfrontpanel::createLine;
-using yxfrontpanel::createOkLbl;
-using yxfrontpanel::UserDialog;
+using namespace yxfp_test;
+using namespace yxfrontpanel;
 using yxfrontpanel::drawing::Point;
 using yxfrontpanel::drawing::Rectangle;
 using yxfrontpanel::drawing::TextAllignment;
-using Screen = std::vector<std::u16string>;
-
-// `text` centred in `width` columns the way a label places it (odd rest on the right).
-std::u16string centred(std::u16string const& text, std::size_t width) {
-    std::size_t const left = (width - text.size()) / 2;
-    return padded(std::u16string(left, u' ') + text, width);
-}
 
 // --- layout ---
 
-TEST(UserDialogTest, EvenWidthCutsTheConfirmHintAtTheRightEdge) {
-    RecordingProvider provider(20, 4);
-    UserDialog dialog(provider, "Reset device?", "All settings lost", "Yes");
-    dialog.setFocus(true);
-    // Cancel hint in 0-9 (cut), column 10 blank, confirm hint in 11-20: its last cell is past
-    // the panel, so the "s" of "Yes" is not seen.
-    EXPECT_EQ(provider.screen(),
-              (Screen{centred(u"Reset device?", 20), centred(u"All settings lost", 20),
-                      u"BACK: Canc" + std::u16string(u" ") + u"   OK: Ye", padded(u"", 20)}));
-}
-
-TEST(UserDialogTest, OddWidthFitsTheConfirmHintExactly) {
-    RecordingProvider provider(21, 4);
-    UserDialog dialog(provider, "Reset device?", "All settings lost", "Yes");
-    dialog.setFocus(true);
-    EXPECT_EQ(provider.screen(),
-              (Screen{centred(u"Reset device?", 21), centred(u"All settings lost", 21),
-                      u"BACK: Canc    OK: Yes", padded(u"", 21)}));
+// On an even width the confirm hint is cut at the right edge: cancel hint in 0-9 (cut),
+// column 10 blank, confirm hint in 11-20, whose last cell is past the panel, so the "s" of
+// "Yes" is not seen. An odd width fits it exactly.
+TEST(UserDialogTest, ConfirmHintFitsOnlyAnOddWidth) {
+    std::pair<unsigned, std::u16string> const widths[] = {
+        {20, u"BACK: Canc" + std::u16string(u" ") + u"   OK: Ye"},
+        {21, u"BACK: Canc    OK: Yes"},
+    };
+    for (auto const& [width, hints] : widths) {
+        RecordingProvider provider(width, 4);
+        UserDialog dialog(provider, "Reset device?", "All settings lost", "Yes");
+        dialog.setFocus(true);
+        EXPECT_EQ(provider.screen(),
+                  (Screen{centred(u"Reset device?", width), centred(u"All settings lost", width),
+                          hints, padded(u"", width)}))
+            << width << " columns";
+    }
 }
 
 TEST(UserDialogTest, NoLabelCoversTheColumnBetweenTheHints) {

@@ -75,58 +75,39 @@ TEST(IpV4AddressTest, HugeIndexThrowsOutOfRange) {
     EXPECT_THROW(static_cast<void>(address[0xFFFFFFFFu]), std::out_of_range);
 }
 
-TEST(IpV4AddressTest, PreIncrementCarriesIntoNextField) {
-    IpV4Address address(10, 0, 0, 255);
-    ++address;
-    EXPECT_EQ(address, IpV4Address(10, 0, 1, 0));
+// One step up or down from `before` gives `after`: carries and borrows run across the fields,
+// and the ends wrap around.
+struct StepCase {
+    char const* name;
+    IpV4Address before;
+    bool up;
+    IpV4Address after;
+};
+
+TEST(IpV4AddressTest, PreIncrementAndDecrementCarryBorrowAndWrap) {
+    StepCase const cases[] = {
+        {"carry into the next field", IpV4Address(10, 0, 0, 255), true, IpV4Address(10, 0, 1, 0)},
+        {"carry across several fields", IpV4Address(10, 255, 255, 255), true,
+         IpV4Address(11, 0, 0, 0)},
+        {"borrow from the next field", IpV4Address(10, 0, 1, 0), false, IpV4Address(10, 0, 0, 255)},
+        {"greatest wraps to zero", IpV4Address(255, 255, 255, 255), true, IpV4Address(0, 0, 0, 0)},
+        {"zero wraps to greatest", IpV4Address(0, 0, 0, 0), false, IpV4Address(255, 255, 255, 255)},
+        {"increment returns itself", IpV4Address(1, 2, 3, 4), true, IpV4Address(1, 2, 3, 5)},
+        {"decrement returns itself", IpV4Address(1, 2, 3, 4), false, IpV4Address(1, 2, 3, 3)},
+    };
+    for (StepCase const& step : cases) {
+        SCOPED_TRACE(step.name);
+        IpV4Address address = step.before;
+        IpV4Address& result = step.up ? ++address : --address;
+        EXPECT_EQ(&result, &address);
+        EXPECT_EQ(address, step.after);
+    }
 }
 
-TEST(IpV4AddressTest, PreIncrementCarriesAcrossSeveralFields) {
-    IpV4Address address(10, 255, 255, 255);
-    ++address;
-    EXPECT_EQ(address, IpV4Address(11, 0, 0, 0));
-}
-
-TEST(IpV4AddressTest, PreDecrementBorrowsFromNextField) {
-    IpV4Address address(10, 0, 1, 0);
-    --address;
-    EXPECT_EQ(address, IpV4Address(10, 0, 0, 255));
-}
-
-TEST(IpV4AddressTest, PreIncrementWrapsGreatestAddressToZero) {
-    IpV4Address address(255, 255, 255, 255);
-    ++address;
-    EXPECT_EQ(address, IpV4Address(0, 0, 0, 0));
-}
-
-TEST(IpV4AddressTest, PreDecrementWrapsZeroToGreatestAddress) {
-    IpV4Address address(0, 0, 0, 0);
-    --address;
-    EXPECT_EQ(address, IpV4Address(255, 255, 255, 255));
-}
-
-TEST(IpV4AddressTest, PreIncrementReturnsTheAddressItself) {
-    IpV4Address address(1, 2, 3, 4);
-    IpV4Address& result = ++address;
-    EXPECT_EQ(&result, &address);
-    EXPECT_EQ(result, IpV4Address(1, 2, 3, 5));
-}
-
-TEST(IpV4AddressTest, PreDecrementReturnsTheAddressItself) {
-    IpV4Address address(1, 2, 3, 4);
-    IpV4Address& result = --address;
-    EXPECT_EQ(&result, &address);
-    EXPECT_EQ(result, IpV4Address(1, 2, 3, 3));
-}
-
-TEST(IpV4AddressTest, PostIncrementReturnsOldValueAndWraps) {
+TEST(IpV4AddressTest, PostIncrementAndDecrementReturnOldValueAndWrap) {
     IpV4Address address(255, 255, 255, 255);
     EXPECT_EQ(address++, IpV4Address(255, 255, 255, 255));
     EXPECT_EQ(address, IpV4Address(0, 0, 0, 0));
-}
-
-TEST(IpV4AddressTest, PostDecrementReturnsOldValueAndWraps) {
-    IpV4Address address(0, 0, 0, 0);
     EXPECT_EQ(address--, IpV4Address(0, 0, 0, 0));
     EXPECT_EQ(address, IpV4Address(255, 255, 255, 255));
 }

@@ -16,17 +16,8 @@
 
 namespace {
 
-using yxfp_test::Key;
-using yxfrontpanel::CallbackValue;
-using yxfrontpanel::IForm;
-using yxfrontpanel::IMenuTree;
-using yxfrontpanel::InlineEditorMenuItem;
-using yxfrontpanel::IpAddressEditorMenuItem;
-using yxfrontpanel::IpMaskEditor;
-using yxfrontpanel::RadioMenuItem;
-using yxfrontpanel::RadioTreeMenuItem;
-using yxfrontpanel::TreeMenuItem;
-using yxfrontpanel::ValueEditorMenuItem;
+using namespace yxfp_test;
+using namespace yxfrontpanel;
 namespace itemconnector = yxfrontpanel::itemconnector;
 
 // A menu holding every kind of editing item, connected as an application connects them:

@@ -14,12 +14,8 @@
 namespace {
 
 using namespace std::chrono_literals;
-using yxfp_test::HintWatch;
-using yxfp_test::Key;
-using yxfp_test::press;
-using yxfp_test::Screen;
-using yxfp_test::TestMenu;
-using yxfrontpanel::InlineEditorMenuItem;
+using namespace yxfp_test;
+using namespace yxfrontpanel;
 
 // A 21x4 root menu with the inline item "Mode" on the first line and a plain "Other" below, on
 // screen and in local mode unless told otherwise. Every key the item reports is recorded.
@@ -47,6 +43,11 @@ struct InlineMenu : TestMenu {
     std::vector<int> reported;
 };
 
+// The same menu with the values (2, B), (0, A), (5, C) added.
+struct ValuedMenu : InlineMenu {
+    explicit ValuedMenu(bool local = true) : InlineMenu(local) { addValues(); }
+};
+
 TEST(InlineEditorMenuItemTest, NewItemShowsItsNameUntilTheFirstValue) {
     InlineMenu menu;
     EXPECT_EQ(menu.mode->getOwnText(), u"Mode");
@@ -69,8 +70,7 @@ TEST(InlineEditorMenuItemTest, TheFirstValueAddedIsShownAtOnce) {
 }
 
 TEST(InlineEditorMenuItemTest, ActionKeyStepsInKeyOrderAndWrapsAround) {
-    InlineMenu menu;
-    menu.addValues();
+    ValuedMenu menu;
     EXPECT_FALSE(press(*menu.tree, Key::Enter));
     EXPECT_EQ(menu.provider.screen(), menu.screen(u"Mode: C"));
     EXPECT_FALSE(press(*menu.tree, Key::Enter));
@@ -86,8 +86,7 @@ TEST(InlineEditorMenuItemTest, ActionKeyStepsInKeyOrderAndWrapsAround) {
 }
 
 TEST(InlineEditorMenuItemTest, TheLineIsRedrawnBeforeTheKeyIsReported) {
-    InlineMenu menu;
-    menu.addValues();
+    ValuedMenu menu;
     std::vector<std::u16string> lineWhenReported;
     menu.mode->valueCallback = [&](int) { lineWhenReported.push_back(menu.provider.line(0)); };
     press(*menu.tree, Key::Enter);
@@ -95,8 +94,7 @@ TEST(InlineEditorMenuItemTest, TheLineIsRedrawnBeforeTheKeyIsReported) {
 }
 
 TEST(InlineEditorMenuItemTest, AddingAKeyAgainChangesNeitherTextNorCurrentValue) {
-    InlineMenu menu;
-    menu.addValues();
+    ValuedMenu menu;
     menu.provider.reset();
     menu.mode->addValue(2, u"Other B");
     menu.mode->addValue(0, u"Other A");
@@ -108,8 +106,7 @@ TEST(InlineEditorMenuItemTest, AddingAKeyAgainChangesNeitherTextNorCurrentValue)
 }
 
 TEST(InlineEditorMenuItemTest, SetValueShowsTheValueWithoutReporting) {
-    InlineMenu menu;
-    menu.addValues();
+    ValuedMenu menu;
     menu.provider.reset();
     menu.mode->setValue(5);
     EXPECT_EQ(menu.provider.screen(), menu.screen(u"Mode: C"));
@@ -121,8 +118,7 @@ TEST(InlineEditorMenuItemTest, SetValueShowsTheValueWithoutReporting) {
 }
 
 TEST(InlineEditorMenuItemTest, SetValueWithAnUnknownKeyKeepsTheLine) {
-    InlineMenu menu;
-    menu.addValues();
+    ValuedMenu menu;
     menu.mode->setValue(5);
     menu.provider.reset();
     menu.mode->setValue(1);
@@ -133,8 +129,7 @@ TEST(InlineEditorMenuItemTest, SetValueWithAnUnknownKeyKeepsTheLine) {
 }
 
 TEST(InlineEditorMenuItemTest, SteppingFromAnUnknownKeyGoesToTheFirstValue) {
-    InlineMenu menu;
-    menu.addValues();
+    ValuedMenu menu;
     menu.mode->setValue(3);
     press(*menu.tree, Key::Enter);
     EXPECT_EQ(menu.provider.screen(), menu.screen(u"Mode: A"));
@@ -142,8 +137,7 @@ TEST(InlineEditorMenuItemTest, SteppingFromAnUnknownKeyGoesToTheFirstValue) {
 }
 
 TEST(InlineEditorMenuItemTest, UnknownKeyAndAvailabilityChangeLeaveAnEmptyLine) {
-    InlineMenu menu;
-    menu.addValues();
+    ValuedMenu menu;
     menu.mode->setValue(3);
     // The availability change empties the line, and an unknown key rebuilds nothing.
     menu.mode->setAvailable(false);
@@ -156,8 +150,7 @@ TEST(InlineEditorMenuItemTest, UnknownKeyAndAvailabilityChangeLeaveAnEmptyLine) 
 }
 
 TEST(InlineEditorMenuItemTest, UnavailableItemShowsTheNotAvailableText) {
-    InlineMenu menu;
-    menu.addValues();
+    ValuedMenu menu;
     menu.mode->setAvailable(false);
     EXPECT_EQ(menu.provider.screen(), menu.screen(u"Mode: (N/A)"));
     menu.mode->setNotAvailableText(u"--");
@@ -167,8 +160,7 @@ TEST(InlineEditorMenuItemTest, UnavailableItemShowsTheNotAvailableText) {
 }
 
 TEST(InlineEditorMenuItemTest, UnavailableItemIgnoresTheActionKeyInLocalMode) {
-    InlineMenu menu;
-    menu.addValues();
+    ValuedMenu menu;
     menu.mode->setAvailable(false);
     menu.provider.reset();
     HintWatch hints(menu.provider);
@@ -181,8 +173,7 @@ TEST(InlineEditorMenuItemTest, UnavailableItemIgnoresTheActionKeyInLocalMode) {
 }
 
 TEST(InlineEditorMenuItemTest, UnavailableItemOutsideLocalModeStillShowsTheHint) {
-    InlineMenu menu(false);
-    menu.addValues();
+    ValuedMenu menu(false);
     menu.mode->setAvailable(false);
     HintWatch hints(menu.provider);
     press(*menu.tree, Key::Enter);
@@ -201,8 +192,7 @@ TEST(InlineEditorMenuItemTest, SingleValueIsKeptAndReportedOnEveryPress) {
 }
 
 TEST(InlineEditorMenuItemTest, OutsideLocalModeTheActionKeyShowsAHintForOneSecond) {
-    InlineMenu menu(false);
-    menu.addValues();
+    ValuedMenu menu(false);
     menu.provider.reset();
     HintWatch hints(menu.provider);
     EXPECT_FALSE(press(*menu.tree, Key::Enter));
@@ -264,8 +254,7 @@ TEST(InlineEditorMenuItemTest, UnavailableBeforeAnyValueShowsThePlainItemLine) {
 }
 
 TEST(InlineEditorMenuItemTest, ClearValuesEmptiesTheListAndLeavesTheLine) {
-    InlineMenu menu;
-    menu.addValues();
+    ValuedMenu menu;
     menu.provider.reset();
     menu.mode->clearValues();
     EXPECT_EQ(menu.mode->getValueCount(), 0U);
@@ -274,8 +263,7 @@ TEST(InlineEditorMenuItemTest, ClearValuesEmptiesTheListAndLeavesTheLine) {
 }
 
 TEST(InlineEditorMenuItemTest, SteppingAfterClearValuesDoesNothing) {
-    InlineMenu menu;
-    menu.addValues();
+    ValuedMenu menu;
     menu.mode->clearValues();
     menu.provider.reset();
     EXPECT_FALSE(press(*menu.tree, Key::Enter));
@@ -288,16 +276,14 @@ TEST(InlineEditorMenuItemTest, SteppingAfterClearValuesDoesNothing) {
 }
 
 TEST(InlineEditorMenuItemTest, RebuildingAfterClearValuesShowsTheName) {
-    InlineMenu menu;
-    menu.addValues();
+    ValuedMenu menu;
     menu.mode->clearValues();
     menu.mode->createMenuText();
     EXPECT_EQ(menu.provider.screen(), menu.screen(u"Mode"));
 }
 
 TEST(InlineEditorMenuItemTest, FirstValueAfterClearValuesBecomesCurrent) {
-    InlineMenu menu;
-    menu.addValues();
+    ValuedMenu menu;
     press(*menu.tree, Key::Enter);
     menu.mode->clearValues();
     menu.mode->addValue(9, u"Z");
@@ -309,8 +295,7 @@ TEST(InlineEditorMenuItemTest, FirstValueAfterClearValuesBecomesCurrent) {
 }
 
 TEST(InlineEditorMenuItemTest, RebuildingRedrawsWhileShownEvenWithTheSameText) {
-    InlineMenu menu;
-    menu.addValues();
+    ValuedMenu menu;
     menu.provider.reset();
     menu.mode->createMenuText();
     menu.mode->setValue(2);
@@ -331,8 +316,7 @@ TEST(InlineEditorMenuItemTest, NothingIsDrawnWhileTheMenuIsNotShown) {
 }
 
 TEST(InlineEditorMenuItemTest, ArrowKeysDoNothing) {
-    InlineMenu menu;
-    menu.addValues();
+    ValuedMenu menu;
     menu.provider.reset();
     EXPECT_FALSE(press(*menu.tree, Key::Left));
     EXPECT_FALSE(press(*menu.tree, Key::Right));
@@ -344,15 +328,13 @@ TEST(InlineEditorMenuItemTest, ArrowKeysDoNothing) {
 }
 
 TEST(InlineEditorMenuItemTest, BackKeyOnTheMenuLeavesTheItemAlone) {
-    InlineMenu menu;
-    menu.addValues();
+    ValuedMenu menu;
     EXPECT_TRUE(press(*menu.tree, Key::Back));
     EXPECT_EQ(menu.provider.screen(), menu.screen(u"Mode: B"));
 }
 
 TEST(InlineEditorMenuItemTest, HiddenAndShownAgainKeepsTheValue) {
-    InlineMenu menu;
-    menu.addValues();
+    ValuedMenu menu;
     press(*menu.tree, Key::Enter);
     menu.mode->setVisible(false);
     EXPECT_EQ(menu.provider.screen(),
@@ -362,8 +344,7 @@ TEST(InlineEditorMenuItemTest, HiddenAndShownAgainKeepsTheValue) {
 }
 
 TEST(InlineEditorMenuItemTest, ConnectorPushesKeysIntoTheItem) {
-    InlineMenu menu;
-    menu.addValues();
+    ValuedMenu menu;
     std::function<void(int)> const push = yxfrontpanel::itemconnector::inlineEditor(*menu.mode);
     push(0);
     EXPECT_EQ(menu.provider.screen(), menu.screen(u"Mode: A"));

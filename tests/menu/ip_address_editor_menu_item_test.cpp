@@ -15,13 +15,8 @@
 
 namespace {
 
-using yxfp_test::caretLine;
-using yxfp_test::centred;
-using yxfp_test::Key;
-using yxfp_test::press;
-using yxfp_test::Screen;
-using yxfp_test::TestMenu;
-using yxfrontpanel::IpAddressEditorMenuItem;
+using namespace yxfp_test;
+using namespace yxfrontpanel;
 
 constexpr unsigned kChars = 21;
 // The 15 columns of the address start at column 3 of the 21: the first octet's digits are at

@@ -14,11 +14,8 @@
 
 namespace {
 
-using yxfp_test::Key;
-using yxfp_test::press;
-using yxfp_test::TestMenu;
-using yxfrontpanel::IpMaskEditor;
-using yxfrontpanel::RadioMenuItem;
+using namespace yxfp_test;
+using namespace yxfrontpanel;
 
 using Masks = std::vector<std::pair<int, std::u16string>>;
 

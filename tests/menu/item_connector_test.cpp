@@ -13,12 +13,14 @@
 #include <utility>
 #include <vector>
 
+#include "counting_value_item.h"
 #include "item_screens.h"
 #include "menu_keys.h"
 #include "test_menu.h"
 
 namespace {
 
+using yxfp_test::CountingValueItem;
 using yxfp_test::Key;
 using yxfp_test::press;
 using yxfrontpanel::CallbackValue;
@@ -288,20 +290,6 @@ TEST(CallbackValueTest, ChangedCbReplacesAnEarlierTarget) {
 
 // --- publications from several threads ---
 
-// A number item that counts the values published into it; safe to count from any thread.
-class CountingValueItem : public ValueEditorMenuItem {
-public:
-    explicit CountingValueItem(yxfrontpanel::IDrawingProvider const& provider)
-        : ValueEditorMenuItem(provider, u"Level", 0.0, 10000.0) {}
-
-    void setValue(double value) override {
-        ++published;
-        ValueEditorMenuItem::setValue(value);
-    }
-
-    std::atomic<int> published{0};
-};
-
 // How the editor shows a whole number in the range 0 to 10000: five digits, zero-padded.
 std::u16string levelText(double value) {
     std::ostringstream text;
@@ -316,7 +304,7 @@ TEST(CallbackValueTest, PublicationsFromFourThreadsAllReachTheItem) {
     // The item sits in the closed sub-menu "Output" of a root menu that is on screen.
     yxfp_test::TestMenu menu(21, 4);
     auto const output = std::make_shared<yxfrontpanel::TreeMenuItem>(menu.provider, u"Output");
-    auto const level = std::make_shared<CountingValueItem>(menu.provider);
+    auto const level = std::make_shared<CountingValueItem>(menu.provider, u"Level");
     output->addItem(level);
     menu.tree->addItem(output);
     menu.tree->setFocus(true);
@@ -328,14 +316,20 @@ TEST(CallbackValueTest, PublicationsFromFourThreadsAllReachTheItem) {
     FunctionSide side;
     itemconnector::valueEditor(value, minValue, maxValue, side.onApply, *level, side.setVisible,
                                side.setEditorMode);
-    ASSERT_EQ(level->published.load(), 1);
+    ASSERT_EQ(level->values.load(), 1);
     std::size_t const draws = menu.provider.drawCount();
 
     std::atomic<int> running{kThreads};
+    // The publishers start once the main thread reads, so that its reads meet theirs even
+    // when they would otherwise be done before it got to run.
+    std::atomic<bool> reading{false};
     std::vector<std::thread> publishers;
     publishers.reserve(kThreads);
     for (int t = 0; t < kThreads; ++t) {
-        publishers.emplace_back([&value, &running, t] {
+        publishers.emplace_back([&value, &running, &reading, t] {
+            while (!reading.load()) {
+                std::this_thread::yield();
+            }
             for (int i = 0; i < kPerThread; ++i) {
                 value.set(static_cast<double>(t * 1000 + i));
             }
@@ -343,21 +337,19 @@ TEST(CallbackValueTest, PublicationsFromFourThreadsAllReachTheItem) {
         });
     }
     // Meanwhile the main thread reads: every value seen is one that was published.
-    int reads = 0;
     bool allValid = true;
-    while (running.load() > 0) {
+    do {
         double const seen = value.get();
         int const whole = static_cast<int>(seen);
         allValid = allValid && seen == whole && whole % 1000 < kPerThread && whole < 4000;
-        ++reads;
-    }
+        reading = true;
+    } while (running.load() > 0);
     for (auto& publisher : publishers) {
         publisher.join();
     }
     EXPECT_TRUE(allValid);
-    EXPECT_GT(reads, 0);
 
-    EXPECT_EQ(level->published.load(), 1 + kThreads * kPerThread);
+    EXPECT_EQ(level->values.load(), 1 + kThreads * kPerThread);
     double const last = value.get();
     EXPECT_EQ(level->getEditor().getValue(), last);
     EXPECT_EQ(level->getEditor().getEditValue(), last);

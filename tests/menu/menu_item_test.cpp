@@ -102,25 +102,46 @@ TEST(MenuItemTest, UnavailableItemReadsNameBlankAndNotAvailableText) {
     EXPECT_EQ(item.getMenuText().getString(), u"Speed (N/A) ");
 }
 
-TEST(MenuItemTest, AvailableAgainShowsTheBareName) {
-    TestItem item(u"Speed");
-    item.setAvailable(false);
-    item.setAvailable(true);
-    EXPECT_EQ(item.getOwnText(), u"Speed");
-}
-
-TEST(MenuItemTest, SetAvailableDropsAMenuTextOfItsOwn) {
-    TestItem item(u"Speed");
-    item.updateOwnText(u"Speed: 5");
-    item.setAvailable(true);
-    EXPECT_EQ(item.getOwnText(), u"Speed");
-}
-
-TEST(MenuItemTest, CreateMenuTextKeepsANonEmptyMenuTextWhileAvailable) {
-    TestItem item(u"Speed");
-    item.updateOwnText(u"Speed: 5");
-    item.createMenuText();
-    EXPECT_EQ(item.getOwnText(), u"Speed: 5");
+// The own text of an item "Speed" after the steps of each case.
+TEST(MenuItemTest, OwnTextFollowsAvailabilityVisibilityAndUpdates) {
+    struct Case {
+        char const* steps;
+        std::function<void(TestItem&)> apply;
+        std::u16string ownText;
+    };
+    Case const cases[] = {
+        {"available again: the bare name",
+         [](TestItem& item) {
+             item.setAvailable(false);
+             item.setAvailable(true);
+         },
+         u"Speed"},
+        {"setAvailable drops a text of its own",
+         [](TestItem& item) {
+             item.updateOwnText(u"Speed: 5");
+             item.setAvailable(true);
+         },
+         u"Speed"},
+        {"createMenuText keeps a non-empty text while available",
+         [](TestItem& item) {
+             item.updateOwnText(u"Speed: 5");
+             item.createMenuText();
+         },
+         u"Speed: 5"},
+        {"a not-available text while available keeps the name",
+         [](TestItem& item) { item.setNotAvailableText(u"--"); }, u"Speed"},
+        {"setVisible rebuilds the text",
+         [](TestItem& item) {
+             item.setOwnText(u"");
+             item.setVisible(true);
+         },
+         u"Speed"},
+    };
+    for (Case const& step : cases) {
+        TestItem item(u"Speed");
+        step.apply(item);
+        EXPECT_EQ(item.getOwnText(), step.ownText) << step.steps;
+    }
 }
 
 TEST(MenuItemTest, SetNotAvailableTextRebuildsTheLine) {
@@ -129,12 +150,6 @@ TEST(MenuItemTest, SetNotAvailableTextRebuildsTheLine) {
     item.setNotAvailableText(u"--");
     EXPECT_EQ(item.getNotAvailableText(), u"--");
     EXPECT_EQ(item.getOwnText(), u"Speed --");
-}
-
-TEST(MenuItemTest, SetNotAvailableTextWhileAvailableKeepsTheName) {
-    TestItem item(u"Speed");
-    item.setNotAvailableText(u"--");
-    EXPECT_EQ(item.getOwnText(), u"Speed");
 }
 
 TEST(MenuItemTest, SetAvailableRedrawsTheMenuWhileShown) {
@@ -155,15 +170,19 @@ TEST(MenuItemTest, SetAvailableDoesNotDrawWhileNotShown) {
     EXPECT_EQ(menu.provider.line(0), menuLine(u"Speed (N/A)"));
 }
 
-TEST(MenuItemTest, CreateMenuTextWithUnchangedTextDoesNotRedraw) {
+// Rebuilding an unchanged menu text and storing an own text draw nothing.
+TEST(MenuItemTest, CreateMenuTextWithUnchangedTextAndSetOwnTextDoNotRedraw) {
     auto item = std::make_shared<TestItem>(u"Speed");
     ShownMenu menu({item});
     menu.provider.reset();
     item->createMenuText();
     EXPECT_EQ(menu.provider.drawCount(), 0U);
+    item->setOwnText(u"Speed: 3");
+    EXPECT_EQ(item->getOwnText(), u"Speed: 3");
+    EXPECT_EQ(menu.provider.drawCount(), 0U);
 }
 
-TEST(MenuItemTest, UpdateOwnTextRedrawsTheMenuWhileShown) {
+TEST(MenuItemTest, UpdateOwnTextRedrawsTheMenuOnlyWhileShown) {
     auto item = std::make_shared<TestItem>(u"Speed");
     ShownMenu menu({item});
     menu.provider.reset();
@@ -171,23 +190,9 @@ TEST(MenuItemTest, UpdateOwnTextRedrawsTheMenuWhileShown) {
     EXPECT_EQ(item->getOwnText(), u"Speed: 12");
     EXPECT_EQ(menu.provider.drawCount(), 1U);
     EXPECT_EQ(menu.provider.line(0), menuLine(u"Speed: 12"));
-}
-
-TEST(MenuItemTest, UpdateOwnTextDoesNotDrawWhileNotShown) {
-    auto item = std::make_shared<TestItem>(u"Speed");
-    ShownMenu menu({item});
     menu.tree->setFocus(false);
     menu.provider.reset();
-    item->updateOwnText(u"Speed: 12");
-    EXPECT_EQ(menu.provider.drawCount(), 0U);
-}
-
-TEST(MenuItemTest, SetOwnTextStoresWithoutRedraw) {
-    auto item = std::make_shared<TestItem>(u"Speed");
-    ShownMenu menu({item});
-    menu.provider.reset();
-    item->setOwnText(u"Speed: 3");
-    EXPECT_EQ(item->getOwnText(), u"Speed: 3");
+    item->updateOwnText(u"Speed: 13");
     EXPECT_EQ(menu.provider.drawCount(), 0U);
 }
 
@@ -337,13 +342,6 @@ TEST(MenuItemTest, SetVisibleReportsEveryValueAlsoWhenUnchanged) {
     item.setVisible(false);
     EXPECT_EQ(heard, (std::vector<bool>{true, false, false}));
     EXPECT_FALSE(item.getVisible());
-}
-
-TEST(MenuItemTest, SetVisibleRebuildsTheMenuText) {
-    TestItem item(u"Speed");
-    item.setOwnText(u"");
-    item.setVisible(true);
-    EXPECT_EQ(item.getOwnText(), u"Speed");
 }
 
 TEST(MenuItemTest, HidingAFocusedItemClosesItsFormFirst) {

@@ -16,13 +16,8 @@
 
 namespace {
 
-using yxfp_test::Key;
-using yxfp_test::TestItem;
-using yxfrontpanel::IForm;
-using yxfrontpanel::IMenuTree;
-using yxfrontpanel::MenuItem;
-using yxfrontpanel::MenuTree;
-using yxfrontpanel::TreeMenuItem;
+using namespace yxfp_test;
+using namespace yxfrontpanel;
 
 // A three-level menu with hidden and unavailable entries on every level:
 //   root:     Settings >, Measure [form], Info, Hidden [form, hidden], Locked [form, n/a],

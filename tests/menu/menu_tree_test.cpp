@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "item_screens.h"
 #include "menu_keys.h"
 #include "menu_test_items.h"
 #include "platform_capture.h"
@@ -16,9 +17,9 @@ namespace {
 
 using yxfp_test::Key;
 using yxfp_test::press;
+using yxfp_test::Screen;
 using yxfp_test::TestItem;
 using yxfp_test::TestMenu;
-using Screen = std::vector<std::u16string>;
 
 constexpr char16_t kUp = 0x1E;
 constexpr char16_t kDown = 0x1F;
@@ -34,6 +35,17 @@ struct NumberedMenu : TestMenu {
     }
     static std::u16string name(int i) { return u"Item " + std::u16string(1, char16_t(u'0' + i)); }
     std::vector<std::shared_ptr<TestItem>> items;
+};
+
+// A focused 21x4 menu "Plain", "Editor" (with a form), the cursor on "Editor".
+struct EditorMenu : TestMenu {
+    EditorMenu() : TestMenu(21, 4) {
+        add(u"Plain");
+        editor = addWithForm(u"Editor");
+        tree->setFocus(true);
+        tree->moveDown();
+    }
+    std::shared_ptr<TestItem> editor;
 };
 
 // --- construction and drawing ---
@@ -483,10 +495,7 @@ TEST(MenuTreeTest, UnfocusedTreePassesUpDownLeftRightToTheSelectedItem) {
     press(*menu.tree, {Key::Up, Key::Down, Key::Down});
     EXPECT_TRUE(press(*menu.tree, Key::Left));
     EXPECT_TRUE(press(*menu.tree, Key::Right));
-    EXPECT_EQ(item->ups, 1);
-    EXPECT_EQ(item->downs, 2);
-    EXPECT_EQ(item->lefts, 1);
-    EXPECT_EQ(item->rights, 1);
+    EXPECT_EQ(item->keyCalls(), (std::vector<int>{1, 2, 1, 1}));
     EXPECT_EQ(menu.provider.drawCount(), 0U);
 }
 
@@ -598,11 +607,8 @@ TEST(MenuTreeTest, SetLocalOnAnEmptyTreeStoresTheFlag) {
 }
 
 TEST(MenuTreeTest, EnterOpensTheFormOfTheSelectedItem) {
-    TestMenu menu(21, 4);
-    menu.add(u"Plain");
-    auto item = menu.addWithForm(u"Editor");
-    menu.tree->setFocus(true);
-    menu.tree->moveDown();
+    EditorMenu menu;
+    auto const& item = menu.editor;
     menu.provider.reset();
     EXPECT_TRUE(menu.tree->action());
     EXPECT_FALSE(menu.tree->getFocus());
@@ -621,10 +627,7 @@ TEST(MenuTreeTest, ActiveItemReceivesUpDownLeftRightAndTheCursorStays) {
     menu.tree->action();
     menu.provider.reset();
     press(*menu.tree, {Key::Down, Key::Down, Key::Up, Key::Left, Key::Right});
-    EXPECT_EQ(item->downs, 2);
-    EXPECT_EQ(item->ups, 1);
-    EXPECT_EQ(item->lefts, 1);
-    EXPECT_EQ(item->rights, 1);
+    EXPECT_EQ(item->keyCalls(), (std::vector<int>{1, 2, 1, 1}));
     EXPECT_EQ(menu.menuTree().selectedItem(), item.get());
     EXPECT_EQ(menu.provider.drawCount(), 0U);
 }
@@ -649,11 +652,8 @@ TEST(MenuTreeTest, BackOnAFocusedTreeReturnsTrueWithoutCallingAnyItem) {
 }
 
 TEST(MenuTreeTest, BackClosesTheActiveItemAndRedrawsTheMenu) {
-    TestMenu menu(21, 4);
-    menu.add(u"Plain");
-    auto item = menu.addWithForm(u"Editor");
-    menu.tree->setFocus(true);
-    menu.tree->moveDown();
+    EditorMenu menu;
+    auto const& item = menu.editor;
     menu.tree->action();
     menu.provider.reset();
     EXPECT_TRUE(menu.tree->backToMenu());

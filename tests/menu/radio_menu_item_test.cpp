@@ -15,13 +15,8 @@
 namespace {
 
 using namespace std::chrono_literals;
-using yxfp_test::HintWatch;
-using yxfp_test::Key;
-using yxfp_test::press;
-using yxfp_test::Screen;
-using yxfp_test::TestMenu;
-using yxfrontpanel::RadioMenuItem;
-using yxfrontpanel::RadioTreeMenuItem;
+using namespace yxfp_test;
+using namespace yxfrontpanel;
 
 // A 21x4 root menu holding the group "Range" and a plain "Other"; Range holds the choices
 // High (id 3), Low (id 1) and Mid (id 2), added in that order. The root is on screen, in local

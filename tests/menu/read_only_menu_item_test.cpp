@@ -9,18 +9,15 @@
 #include <vector>
 
 #include "decimal_comma_locale.h"
+#include "item_screens.h"
 #include "menu_keys.h"
 #include "recording_provider.h"
 #include "test_menu.h"
 
 namespace {
 
-using yxfp_test::Key;
-using yxfp_test::padded;
-using yxfp_test::press;
-using yxfp_test::TestMenu;
-using yxfrontpanel::ReadOnlyMenuItem;
-using Screen = std::vector<std::u16string>;
+using namespace yxfp_test;
+using namespace yxfrontpanel;
 
 constexpr char16_t kUp = 0x1E;
 constexpr char16_t kDown = 0x1F;

@@ -2,24 +2,22 @@
 
 #include <gtest/gtest.h>
 
+#include <initializer_list>
 #include <memory>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "item_screens.h"
 #include "menu_keys.h"
 #include "recording_provider.h"
 #include "test_menu.h"
 
 namespace {
 
-using yxfp_test::Key;
-using yxfp_test::padded;
-using yxfp_test::press;
-using yxfp_test::TestMenu;
-using yxfrontpanel::ScrollLabelMenuItem;
+using namespace yxfp_test;
+using namespace yxfrontpanel;
 using yxfrontpanel::drawing::TextAllignment;
-using Screen = std::vector<std::u16string>;
 
 constexpr char16_t kUp = 0x1E;
 constexpr char16_t kDown = 0x1F;
@@ -37,6 +35,13 @@ struct HelpMenu : TestMenu {
     }
 
     Screen menuScreen() const { return {line(u"Help"), line(u"Other"), line(u""), line(u"")}; }
+
+    // Gives the item `text`, left-aligned, and opens it with the enter key, then presses `keys`.
+    void open(std::u16string const& text, std::initializer_list<Key> keys = {}) {
+        item->setText(text, TextAllignment::Left);
+        press(*tree, Key::Enter);
+        press(*tree, keys);
+    }
 
     // A left-aligned text line of the 19 text columns plus the indicator cell.
     static std::u16string row(std::u16string const& text, char16_t indicator = u' ') {
@@ -91,8 +96,7 @@ TEST(ScrollLabelMenuItemTest, UnavailableItemWithTextStillOpens) {
 
 TEST(ScrollLabelMenuItemTest, EnterInTheOpenTextRedrawsIt) {
     HelpMenu menu;
-    menu.item->setText(kSixLines, TextAllignment::Left);
-    press(*menu.tree, Key::Enter);
+    menu.open(kSixLines);
     std::size_t const draws = menu.provider.drawCount();
     EXPECT_TRUE(press(*menu.tree, Key::Enter));
     EXPECT_EQ(menu.provider.drawCount(), draws + 1);
@@ -101,8 +105,7 @@ TEST(ScrollLabelMenuItemTest, EnterInTheOpenTextRedrawsIt) {
 
 TEST(ScrollLabelMenuItemTest, TheMenuIsNotToldOnTheWayInSoItsItemsStayShown) {
     HelpMenu menu;
-    menu.item->setText(u"text", TextAllignment::Left);
-    press(*menu.tree, Key::Enter);
+    menu.open(u"text");
     // The tree learnt of the change from enter's answer only; it never took the shown flags.
     EXPECT_TRUE(menu.item->getShown());
     EXPECT_TRUE(menu.other->getShown());
@@ -110,8 +113,7 @@ TEST(ScrollLabelMenuItemTest, TheMenuIsNotToldOnTheWayInSoItsItemsStayShown) {
 
 TEST(ScrollLabelMenuItemTest, MenuChangeWhileTheTextIsOpenIsDrawnOverItUntilTheNextScroll) {
     HelpMenu menu;
-    menu.item->setText(kSixLines, TextAllignment::Left);
-    press(*menu.tree, Key::Enter);
+    menu.open(kSixLines);
     menu.other->setAvailable(false);
     EXPECT_EQ(menu.provider.screen(), (Screen{menu.line(u"Help"), menu.line(u"Other (N/A)"),
                                               menu.line(u""), menu.line(u"")}));
@@ -124,8 +126,7 @@ TEST(ScrollLabelMenuItemTest, MenuChangeWhileTheTextIsOpenIsDrawnOverItUntilTheN
 
 TEST(ScrollLabelMenuItemTest, UpAndDownScrollTheText) {
     HelpMenu menu;
-    menu.item->setText(kSixLines, TextAllignment::Left);
-    press(*menu.tree, {Key::Enter, Key::Down, Key::Down});
+    menu.open(kSixLines, {Key::Down, Key::Down});
     EXPECT_EQ(menu.provider.screen(), (Screen{HelpMenu::row(u"three", kUp), HelpMenu::row(u"four"),
                                               HelpMenu::row(u"five"), HelpMenu::row(u"six")}));
     std::size_t const draws = menu.provider.drawCount();
@@ -141,8 +142,7 @@ TEST(ScrollLabelMenuItemTest, UpAndDownScrollTheText) {
 
 TEST(ScrollLabelMenuItemTest, LeftRightAndLocalModeAreIgnored) {
     HelpMenu menu;
-    menu.item->setText(kSixLines, TextAllignment::Left);
-    press(*menu.tree, Key::Enter);
+    menu.open(kSixLines);
     std::size_t const draws = menu.provider.drawCount();
     EXPECT_FALSE(press(*menu.tree, Key::Left));
     EXPECT_FALSE(press(*menu.tree, Key::Right));
@@ -154,8 +154,7 @@ TEST(ScrollLabelMenuItemTest, LeftRightAndLocalModeAreIgnored) {
 
 TEST(ScrollLabelMenuItemTest, BackClosesTheTextAndTheMenuRedraws) {
     HelpMenu menu;
-    menu.item->setText(kSixLines, TextAllignment::Left);
-    press(*menu.tree, Key::Enter);
+    menu.open(kSixLines);
     std::size_t const draws = menu.provider.drawCount();
     EXPECT_TRUE(press(*menu.tree, Key::Back));
     EXPECT_EQ(menu.provider.drawCount(), draws + 1);
@@ -168,15 +167,13 @@ TEST(ScrollLabelMenuItemTest, BackClosesTheTextAndTheMenuRedraws) {
 
 TEST(ScrollLabelMenuItemTest, ReopeningKeepsTheScrollPosition) {
     HelpMenu menu;
-    menu.item->setText(kSixLines, TextAllignment::Left);
-    press(*menu.tree, {Key::Enter, Key::Down, Key::Back, Key::Enter});
+    menu.open(kSixLines, {Key::Down, Key::Back, Key::Enter});
     EXPECT_EQ(menu.provider.line(0), HelpMenu::row(u"two", kUp));
 }
 
 TEST(ScrollLabelMenuItemTest, HidingTheOpenItemClosesTheText) {
     HelpMenu menu;
-    menu.item->setText(kSixLines, TextAllignment::Left);
-    press(*menu.tree, Key::Enter);
+    menu.open(kSixLines);
     menu.item->setVisible(false);
     EXPECT_FALSE(menu.item->getLabel().getFocus());
     EXPECT_TRUE(menu.tree->getFocus());
@@ -188,8 +185,7 @@ TEST(ScrollLabelMenuItemTest, HidingTheOpenItemClosesTheText) {
 
 TEST(ScrollLabelMenuItemTest, NewTextWhileOpenIsDrawnAtOnce) {
     HelpMenu menu;
-    menu.item->setText(kSixLines, TextAllignment::Left);
-    press(*menu.tree, Key::Enter);
+    menu.open(kSixLines);
     std::size_t const draws = menu.provider.drawCount();
     menu.item->setText(u"short", TextAllignment::Right);
     EXPECT_EQ(menu.provider.drawCount(), draws + 1);
@@ -199,8 +195,7 @@ TEST(ScrollLabelMenuItemTest, NewTextWhileOpenIsDrawnAtOnce) {
 
 TEST(ScrollLabelMenuItemTest, LongTextIsWrappedToTheWidthLessTheIndicator) {
     HelpMenu menu;
-    menu.item->setText(u"Press enter to start the self test of the unit", TextAllignment::Left);
-    press(*menu.tree, Key::Enter);
+    menu.open(u"Press enter to start the self test of the unit");
     EXPECT_EQ(menu.provider.screen(),
               (Screen{HelpMenu::row(u"Press enter to"), HelpMenu::row(u"start the self test"),
                       HelpMenu::row(u"of the unit"), HelpMenu::row(u"")}));
@@ -208,8 +203,7 @@ TEST(ScrollLabelMenuItemTest, LongTextIsWrappedToTheWidthLessTheIndicator) {
 
 TEST(ScrollLabelMenuItemTest, ShorterTextWhileScrolledMakesTheNextOpeningThrow) {
     HelpMenu menu;
-    menu.item->setText(kSixLines, TextAllignment::Left);
-    press(*menu.tree, {Key::Enter, Key::Down, Key::Down, Key::Back});
+    menu.open(kSixLines, {Key::Down, Key::Down, Key::Back});
     menu.item->setText(u"a", TextAllignment::Left);  // closed: nothing is drawn yet
     std::size_t const draws = menu.provider.drawCount();
     EXPECT_THROW(press(*menu.tree, Key::Enter), std::out_of_range);

@@ -17,22 +17,8 @@
 namespace {
 
 using namespace std::chrono_literals;
-using yxfp_test::caretLine;
-using yxfp_test::centred;
-using yxfp_test::HintWatch;
-using yxfp_test::Key;
-using yxfp_test::padded;
-using yxfp_test::press;
-using yxfp_test::RecordingProvider;
-using yxfp_test::Screen;
-using yxfrontpanel::CallbackValue;
-using yxfrontpanel::InlineEditorMenuItem;
-using yxfrontpanel::IpAddressEditorMenuItem;
-using yxfrontpanel::IpMaskEditor;
-using yxfrontpanel::RadioMenuItem;
-using yxfrontpanel::RadioTreeMenuItem;
-using yxfrontpanel::TreeMenuItem;
-using yxfrontpanel::ValueEditorMenuItem;
+using namespace yxfp_test;
+using namespace yxfrontpanel;
 namespace itemconnector = yxfrontpanel::itemconnector;
 
 constexpr unsigned kChars = 21;

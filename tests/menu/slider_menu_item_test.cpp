@@ -8,21 +8,15 @@
 #include <vector>
 
 #include "bar_cells.h"
+#include "item_screens.h"
 #include "menu_keys.h"
 #include "recording_provider.h"
 #include "test_menu.h"
 
 namespace {
 
-using yxfp_test::barCells;
-using yxfp_test::Key;
-using yxfp_test::kNoArrow;
-using yxfp_test::padded;
-using yxfp_test::press;
-using yxfp_test::scaleRow;
-using yxfp_test::TestMenu;
-using yxfrontpanel::SliderMenuItem;
-using Screen = std::vector<std::u16string>;
+using namespace yxfp_test;
+using namespace yxfrontpanel;
 
 // A 20x4 root menu "Volume" (slider from 0, ten cells, captions five wide), "Other"; the
 // slider's commits are recorded.
@@ -51,14 +45,10 @@ struct SliderMenu : TestMenu {
 
 // --- opening and closing ---
 
-TEST(SliderMenuItemTest, MenuLineShowsTheName) {
+TEST(SliderMenuItemTest, MenuLineShowsTheNameAndEnterOpensTheSliderFullScreen) {
     SliderMenu menu;
     EXPECT_EQ(menu.provider.screen(), menu.menuScreen());
     EXPECT_EQ(menu.provider.inversion(0), menu.selectedMask());
-}
-
-TEST(SliderMenuItemTest, EnterOpensTheSliderFullScreen) {
-    SliderMenu menu;
     EXPECT_TRUE(press(*menu.tree, Key::Enter));
     EXPECT_TRUE(menu.item->getSlider().getFocus());
     EXPECT_TRUE(menu.tree->itemHasFocus());

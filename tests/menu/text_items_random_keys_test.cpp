@@ -19,14 +19,8 @@
 namespace {
 
 using std::chrono::milliseconds;
-using yxfp_test::Key;
-using yxfrontpanel::IForm;
-using yxfrontpanel::MenuItem;
-using yxfrontpanel::ReadOnlyMenuItem;
-using yxfrontpanel::ScrollLabelMenuItem;
-using yxfrontpanel::SliderMenuItem;
-using yxfrontpanel::TreeMenuItem;
-using yxfrontpanel::TriggerMenuItem;
+using namespace yxfp_test;
+using namespace yxfrontpanel;
 using yxfrontpanel::drawing::TextAllignment;
 
 std::u16string const kHelpText =

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "item_screens.h"
 #include "menu_keys.h"
 #include "menu_test_items.h"
 #include "platform_capture.h"
@@ -14,14 +15,8 @@
 
 namespace {
 
-using yxfp_test::Key;
-using yxfp_test::press;
-using yxfp_test::TestItem;
-using yxfp_test::TestMenu;
-using yxfrontpanel::IMenuTree;
-using yxfrontpanel::MenuTree;
-using yxfrontpanel::TreeMenuItem;
-using Screen = std::vector<std::u16string>;
+using namespace yxfp_test;
+using namespace yxfrontpanel;
 
 // A 21x4 root menu "Settings" (sub-menu), "Plain"; Settings holds "Network" (sub-menu) and
 // "Display" (form); Network holds "Address" (form) and "Mask" (no form).
@@ -102,12 +97,6 @@ TEST(TreeMenuItemTest, FactoryWithoutTreeIsRefusedWithInvalidArgument) {
     EXPECT_THROW(TreeMenuItem(provider, u"Settings", EmptyFactory()), std::invalid_argument);
 }
 
-TEST(TreeMenuItemTest, ItsLineInTheParentShowsTheName) {
-    ThreeLevelMenu menu;
-    EXPECT_EQ(menu.provider.screen(), menu.rootScreen());
-    EXPECT_EQ(menu.provider.inversion(0), menu.selectedMask());
-}
-
 // --- items of the sub-menu ---
 
 TEST(TreeMenuItemTest, AddItemHandsTheItemToTheSubTree) {
@@ -136,8 +125,10 @@ TEST(TreeMenuItemTest, ClearItemsEmptiesTheSubTree) {
 
 // --- opening and closing ---
 
-TEST(TreeMenuItemTest, EnterOpensTheSubMenuWhichDrawsItself) {
+TEST(TreeMenuItemTest, ItsLineInTheParentShowsTheNameAndEnterOpensTheSubMenu) {
     ThreeLevelMenu menu;
+    EXPECT_EQ(menu.provider.screen(), menu.rootScreen());
+    EXPECT_EQ(menu.provider.inversion(0), menu.selectedMask());
     menu.provider.reset();
     EXPECT_TRUE(menu.tree->action());
     EXPECT_EQ(menu.provider.drawCount(), 1U);
@@ -262,10 +253,7 @@ TEST(TreeMenuItemTest, KeysReachTheFormOpenedThreeLevelsDown) {
     EXPECT_TRUE(menu.tree->left());
     EXPECT_TRUE(menu.tree->right());
     press(*menu.tree, {Key::Up, Key::Down, Key::Down});
-    EXPECT_EQ(menu.address->lefts, 1);
-    EXPECT_EQ(menu.address->rights, 1);
-    EXPECT_EQ(menu.address->ups, 1);
-    EXPECT_EQ(menu.address->downs, 2);
+    EXPECT_EQ(menu.address->keyCalls(), (std::vector<int>{1, 2, 1, 1}));
     menu.tree->action();
     EXPECT_EQ(menu.address->enters, 2);
     EXPECT_TRUE(menu.address->getFocus());

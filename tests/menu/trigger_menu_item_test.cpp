@@ -8,6 +8,7 @@
 #include <thread>
 #include <vector>
 
+#include "item_screens.h"
 #include "menu_keys.h"
 #include "platform_capture.h"
 #include "recording_provider.h"
@@ -17,13 +18,8 @@ namespace {
 
 using std::chrono::milliseconds;
 using std::chrono::nanoseconds;
-using yxfp_test::Key;
-using yxfp_test::padded;
-using yxfp_test::press;
-using yxfp_test::SleepCapture;
-using yxfp_test::TestMenu;
-using yxfrontpanel::TriggerMenuItem;
-using Screen = std::vector<std::u16string>;
+using namespace yxfp_test;
+using namespace yxfrontpanel;
 
 constexpr char16_t kTick = 0x00FB;
 

@@ -15,13 +15,8 @@
 
 namespace {
 
-using yxfp_test::caretLine;
-using yxfp_test::centred;
-using yxfp_test::Key;
-using yxfp_test::press;
-using yxfp_test::Screen;
-using yxfp_test::TestMenu;
-using yxfrontpanel::ValueEditorMenuItem;
+using namespace yxfp_test;
+using namespace yxfrontpanel;
 
 constexpr unsigned kChars = 21;
 
@@ -69,14 +64,10 @@ TEST(ValueEditorMenuItemTest, NewItemOwnsAnEditorTitledWithItsName) {
     EXPECT_EQ(provider.drawCount(), 0U);
 }
 
-TEST(ValueEditorMenuItemTest, TheMenuLineShowsTheName) {
+TEST(ValueEditorMenuItemTest, MenuLineShowsTheNameAndActionKeyOpensItEditable) {
     VoltageMenu menu;
     EXPECT_EQ(menu.provider.screen(), menu.menuScreen());
     EXPECT_EQ(menu.provider.inversion(0), menu.selectedMask());
-}
-
-TEST(ValueEditorMenuItemTest, ActionKeyOpensTheEditorEditableInLocalMode) {
-    VoltageMenu menu;
     EXPECT_TRUE(press(*menu.tree, Key::Enter));
     EXPECT_TRUE(menu.voltage->getFocus());
     EXPECT_TRUE(menu.tree->itemHasFocus());
@@ -168,18 +159,24 @@ TEST(ValueEditorMenuItemTest, OutsideLocalModeTheEditorIsReadOnly) {
 TEST(ValueEditorMenuItemTest, EditorModeBeforeLocalModeLeavesTheEditorReadOnly) {
     yxfp_test::RecordingProvider provider(kChars, 4);
     ValueEditorMenuItem item(provider, u"Voltage", 0.0, 30.0);
-    item.setEditorMode(true);
-    EXPECT_FALSE(item.getEditor().getEditorMode());
-    item.setLocal(true);
-    EXPECT_TRUE(item.getEditor().getEditorMode());
-    item.setEditorMode(false);
-    EXPECT_FALSE(item.getEditor().getEditorMode());
-    item.setLocal(true);
-    EXPECT_FALSE(item.getEditor().getEditorMode());
-    item.setEditorMode(true);
-    EXPECT_TRUE(item.getEditor().getEditorMode());
-    item.setLocal(false);
-    EXPECT_FALSE(item.getEditor().getEditorMode());
+    // Each step: local mode (true) or editing (false) switched to `on`, and the editor's mode
+    // after it.
+    struct Step {
+        bool local;
+        bool on;
+        bool editorMode;
+    };
+    Step const steps[] = {{false, true, false}, {true, true, true},  {false, false, false},
+                          {true, true, false},  {false, true, true}, {true, false, false}};
+    for (Step const& step : steps) {
+        if (step.local) {
+            item.setLocal(step.on);
+        } else {
+            item.setEditorMode(step.on);
+        }
+        EXPECT_EQ(item.getEditor().getEditorMode(), step.editorMode)
+            << (step.local ? "setLocal(" : "setEditorMode(") << step.on << ")";
+    }
 }
 
 TEST(ValueEditorMenuItemTest, EditingSwitchedOffShowsTheValueReadOnlyInLocalMode) {

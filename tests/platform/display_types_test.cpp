@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "display_lines.h"
 #include "recording_provider.h"
 
 namespace {
@@ -14,6 +15,7 @@ using frontpanelhw::drawing::DisplayBuffer;
 using frontpanelhw::drawing::DisplayChar;
 using frontpanelhw::drawing::DisplayLine;
 using yxfp_test::inversionOf;
+using yxfp_test::invertedLine;
 
 TEST(DisplayCharTest, ComparesCharacterAndInversion) {
     EXPECT_EQ((DisplayChar{u'A', false}), (DisplayChar{u'A', false}));
@@ -118,10 +120,7 @@ TEST(DisplayBufferTest, SetLineContentIgnoresLinesPastTheLast) {
 
 TEST(DisplayBufferTest, SetLineContentLeavesInversionUntouched) {
     DisplayBuffer buffer(4, 1);
-    DisplayLine inverted;
-    inverted.setLine(u"abcd");
-    inverted.setInverted(0, 3, true);
-    buffer.setDisplayLine(0, inverted);
+    buffer.setDisplayLine(0, invertedLine(u"abcd", 0, 3));
     buffer.setLineContent(0, 1, u"XY");
     EXPECT_EQ(buffer.getLineString(0), u"aXYd");
     EXPECT_EQ(inversionOf(buffer, 0), "####");
@@ -138,20 +137,14 @@ TEST(DisplayBufferTest, SetDisplayLinePadsShortLinesWithBlankCells) {
     EXPECT_EQ(buffer.getLine(0).size(), 5U);
 }
 
-TEST(DisplayBufferTest, SetDisplayLineCutsLongLines) {
+TEST(DisplayBufferTest, SetDisplayLineCutsLongLinesAndIgnoresLinesPastTheLast) {
     DisplayBuffer buffer(3, 1);
     DisplayLine line;
     line.setLine(u"abcdef");
-    buffer.setDisplayLine(0, line);
-    EXPECT_EQ(buffer.getLineString(0), u"abc");
-}
-
-TEST(DisplayBufferTest, SetDisplayLinePastTheLastLineIsIgnored) {
-    DisplayBuffer buffer(3, 1);
-    DisplayLine line;
-    line.setLine(u"abc");
     buffer.setDisplayLine(1, line);
     EXPECT_EQ(buffer.getLineString(0), u"   ");
+    buffer.setDisplayLine(0, line);
+    EXPECT_EQ(buffer.getLineString(0), u"abc");
 }
 
 TEST(DisplayBufferTest, LineAccessPastTheLastThrows) {
@@ -163,10 +156,7 @@ TEST(DisplayBufferTest, LineAccessPastTheLastThrows) {
 
 TEST(DisplayBufferTest, ClearBlanksEveryCellAndKeepsTheSize) {
     DisplayBuffer buffer(3, 2);
-    DisplayLine line;
-    line.setLine(u"abc");
-    line.setInverted(0, 2, true);
-    buffer.setDisplayLine(1, line);
+    buffer.setDisplayLine(1, invertedLine(u"abc", 0, 2));
     buffer.clear();
     EXPECT_EQ(buffer.getLineString(1), u"   ");
     EXPECT_EQ(inversionOf(buffer, 1), "...");

@@ -10,7 +10,9 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
+#include "display_lines.h"
 #include "locale_guard.h"
 #include "xterm_screen.h"
 #include <sys/stat.h>
@@ -22,7 +24,6 @@ using frontpanelhw::TerminalDisplay;
 using frontpanelhw::TerminalOrigin;
 using frontpanelhw::toUtf8;
 using frontpanelhw::drawing::DisplayBuffer;
-using frontpanelhw::drawing::DisplayLine;
 
 /** A terminal that writes into a scratch file, so that a test can read every byte curses sent
  *  and look at the screen they make. The input is an empty file: these tests press no keys. */
@@ -80,10 +81,9 @@ DisplayBuffer frameOf(unsigned chars, std::u16string const& line0, std::u16strin
     return frame;
 }
 
+// `frame` with the cells `first` to `last` of the plain line `line` inverted.
 DisplayBuffer withInverted(DisplayBuffer frame, unsigned first, unsigned last, unsigned line) {
-    DisplayLine cells = frame.getLine(line);
-    cells.setInverted(first, last, true);
-    frame.setDisplayLine(line, cells);
+    frame.setDisplayLine(line, yxfp_test::invertedLine(frame.getLineString(line), first, last));
     return frame;
 }
 
@@ -91,83 +91,66 @@ bool contains(std::string const& bytes, std::string const& part) {
     return bytes.find(part) != std::string::npos;
 }
 
-TEST(TerminalDisplayTest, ReportsItsSize) {
+using Rows = std::vector<std::string>;
+
+/** Each test starts with a fresh captured terminal. */
+class TerminalDisplayTest : public testing::Test {
+protected:
+    /** Rows `first` on, `columns` wide, of the terminal's screen after everything sent. */
+    Rows rows(unsigned first, unsigned count, unsigned columns) {
+        return terminal.screen().rows(first, count, columns);
+    }
+
     CapturedTerminal terminal;
+};
+
+TEST_F(TerminalDisplayTest, ReportsItsSize) {
     auto const display = terminal.display(20, 4);
     EXPECT_EQ(display->getChars(), 20U);
     EXPECT_EQ(display->getLines(), 4U);
 }
 
-TEST(TerminalDisplayTest, ShowsTheFrameAroundTheEmptyPanelAtOnce) {
-    CapturedTerminal terminal;
+TEST_F(TerminalDisplayTest, ShowsTheFrameAroundTheEmptyPanelAtOnce) {
     auto const display = terminal.display(6, 2);
-    auto const& screen = terminal.screen();
-    EXPECT_EQ(screen.text(0, 0, 9), "┌──────┐ ");
-    EXPECT_EQ(screen.text(1, 0, 9), "│      │ ");
-    EXPECT_EQ(screen.text(2, 0, 9), "│      │ ");
-    EXPECT_EQ(screen.text(3, 0, 9), "└──────┘ ");
-    EXPECT_EQ(screen.text(4, 0, 9), "         ");
+    EXPECT_EQ(rows(0, 5, 9),
+              (Rows{"┌──────┐ ", "│      │ ", "│      │ ", "└──────┘ ", "         "}));
 }
 
-TEST(TerminalDisplayTest, FrameStartsAtTheOrigin) {
-    CapturedTerminal terminal;
+TEST_F(TerminalDisplayTest, FrameStartsAtTheOrigin) {
     auto const display = terminal.display(3, 1, TerminalOrigin{2, 4});
-    auto const& screen = terminal.screen();
-    EXPECT_EQ(screen.text(1, 0, 10), "          ");
-    EXPECT_EQ(screen.text(2, 0, 10), "    ┌───┐ ");
-    EXPECT_EQ(screen.text(3, 0, 10), "    │   │ ");
-    EXPECT_EQ(screen.text(4, 0, 10), "    └───┘ ");
+    EXPECT_EQ(rows(1, 4, 10), (Rows{"          ", "    ┌───┐ ", "    │   │ ", "    └───┘ "}));
 }
 
-TEST(TerminalDisplayTest, OriginBeyondTheTerminalShowsNothing) {
-    CapturedTerminal terminal;
+TEST_F(TerminalDisplayTest, OriginBeyondTheTerminalShowsNothing) {
     unsigned const far = std::numeric_limits<unsigned>::max();
     auto const display = terminal.display(6, 2, TerminalOrigin{far, far});
     EXPECT_TRUE(display->draw(frameOf(6, u"Volt", u"Amp")));
     display->setStatus("LOCAL");
-    auto const& screen = terminal.screen();
-    for (unsigned row = 0; row < 30; ++row) {
-        EXPECT_EQ(screen.text(row, 0, 100), std::string(100, ' ')) << "row " << row;
-    }
+    EXPECT_EQ(rows(0, 30, 100), Rows(30, std::string(100, ' ')));
 }
 
-TEST(TerminalDisplayTest, PanelWithoutCellsIsAnEmptyFrame) {
-    CapturedTerminal terminal;
+TEST_F(TerminalDisplayTest, PanelWithoutCellsIsAnEmptyFrame) {
     auto const display = terminal.display(0, 0);
     EXPECT_TRUE(display->draw(DisplayBuffer(0, 0)));
-    auto const& screen = terminal.screen();
-    EXPECT_EQ(screen.text(0, 0, 3), "┌┐ ");
-    EXPECT_EQ(screen.text(1, 0, 3), "└┘ ");
+    EXPECT_EQ(rows(0, 2, 3), (Rows{"┌┐ ", "└┘ "}));
 }
 
-TEST(TerminalDisplayTest, DrawReturnsTrue) {
-    CapturedTerminal terminal;
-    auto const display = terminal.display(6, 2);
-    EXPECT_TRUE(display->draw(frameOf(6, u"Volt", u"")));
-}
-
-TEST(TerminalDisplayTest, CellsAreShownInsideTheFrame) {
-    CapturedTerminal terminal;
+TEST_F(TerminalDisplayTest, CellsAreShownInsideTheFrame) {
     auto const display = terminal.display(6, 2, TerminalOrigin{1, 2});
-    display->draw(frameOf(6, u"Volt", u"12.5 V"));
-    auto const& screen = terminal.screen();
-    EXPECT_EQ(screen.text(1, 0, 10), "  ┌──────┐");
-    EXPECT_EQ(screen.text(2, 0, 10), "  │Volt  │");
-    EXPECT_EQ(screen.text(3, 0, 10), "  │12.5 V│");
-    EXPECT_EQ(screen.text(4, 0, 10), "  └──────┘");
+    EXPECT_TRUE(display->draw(frameOf(6, u"Volt", u"12.5 V")));
+    EXPECT_EQ(rows(1, 4, 10), (Rows{"  ┌──────┐", "  │Volt  │", "  │12.5 V│", "  └──────┘"}));
 }
 
-TEST(TerminalDisplayTest, PanelSymbolsAreShownAsTheirGlyphs) {
-    CapturedTerminal terminal;
+// Panel symbols are shown as their glyphs; a wide character as a one-column replacement.
+TEST_F(TerminalDisplayTest, CellsAreShownAsOneColumnGlyphs) {
     auto const display = terminal.display(6, 2);
     display->draw(frameOf(6, u"\x1E\x1F\xDB\xB0\xF8\xFB", u"\x01\x7F\x80\xFE"));
-    auto const& screen = terminal.screen();
-    EXPECT_EQ(screen.text(1, 0, 8), "│▲▼█░°√│");
-    EXPECT_EQ(screen.text(2, 0, 8), "│☺⌂Ç■  │");
+    EXPECT_EQ(rows(1, 2, 8), (Rows{"│▲▼█░°√│", "│☺⌂Ç■  │"}));
+    display->draw(frameOf(6, u"a\u4E2Db", u""));
+    EXPECT_EQ(rows(1, 2, 8), (Rows{"│a\uFFFDb   │", "│      │"}));
 }
 
-TEST(TerminalDisplayTest, InvertedCellsAreShownInReverseVideo) {
-    CapturedTerminal terminal;
+TEST_F(TerminalDisplayTest, InvertedCellsAreShownInReverseVideo) {
     auto const display = terminal.display(6, 2);
     display->draw(withInverted(frameOf(6, u"Volt", u"Amp"), 1, 3, 1));
     auto const& screen = terminal.screen();
@@ -176,8 +159,7 @@ TEST(TerminalDisplayTest, InvertedCellsAreShownInReverseVideo) {
     EXPECT_EQ(screen.text(2, 0, 8), "│Amp   │");
 }
 
-TEST(TerminalDisplayTest, SecondDrawSendsOnlyTheChangedCell) {
-    CapturedTerminal terminal;
+TEST_F(TerminalDisplayTest, SecondDrawSendsOnlyTheChangedCell) {
     auto const display = terminal.display(20, 2);
     terminal.takeOutput();
     display->draw(frameOf(20, u"Measurement  12.50 V", u"Range  auto   Filter"));
@@ -187,11 +169,10 @@ TEST(TerminalDisplayTest, SecondDrawSendsOnlyTheChangedCell) {
     EXPECT_TRUE(contains(second, toUtf8(U'▲'))) << second;
     EXPECT_FALSE(contains(second, "Measurement")) << second;
     EXPECT_LT(second.size() * 4, first.size()) << first << "\n" << second;
-    EXPECT_EQ(terminal.screen().text(2, 0, 22), "│Range  auto ▲ Filter│");
+    EXPECT_EQ(rows(2, 1, 22), Rows{"│Range  auto ▲ Filter│"});
 }
 
-TEST(TerminalDisplayTest, ChangedInversionAloneIsSent) {
-    CapturedTerminal terminal;
+TEST_F(TerminalDisplayTest, ChangedInversionAloneIsSent) {
     auto const display = terminal.display(20, 2);
     DisplayBuffer const plain = frameOf(20, u"Measurement  12.50 V", u"Range  auto   Filter");
     display->draw(plain);
@@ -203,8 +184,7 @@ TEST(TerminalDisplayTest, ChangedInversionAloneIsSent) {
     EXPECT_EQ(terminal.screen().reversed(2, 0, 22), ".#....................");
 }
 
-TEST(TerminalDisplayTest, UnchangedFrameSendsNothing) {
-    CapturedTerminal terminal;
+TEST_F(TerminalDisplayTest, UnchangedFrameSendsNothing) {
     auto const display = terminal.display(6, 2);
     display->draw(frameOf(6, u"Volt", u"\x1E"));
     terminal.takeOutput();
@@ -212,78 +192,47 @@ TEST(TerminalDisplayTest, UnchangedFrameSendsNothing) {
     EXPECT_EQ(terminal.takeOutput(), "");
 }
 
-TEST(TerminalDisplayTest, WideCharacterIsShownAsOneColumnReplacement) {
-    CapturedTerminal terminal;
-    auto const display = terminal.display(6, 2);
-    display->draw(frameOf(6, u"a\u4E2Db", u""));
-    EXPECT_EQ(terminal.screen().text(1, 0, 8), "│a\uFFFDb   │");
-}
-
-TEST(TerminalDisplayTest, SmallerBufferShowsTheRestOfThePanelBlank) {
-    CapturedTerminal terminal;
+TEST_F(TerminalDisplayTest, SmallerBufferShowsTheRestOfThePanelBlank) {
     auto const display = terminal.display(6, 2);
     display->draw(frameOf(6, u"abcdef", u"ghijkl"));
     DisplayBuffer small(2, 1);
     small.setLineContent(0, 0, u"XY");
     display->draw(small);
-    auto const& screen = terminal.screen();
-    EXPECT_EQ(screen.text(1, 0, 8), "│XY    │");
-    EXPECT_EQ(screen.text(2, 0, 8), "│      │");
+    EXPECT_EQ(rows(1, 2, 8), (Rows{"│XY    │", "│      │"}));
 }
 
-TEST(TerminalDisplayTest, LargerBufferIsClippedToThePanel) {
-    CapturedTerminal terminal;
+TEST_F(TerminalDisplayTest, LargerBufferIsClippedToThePanel) {
     auto const display = terminal.display(4, 2);
     DisplayBuffer large(8, 3);
     large.setLineContent(0, 0, u"abcdWXYZ");
     large.setLineContent(1, 0, u"efghWXYZ");
     large.setLineContent(2, 0, u"hidden");
     display->draw(large);
-    auto const& screen = terminal.screen();
-    EXPECT_EQ(screen.text(1, 0, 8), "│abcd│  ");
-    EXPECT_EQ(screen.text(2, 0, 8), "│efgh│  ");
-    EXPECT_EQ(screen.text(3, 0, 8), "└────┘  ");
-    EXPECT_EQ(screen.text(4, 0, 8), "        ");
+    EXPECT_EQ(rows(1, 4, 8), (Rows{"│abcd│  ", "│efgh│  ", "└────┘  ", "        "}));
 }
 
-TEST(TerminalDisplayTest, StatusIsShownOnTheLineBelowTheFrame) {
-    CapturedTerminal terminal;
+TEST_F(TerminalDisplayTest, StatusIsShownOnTheLineBelowTheFrame) {
     auto const display = terminal.display(6, 2, TerminalOrigin{1, 2});
     display->setStatus("LOCAL ▲ q quit");
-    auto const& screen = terminal.screen();
-    EXPECT_EQ(screen.text(4, 0, 18), "  └──────┘        ");
-    EXPECT_EQ(screen.text(5, 0, 18), "  LOCAL ▲ q quit  ");
+    EXPECT_EQ(rows(4, 2, 18), (Rows{"  └──────┘        ", "  LOCAL ▲ q quit  "}));
 }
 
-TEST(TerminalDisplayTest, ShorterStatusReplacesTheWholeOldOne) {
-    CapturedTerminal terminal;
+// The status line below a 6 x 2 panel after each status in turn.
+TEST_F(TerminalDisplayTest, StatusReplacesTheWholeOldOneAndStaysOnItsLine) {
     auto const display = terminal.display(6, 2);
     display->setStatus("REMOTE  keys locked");
     display->setStatus("LOCAL");
-    EXPECT_EQ(terminal.screen().text(4, 0, 20), "LOCAL               ");
-}
-
-TEST(TerminalDisplayTest, InvalidStatusBytesAreShownAsReplacement) {
-    CapturedTerminal terminal;
-    auto const display = terminal.display(6, 2);
+    EXPECT_EQ(rows(4, 1, 20), Rows{"LOCAL               "});
     display->setStatus(
         "a\xFF"
-        "b");
-    EXPECT_EQ(terminal.screen().text(4, 0, 4), "a\uFFFDb ");
-}
-
-TEST(TerminalDisplayTest, StatusStopsAtTheRightEdgeOfTheTerminal) {
-    CapturedTerminal terminal;
-    auto const display = terminal.display(6, 2);
+        "b");  // invalid bytes are shown as a replacement
+    EXPECT_EQ(rows(4, 2, 4), (Rows{"a\uFFFDb ", "    "}));
     // Wider than any terminal curses was told about: nothing may wrap onto the next line.
     display->setStatus(std::string(1000, 'x'));
-    auto const& screen = terminal.screen();
-    EXPECT_EQ(screen.text(4, 0, 3), "xxx");
-    EXPECT_EQ(screen.text(5, 0, 3), "   ");
+    EXPECT_EQ(rows(4, 2, 3), (Rows{"xxx", "   "}));
 }
 
-TEST(TerminalDisplayTest, RepaintClearsTheTerminalAndShowsEverythingAgain) {
-    CapturedTerminal terminal;
+TEST_F(TerminalDisplayTest, RepaintClearsTheTerminalAndShowsEverythingAgain) {
     auto const display = terminal.display(6, 2);
     display->draw(withInverted(frameOf(6, u"Volt", u"\x1E"), 0, 0, 1));
     display->setStatus("LOCAL");
@@ -291,17 +240,11 @@ TEST(TerminalDisplayTest, RepaintClearsTheTerminalAndShowsEverythingAgain) {
     display->repaint();
     std::string const shown = terminal.takeOutput();
     EXPECT_TRUE(contains(shown, "\x1b[2J")) << shown;  // starts from a cleared terminal
-    auto const& screen = terminal.screen();
-    EXPECT_EQ(screen.text(0, 0, 8), "┌──────┐");
-    EXPECT_EQ(screen.text(1, 0, 8), "│Volt  │");
-    EXPECT_EQ(screen.text(2, 0, 8), "│▲     │");
-    EXPECT_EQ(screen.reversed(2, 0, 8), ".#......");
-    EXPECT_EQ(screen.text(3, 0, 8), "└──────┘");
-    EXPECT_EQ(screen.text(4, 0, 8), "LOCAL   ");
+    EXPECT_EQ(rows(0, 5, 8), (Rows{"┌──────┐", "│Volt  │", "│▲     │", "└──────┘", "LOCAL   "}));
+    EXPECT_EQ(terminal.screen().reversed(2, 0, 8), ".#......");
 }
 
-TEST(TerminalDisplayTest, DestructorRestoresTheTerminal) {
-    CapturedTerminal terminal;
+TEST_F(TerminalDisplayTest, DestructorRestoresTheTerminal) {
     auto display = terminal.display(6, 2);
     terminal.takeOutput();
     display.reset();
@@ -311,8 +254,7 @@ TEST(TerminalDisplayTest, DestructorRestoresTheTerminal) {
     EXPECT_TRUE(contains(shown, "\x1b[?25h")) << shown;
 }
 
-TEST(TerminalDisplayTest, UnknownTerminalTypeThrowsNamingIt) {
-    CapturedTerminal terminal;
+TEST_F(TerminalDisplayTest, UnknownTerminalTypeThrowsNamingIt) {
     std::FILE* const scratch = std::tmpfile();
     ASSERT_NE(scratch, nullptr);
     try {
@@ -325,7 +267,7 @@ TEST(TerminalDisplayTest, UnknownTerminalTypeThrowsNamingIt) {
     std::fclose(scratch);
 }
 
-TEST(TerminalDisplayTest, ControllingTerminalWithoutTermThrows) {
+TEST_F(TerminalDisplayTest, ControllingTerminalWithoutTermThrows) {
     // Restores $TERM and the locale, which taking over the controlling terminal sets.
     struct Environment {
         char const* term = std::getenv("TERM");  // NOLINT(concurrency-mt-unsafe)
@@ -342,7 +284,7 @@ TEST(TerminalDisplayTest, ControllingTerminalWithoutTermThrows) {
     EXPECT_THROW(TerminalDisplay(6, 2), std::runtime_error);
 }
 
-TEST(TerminalDisplayTest, MissingStreamThrows) {
+TEST_F(TerminalDisplayTest, MissingStreamThrows) {
     EXPECT_THROW(TerminalDisplay(6, 2, nullptr, stdin, "xterm-256color"), std::runtime_error);
 }
 

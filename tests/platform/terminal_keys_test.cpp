@@ -12,6 +12,8 @@
 #include <optional>
 #include <ostream>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "locale_guard.h"
 #include "terminal_key_map.h"
@@ -46,44 +48,38 @@ using namespace std::chrono_literals;
 // Long enough that reaching it means a key was lost; tests never wait for it to pass.
 constexpr auto kLongWait = 10s;
 
-TEST(PanelKeyForTest, ArrowKeysAreTheFourDirections) {
-    EXPECT_EQ(panelKeyFor(KEY_UP, true), PanelKey::Up);
-    EXPECT_EQ(panelKeyFor(KEY_DOWN, true), PanelKey::Down);
-    EXPECT_EQ(panelKeyFor(KEY_LEFT, true), PanelKey::Left);
-    EXPECT_EQ(panelKeyFor(KEY_RIGHT, true), PanelKey::Right);
-}
+// The panel key that curses codes stand for, each code with whether curses called it a key code
+// (true) or a character (false).
+struct KeyCodes {
+    std::optional<PanelKey> panelKey;
+    std::vector<std::pair<int, bool>> codes;
+};
 
-TEST(PanelKeyForTest, EnterKeyAndLineEndsAreEnter) {
-    EXPECT_EQ(panelKeyFor(KEY_ENTER, true), PanelKey::Enter);
-    EXPECT_EQ(panelKeyFor('\n', false), PanelKey::Enter);
-    EXPECT_EQ(panelKeyFor('\r', false), PanelKey::Enter);
-}
-
-TEST(PanelKeyForTest, BackspaceDeleteAndEscapeAreBack) {
-    EXPECT_EQ(panelKeyFor(KEY_BACKSPACE, true), PanelKey::Back);
-    EXPECT_EQ(panelKeyFor(127, false), PanelKey::Back);
-    EXPECT_EQ(panelKeyFor(8, false), PanelKey::Back);
-    EXPECT_EQ(panelKeyFor(27, false), PanelKey::Back);
-}
-
-TEST(PanelKeyForTest, OtherKeysAreNoPanelKey) {
-    EXPECT_EQ(panelKeyFor('q', false), std::nullopt);
-    EXPECT_EQ(panelKeyFor(' ', false), std::nullopt);
-    EXPECT_EQ(panelKeyFor(KEY_F(1), true), std::nullopt);
-    EXPECT_EQ(panelKeyFor(KEY_HOME, true), std::nullopt);
-    EXPECT_EQ(panelKeyFor(KEY_RESIZE, true), std::nullopt);
-}
-
-TEST(PanelKeyForTest, CharacterWithTheValueOfAKeyCodeIsNoPanelKey) {
-    // Curses' key codes start at 0x101, where Unicode has letters such as U+0103 'ă'.
-    EXPECT_EQ(panelKeyFor(KEY_UP, false), std::nullopt);
-    EXPECT_EQ(panelKeyFor(KEY_ENTER, false), std::nullopt);
-    EXPECT_EQ(panelKeyFor(KEY_BACKSPACE, false), std::nullopt);
-}
-
-TEST(PanelKeyForTest, CharacterCodesAsKeyCodesAreNoPanelKey) {
-    EXPECT_EQ(panelKeyFor('\n', true), std::nullopt);
-    EXPECT_EQ(panelKeyFor(27, true), std::nullopt);
+TEST(PanelKeyForTest, KeysMapToThePanelKeysTheyStandFor) {
+    KeyCodes const mappings[] = {
+        {PanelKey::Up, {{KEY_UP, true}}},
+        {PanelKey::Down, {{KEY_DOWN, true}}},
+        {PanelKey::Left, {{KEY_LEFT, true}}},
+        {PanelKey::Right, {{KEY_RIGHT, true}}},
+        // The enter key and the line ends.
+        {PanelKey::Enter, {{KEY_ENTER, true}, {'\n', false}, {'\r', false}}},
+        // Backspace, delete and escape.
+        {PanelKey::Back, {{KEY_BACKSPACE, true}, {127, false}, {8, false}, {27, false}}},
+        // Other keys are no panel key.
+        {std::nullopt,
+         {{'q', false}, {' ', false}, {KEY_F(1), true}, {KEY_HOME, true}, {KEY_RESIZE, true}}},
+        // Curses' key codes start at 0x101, where Unicode has letters such as U+0103 'ă': a
+        // character with the value of a key code is no panel key, nor are character codes
+        // given as key codes.
+        {std::nullopt,
+         {{KEY_UP, false}, {KEY_ENTER, false}, {KEY_BACKSPACE, false}, {'\n', true}, {27, true}}},
+    };
+    for (KeyCodes const& mapping : mappings) {
+        for (auto const& [code, isKeyCode] : mapping.codes) {
+            EXPECT_EQ(panelKeyFor(code, isKeyCode), mapping.panelKey)
+                << "code " << code << (isKeyCode ? " (key code)" : " (character)");
+        }
+    }
 }
 
 TEST(KeyEventTest, EventsCompareKindKeyAndCharacter) {
@@ -167,36 +163,41 @@ TEST(TerminalKeySourceTest, NegativeTimeoutDoesNotWait) {
     EXPECT_EQ(terminal.keys().poll(-kLongWait), std::nullopt);
 }
 
-TEST(TerminalKeySourceTest, ArrowKeysArePanelKeys) {
-    TypedTerminal terminal;
-    // The arrow keys of an xterm in keypad mode, which curses switched on.
-    terminal.type("\x1bOA\x1bOB\x1bOD\x1bOC");
-    EXPECT_EQ(terminal.keys().poll(kLongWait), KeyEvent::panel(PanelKey::Up));
-    EXPECT_EQ(terminal.keys().poll(kLongWait), KeyEvent::panel(PanelKey::Down));
-    EXPECT_EQ(terminal.keys().poll(kLongWait), KeyEvent::panel(PanelKey::Left));
-    EXPECT_EQ(terminal.keys().poll(kLongWait), KeyEvent::panel(PanelKey::Right));
-    EXPECT_EQ(terminal.keys().poll(0ms), std::nullopt);
-}
+// What the user types on a fresh terminal and the events it gives, after which there are no
+// more.
+struct Typing {
+    char const* what;
+    std::string bytes;
+    std::vector<KeyEvent> events;
+};
 
-TEST(TerminalKeySourceTest, ReturnIsEnterAndDeleteIsBack) {
-    TypedTerminal terminal;
-    terminal.type("\r\x7f\b");
-    EXPECT_EQ(terminal.keys().poll(kLongWait), KeyEvent::panel(PanelKey::Enter));
-    EXPECT_EQ(terminal.keys().poll(kLongWait), KeyEvent::panel(PanelKey::Back));
-    EXPECT_EQ(terminal.keys().poll(kLongWait), KeyEvent::panel(PanelKey::Back));
-}
-
-TEST(TerminalKeySourceTest, OtherCharactersAreHandedToTheApplication) {
-    TypedTerminal terminal;
-    terminal.type("q\xC3\xA9");  // 'q' and 'é' in UTF-8
-    EXPECT_EQ(terminal.keys().poll(kLongWait), KeyEvent::typed(U'q'));
-    EXPECT_EQ(terminal.keys().poll(kLongWait), KeyEvent::typed(U'é'));
-}
-
-TEST(TerminalKeySourceTest, FunctionKeysWithoutPanelMeaningAreSkipped) {
-    TypedTerminal terminal;
-    terminal.type("\x1bOP\x1bOHl");  // F1, Home, 'l'
-    EXPECT_EQ(terminal.keys().poll(kLongWait), KeyEvent::typed(U'l'));
+TEST(TerminalKeySourceTest, TypedBytesGiveTheirKeyEvents) {
+    Typing const typings[] = {
+        // The arrow keys of an xterm in keypad mode, which curses switched on.
+        {"arrows",
+         "\x1bOA\x1bOB\x1bOD\x1bOC",
+         {KeyEvent::panel(PanelKey::Up), KeyEvent::panel(PanelKey::Down),
+          KeyEvent::panel(PanelKey::Left), KeyEvent::panel(PanelKey::Right)}},
+        {"return is enter, delete and backspace are back",
+         "\r\x7f\b",
+         {KeyEvent::panel(PanelKey::Enter), KeyEvent::panel(PanelKey::Back),
+          KeyEvent::panel(PanelKey::Back)}},
+        {"other characters go to the application",
+         "q\xC3\xA9",  // 'q' and 'é' in UTF-8
+         {KeyEvent::typed(U'q'), KeyEvent::typed(U'é')}},
+        {"function keys without panel meaning are skipped",
+         "\x1bOP\x1bOHl",  // F1, Home, 'l'
+         {KeyEvent::typed(U'l')}},
+    };
+    for (Typing const& typing : typings) {
+        SCOPED_TRACE(typing.what);
+        TypedTerminal terminal;
+        terminal.type(typing.bytes);
+        for (KeyEvent const& event : typing.events) {
+            EXPECT_EQ(terminal.keys().poll(kLongWait), event);
+        }
+        EXPECT_EQ(terminal.keys().poll(0ms), std::nullopt);
+    }
 }
 
 TEST(TerminalKeySourceTest, TerminalSizeChangeIsAResize) {

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -53,193 +54,127 @@ TEST(StringHelperTest, ToStrReversesToU16ForEveryByte) {
 
 // --- rTrim ---------------------------------------------------------------------------------
 
-TEST(StringHelperTest, RTrimRemovesTrailingWhitespaceAndKeepsLeading) {
-    std::u16string text = u" ab \t\r\n";
-    sh::rTrim(text);
-    EXPECT_EQ(text, u" ab");
-}
-
-TEST(StringHelperTest, RTrimEmptiesTextMadeOnlyOfWhitespace) {
-    std::u16string text = u"  ";
-    sh::rTrim(text);
-    EXPECT_EQ(text, u"");
-}
-
-TEST(StringHelperTest, RTrimKeepsWhitespaceInsideText) {
-    std::u16string text = u"a \tb\n";
-    sh::rTrim(text);
-    EXPECT_EQ(text, u"a \tb");
-}
-
-TEST(StringHelperTest, RTrimLeavesOtherBlankLikeCharactersAlone) {
-    for (std::u16string const original : {u"ab\v", u"ab\f", u"ab\u00A0", u"ab\u3000"}) {
+TEST(StringHelperTest, RTrimRemovesOnlyTrailingWhitespace) {
+    std::pair<std::u16string, std::u16string> const cases[] = {
+        {u" ab \t\r\n", u" ab"},  // keeps leading whitespace
+        {u"  ", u""},             // text made only of whitespace
+        {u"a \tb\n", u"a \tb"},   // keeps whitespace inside
+        {u"", u""},
+        // Other blank-like characters are left alone.
+        {u"ab\v", u"ab\v"},
+        {u"ab\f", u"ab\f"},
+        {u"ab\u00A0", u"ab\u00A0"},
+        {u"ab\u3000", u"ab\u3000"},
+    };
+    for (auto const& [original, trimmed] : cases) {
         std::u16string text = original;
         sh::rTrim(text);
-        EXPECT_EQ(text, original);
+        EXPECT_EQ(text, trimmed) << std::string(original.begin(), original.end());
     }
-}
-
-TEST(StringHelperTest, RTrimOfEmptyTextStaysEmpty) {
-    std::u16string text;
-    sh::rTrim(text);
-    EXPECT_EQ(text, u"");
 }
 
 // --- split ---------------------------------------------------------------------------------
 
-TEST(StringHelperTest, SplitKeepsEmptyPiecesBetweenAndAfterDelimiters) {
+// split: `text` cut at `delimiter` into `before` gives `parts` (what was there is cleared).
+struct SplitCase {
+    std::u16string text;
+    char16_t delimiter;
+    Lines before;
     Lines parts;
-    EXPECT_EQ(sh::split(u"a,,b,", parts, u','), 4u);
-    EXPECT_EQ(parts, (Lines{u"a", u"", u"b", u""}));
-}
+};
 
-TEST(StringHelperTest, SplitOfEmptyTextGivesOneEmptyPiece) {
-    Lines parts;
-    EXPECT_EQ(sh::split(u"", parts, u','), 1u);
-    EXPECT_EQ(parts, Lines{u""});
-}
-
-TEST(StringHelperTest, SplitWithoutDelimiterGivesWholeText) {
-    Lines parts;
-    EXPECT_EQ(sh::split(u"a b", parts, u','), 1u);
-    EXPECT_EQ(parts, Lines{u"a b"});
-}
-
-TEST(StringHelperTest, SplitGivesEmptyFirstPieceForLeadingDelimiter) {
-    Lines parts;
-    EXPECT_EQ(sh::split(u";x", parts, u';'), 2u);
-    EXPECT_EQ(parts, (Lines{u"", u"x"}));
-}
-
-TEST(StringHelperTest, SplitClearsPartsFirst) {
-    Lines parts{u"old", u"older", u"oldest"};
-    EXPECT_EQ(sh::split(u"new", parts, u','), 1u);
-    EXPECT_EQ(parts, Lines{u"new"});
+TEST(StringHelperTest, SplitCutsAtEveryDelimiter) {
+    SplitCase const cases[] = {
+        {u"a,,b,", u',', {}, {u"a", u"", u"b", u""}},  // empty pieces between and after
+        {u"", u',', {}, {u""}},                        // empty text: one empty piece
+        {u"a b", u',', {}, {u"a b"}},                  // no delimiter: the whole text
+        {u";x", u';', {}, {u"", u"x"}},                // leading delimiter: empty first piece
+        {u"new", u',', {u"old", u"older", u"oldest"}, {u"new"}},  // clears parts first
+    };
+    for (SplitCase const& split : cases) {
+        SCOPED_TRACE(std::string(split.text.begin(), split.text.end()));
+        Lines parts = split.before;
+        EXPECT_EQ(sh::split(split.text, parts, split.delimiter), split.parts.size());
+        EXPECT_EQ(parts, split.parts);
+    }
 }
 
 // --- SplitLineAtWhitespaces ----------------------------------------------------------------
 
-TEST(StringHelperTest, SplitLineAppendsSingleWordUnchangedAndReturnsEmpty) {
-    Lines lines;
-    EXPECT_EQ(sh::SplitLineAtWhitespaces(u"abcdefgh", 5, lines), u"");
-    EXPECT_EQ(lines, Lines{u"abcdefgh"});
-}
+// SplitLineAtWhitespaces: `text` at `width`, appended to `before`, leaves `after` and returns
+// `rest`, the last line, which it does not append.
+struct SplitLineCase {
+    char const* why;
+    std::u16string text;
+    std::size_t width;
+    Lines before;
+    std::u16string rest;
+    Lines after;
+};
 
-TEST(StringHelperTest, SplitLineReturnsLastLineWithoutAppendingIt) {
-    Lines lines;
-    EXPECT_EQ(sh::SplitLineAtWhitespaces(u"one two three", 7, lines), u"three");
-    EXPECT_EQ(lines, Lines{u"one two"});
-}
-
-TEST(StringHelperTest, SplitLineAppendsToLinesAlreadyThere) {
-    Lines lines{u"kept"};
-    sh::SplitLineAtWhitespaces(u"one two three", 7, lines);
-    EXPECT_EQ(lines, (Lines{u"kept", u"one two"}));
-}
-
-// The separating blank is not counted, so a joined line may reach the full width.
-TEST(StringHelperTest, SplitLineJoinsWordOnlyWhileLengthsSumBelowWidth) {
-    Lines joined;
-    EXPECT_EQ(sh::SplitLineAtWhitespaces(u"ab cd", 5, joined), u"ab cd");
-    EXPECT_TRUE(joined.empty());
-
-    Lines wrapped;
-    EXPECT_EQ(sh::SplitLineAtWhitespaces(u"ab cd", 4, wrapped), u"cd");
-    EXPECT_EQ(wrapped, Lines{u"ab"});
-}
-
-TEST(StringHelperTest, SplitLineEmitsEmptyLineBeforeLongFirstWord) {
-    Lines lines;
-    EXPECT_EQ(sh::SplitLineAtWhitespaces(u"abcdefgh ij", 5, lines), u"ij");
-    EXPECT_EQ(lines, (Lines{u"", u"abcdefgh"}));
-}
-
-TEST(StringHelperTest, SplitLinePutsOverlongWordAloneOnItsLine) {
-    Lines lines;
-    EXPECT_EQ(sh::SplitLineAtWhitespaces(u"ab abcdefgh cd", 5, lines), u"cd");
-    EXPECT_EQ(lines, (Lines{u"ab", u"abcdefgh"}));
-}
-
-TEST(StringHelperTest, SplitLineKeepsRunOfSpacesInsideLine) {
-    Lines lines;
-    EXPECT_EQ(sh::SplitLineAtWhitespaces(u"ab  cd ef", 6, lines), u"ef");
-    EXPECT_EQ(lines, Lines{u"ab  cd"});
-}
-
-TEST(StringHelperTest, SplitLineDropsSpacesAtStartOfLine) {
-    Lines lines;
-    EXPECT_EQ(sh::SplitLineAtWhitespaces(u"  ab cd", 4, lines), u"cd");
-    EXPECT_EQ(lines, Lines{u"ab"});
-}
-
-TEST(StringHelperTest, SplitLineTrimsSpacesAtEndOfEmittedLine) {
-    Lines lines;
-    EXPECT_EQ(sh::SplitLineAtWhitespaces(u"ab  cdefg", 6, lines), u"cdefg");
-    EXPECT_EQ(lines, Lines{u"ab"});
-}
-
-TEST(StringHelperTest, SplitLineLeavesReturnedLineUntrimmed) {
-    Lines lines;
-    EXPECT_EQ(sh::SplitLineAtWhitespaces(u"ab cd ", 4, lines), u"cd ");
-    EXPECT_EQ(lines, Lines{u"ab"});
+TEST(StringHelperTest, SplitLineAppendsAllButTheLastLine) {
+    SplitLineCase const cases[] = {
+        {"single word appended unchanged", u"abcdefgh", 5, {}, u"", {u"abcdefgh"}},
+        {"last line returned", u"one two three", 7, {}, u"three", {u"one two"}},
+        {"appends to lines already there",
+         u"one two three",
+         7,
+         {u"kept"},
+         u"three",
+         {u"kept", u"one two"}},
+        // The separating blank is not counted, so a joined line may reach the full width.
+        {"joins while the lengths sum below the width", u"ab cd", 5, {}, u"ab cd", {}},
+        {"wraps when they do not", u"ab cd", 4, {}, u"cd", {u"ab"}},
+        {"empty line before a long first word", u"abcdefgh ij", 5, {}, u"ij", {u"", u"abcdefgh"}},
+        {"overlong word alone on its line", u"ab abcdefgh cd", 5, {}, u"cd", {u"ab", u"abcdefgh"}},
+        {"keeps a run of spaces inside a line", u"ab  cd ef", 6, {}, u"ef", {u"ab  cd"}},
+        {"drops spaces at the start of a line", u"  ab cd", 4, {}, u"cd", {u"ab"}},
+        {"trims spaces at the end of an emitted line", u"ab  cdefg", 6, {}, u"cdefg", {u"ab"}},
+        {"leaves the returned line untrimmed", u"ab cd ", 4, {}, u"cd ", {u"ab"}},
+    };
+    for (SplitLineCase const& split : cases) {
+        SCOPED_TRACE(split.why);
+        Lines lines = split.before;
+        EXPECT_EQ(sh::SplitLineAtWhitespaces(split.text, split.width, lines), split.rest);
+        EXPECT_EQ(lines, split.after);
+    }
 }
 
 // --- splitStringToLines --------------------------------------------------------------------
 
-TEST(StringHelperTest, SplitStringToLinesWrapsGreedily) {
-    EXPECT_EQ(sh::splitStringToLines(u"one two three", 7), (Lines{u"one two", u"three"}));
-}
+// splitStringToLines: `text` wrapped at `width` gives `lines`.
+struct WrapCase {
+    char const* why;
+    std::u16string text;
+    std::size_t width;
+    Lines lines;
+};
 
-TEST(StringHelperTest, SplitStringToLinesEmitsEmptyLineBeforeLongFirstWord) {
-    EXPECT_EQ(sh::splitStringToLines(u"abcdefgh ij", 5), (Lines{u"", u"abcdefgh", u"ij"}));
-}
-
-TEST(StringHelperTest, SplitStringToLinesKeepsDoubleSpaceInsideWrappedLine) {
-    EXPECT_EQ(sh::splitStringToLines(u"ab  cd ef", 6), (Lines{u"ab  cd", u"ef"}));
-}
-
-TEST(StringHelperTest, SplitStringToLinesDropsLeadingSpacesOfWrappedLine) {
-    EXPECT_EQ(sh::splitStringToLines(u"  ab cd", 4), (Lines{u"ab", u"cd"}));
-}
-
-TEST(StringHelperTest, SplitStringToLinesKeepsOverlongSingleWord) {
-    EXPECT_EQ(sh::splitStringToLines(u"abcdefgh", 5), Lines{u"abcdefgh"});
-}
-
-TEST(StringHelperTest, SplitStringToLinesKeepsEmptyLinesAndTrailingLineFeed) {
-    EXPECT_EQ(sh::splitStringToLines(u"a\n\nb\n", 10), (Lines{u"a", u"", u"b", u""}));
-}
-
-TEST(StringHelperTest, SplitStringToLinesOfEmptyTextGivesOneEmptyLine) {
-    EXPECT_EQ(sh::splitStringToLines(u"", 10), Lines{u""});
-}
-
-TEST(StringHelperTest, SplitStringToLinesKeepsLeadingSpacesOfLineThatFits) {
-    EXPECT_EQ(sh::splitStringToLines(u"  abc  ", 7), Lines{u"  abc"});
-}
-
-// A line of exactly the width fits; one more character sends it through wrapping.
-TEST(StringHelperTest, SplitStringToLinesWrapsOnlyLinesLongerThanWidth) {
-    EXPECT_EQ(sh::splitStringToLines(u"  abc", 5), Lines{u"  abc"});
-    EXPECT_EQ(sh::splitStringToLines(u"  abc", 4), Lines{u"abc"});
-}
-
-TEST(StringHelperTest, SplitStringToLinesDropsCarriageReturnOfCrLf) {
-    EXPECT_EQ(sh::splitStringToLines(u"ab\r\ncd\r\n", 10), (Lines{u"ab", u"cd", u""}));
-}
-
-TEST(StringHelperTest, SplitStringToLinesTrimsLastWrappedLine) {
-    EXPECT_EQ(sh::splitStringToLines(u"ab cd ", 4), (Lines{u"ab", u"cd"}));
-}
-
-TEST(StringHelperTest, SplitStringToLinesWrapsEachRawLineOnItsOwn) {
-    EXPECT_EQ(sh::splitStringToLines(u"one two three\nfour five", 7),
-              (Lines{u"one two", u"three", u"four", u"five"}));
-}
-
-TEST(StringHelperTest, SplitStringToLinesWithWidthZeroWrapsEveryNonEmptyLine) {
-    EXPECT_EQ(sh::splitStringToLines(u"ab cd", 0), (Lines{u"", u"ab", u"cd"}));
-    EXPECT_EQ(sh::splitStringToLines(u"a\n\nb c", 0), (Lines{u"a", u"", u"", u"b", u"c"}));
+TEST(StringHelperTest, SplitStringToLinesWrapsEachRawLine) {
+    WrapCase const cases[] = {
+        {"wraps greedily", u"one two three", 7, {u"one two", u"three"}},
+        {"empty line before a long first word", u"abcdefgh ij", 5, {u"", u"abcdefgh", u"ij"}},
+        {"keeps a double space inside a wrapped line", u"ab  cd ef", 6, {u"ab  cd", u"ef"}},
+        {"drops leading spaces of a wrapped line", u"  ab cd", 4, {u"ab", u"cd"}},
+        {"keeps an overlong single word", u"abcdefgh", 5, {u"abcdefgh"}},
+        {"keeps empty lines and a trailing line feed", u"a\n\nb\n", 10, {u"a", u"", u"b", u""}},
+        {"empty text gives one empty line", u"", 10, {u""}},
+        {"keeps leading spaces of a line that fits", u"  abc  ", 7, {u"  abc"}},
+        // A line of exactly the width fits; one more character sends it through wrapping.
+        {"a line of the width fits", u"  abc", 5, {u"  abc"}},
+        {"a longer line is wrapped", u"  abc", 4, {u"abc"}},
+        {"drops the carriage return of CR LF", u"ab\r\ncd\r\n", 10, {u"ab", u"cd", u""}},
+        {"trims the last wrapped line", u"ab cd ", 4, {u"ab", u"cd"}},
+        {"wraps each raw line on its own",
+         u"one two three\nfour five",
+         7,
+         {u"one two", u"three", u"four", u"five"}},
+        {"width zero wraps every non-empty line", u"ab cd", 0, {u"", u"ab", u"cd"}},
+        {"width zero keeps empty lines", u"a\n\nb c", 0, {u"a", u"", u"", u"b", u"c"}},
+    };
+    for (WrapCase const& wrap : cases) {
+        EXPECT_EQ(sh::splitStringToLines(wrap.text, wrap.width), wrap.lines) << wrap.why;
+    }
 }
 
 }  // namespace

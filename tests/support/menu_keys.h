@@ -12,45 +12,29 @@ namespace yxfp_test {
 /** The six keys of the front panel. */
 enum class Key { Up, Down, Left, Right, Enter, Back };
 
-/** The key's name, for failure messages. */
-inline char const* keyName(Key key) {
-    switch (key) {
-        case Key::Up:
-            return "up";
-        case Key::Down:
-            return "down";
-        case Key::Left:
-            return "left";
-        case Key::Right:
-            return "right";
-        case Key::Enter:
-            return "enter";
-        case Key::Back:
-            return "back";
-    }
-    return "?";
+/** What each key is called in failure messages and which panel key it stands for, in the
+ *  order of `Key`. */
+struct KeyFacts {
+    char const* name;
+    frontpanelhw::PanelKey panelKey;
+};
+
+inline KeyFacts const& keyFacts(Key key) {
+    static KeyFacts const facts[] = {
+        {"up", frontpanelhw::PanelKey::Up},       {"down", frontpanelhw::PanelKey::Down},
+        {"left", frontpanelhw::PanelKey::Left},   {"right", frontpanelhw::PanelKey::Right},
+        {"enter", frontpanelhw::PanelKey::Enter}, {"back", frontpanelhw::PanelKey::Back},
+    };
+    return facts[static_cast<int>(key)];
 }
+
+/** The key's name, for failure messages. */
+inline char const* keyName(Key key) { return keyFacts(key).name; }
 
 inline std::ostream& operator<<(std::ostream& stream, Key key) { return stream << keyName(key); }
 
 /** The panel key `key` stands for. */
-inline frontpanelhw::PanelKey panelKey(Key key) {
-    switch (key) {
-        case Key::Up:
-            return frontpanelhw::PanelKey::Up;
-        case Key::Down:
-            return frontpanelhw::PanelKey::Down;
-        case Key::Left:
-            return frontpanelhw::PanelKey::Left;
-        case Key::Right:
-            return frontpanelhw::PanelKey::Right;
-        case Key::Enter:
-            return frontpanelhw::PanelKey::Enter;
-        case Key::Back:
-            return frontpanelhw::PanelKey::Back;
-    }
-    return frontpanelhw::PanelKey::Up;
-}
+inline frontpanelhw::PanelKey panelKey(Key key) { return keyFacts(key).panelKey; }
 
 /** Feeds one key to a menu tree with the toolkit's own mapping (`yxfrontpanel::applyKey`) and
  *  returns the operation's answer; up and down have none and give false. */

@@ -69,22 +69,13 @@ public:
         return MenuItem::exit();
     }
     void setLocal(bool local) override { localCalls.push_back(local); }
-    bool left() override {
-        ++lefts;
-        return keyResult;
-    }
-    bool right() override {
-        ++rights;
-        return keyResult;
-    }
-    bool up() override {
-        ++ups;
-        return keyResult;
-    }
-    bool down() override {
-        ++downs;
-        return keyResult;
-    }
+    bool left() override { return counted(lefts); }
+    bool right() override { return counted(rights); }
+    bool up() override { return counted(ups); }
+    bool down() override { return counted(downs); }
+
+    /** The calls of up, down, left and right so far, in that order, to compare whole. */
+    std::vector<int> keyCalls() const { return {ups, downs, lefts, rights}; }
 
     /** The owned form stub, null for an item without form. */
     FormStub* form() const { return form_.get(); }
@@ -102,6 +93,12 @@ public:
     bool keyResult = false;
 
 private:
+    /** Counts a call of a key operation and gives its answer. */
+    bool counted(int& calls) const {
+        ++calls;
+        return keyResult;
+    }
+
     std::unique_ptr<FormStub> form_;
 };
 

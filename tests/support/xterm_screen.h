@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -38,6 +39,16 @@ public:
         std::string result;
         for (unsigned i = 0; i < count; ++i) {
             result += frontpanelhw::toUtf8(cellAt(row, column + i).glyph);
+        }
+        return result;
+    }
+
+    /** Rows `first` to `first + count - 1`, each as text(row, 0, columns): a piece of the screen
+     *  to compare whole. */
+    std::vector<std::string> rows(unsigned first, unsigned count, unsigned columns) const {
+        std::vector<std::string> result;
+        for (unsigned row = first; row < first + count; ++row) {
+            result.push_back(text(row, 0, columns));
         }
         return result;
     }
@@ -78,22 +89,14 @@ private:
     }
 
     static char32_t lineDrawingGlyph(char32_t glyph) {
-        switch (glyph) {
-            case U'q':
-                return U'─';
-            case U'x':
-                return U'│';
-            case U'l':
-                return U'┌';
-            case U'k':
-                return U'┐';
-            case U'm':
-                return U'└';
-            case U'j':
-                return U'┘';
-            default:
-                return glyph;
+        static constexpr char32_t kCodes[] = U"qxlkmj";
+        static constexpr char32_t kShown[] = U"─│┌┐└┘";
+        for (std::size_t i = 0; kCodes[i] != U'\0'; ++i) {
+            if (kCodes[i] == glyph) {
+                return kShown[i];
+            }
         }
+        return glyph;
     }
 
     void eraseLine(unsigned from) {

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "display_lines.h"
+
 namespace {
 
 using frontpanelhw::drawing::DisplayBuffer;
@@ -29,12 +31,8 @@ TEST(FrameTextTest, ShowsThePanelGlyphsAsUtf8) {
 
 TEST(FrameTextTest, MarksInvertedColumnsAfterTheLine) {
     DisplayBuffer frame(10, 2);
-    DisplayLine line;
-    line.setLine(u"0123456789");
-    line.setInverted(0, 8, true);
-    frame.setDisplayLine(0, line);
-    line.setInverted(0, 9, false);
-    line.setInverted(3, 3, true);
+    frame.setDisplayLine(0, yxfp_test::invertedLine(u"0123456789", 0, 8));
+    DisplayLine line = yxfp_test::invertedLine(u"0123456789", 3, 3);
     line.setInverted(6, 8, true);
     frame.setDisplayLine(1, line);
     EXPECT_EQ(yxfrontpanel::testing::formatFrame(frame),

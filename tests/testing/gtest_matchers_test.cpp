@@ -9,12 +9,12 @@
 #include <optional>
 #include <string>
 
+#include "display_lines.h"
 #include "environment_variable.h"
 
 namespace {
 
 using frontpanelhw::drawing::DisplayBuffer;
-using frontpanelhw::drawing::DisplayLine;
 using ::testing::Not;
 using yxfrontpanel::testing::InvertedColumnsAre;
 using yxfrontpanel::testing::LineIs;
@@ -22,10 +22,7 @@ using yxfrontpanel::testing::MatchesGoldenFile;
 
 DisplayBuffer menuFrame() {
     DisplayBuffer frame(10, 2);
-    DisplayLine line;
-    line.setLine(u"Output    ");
-    line.setInverted(0, 8, true);
-    frame.setDisplayLine(0, line);
+    frame.setDisplayLine(0, yxfp_test::invertedLine(u"Output    ", 0, 8));
     frame.setLineContent(1, 0, u"Net\x1F");
     return frame;
 }
