@@ -102,8 +102,27 @@ void CellRenderer::drawCell(drawing::DisplayChar const& cell, MonoBitmap& target
     unsigned const glyphStride = font_.glyphStride();
     std::uint64_t const invert = cell.inverted ? topBits(font_.cellWidth()) : 0;
     std::uint8_t const* glyph = font_.glyphRows(toUnicode(cell.character));
-    std::uint8_t* row = target.data() + static_cast<std::size_t>(y) * target.stride();
-    for (unsigned r = 0; r < height; ++r, glyph += glyphStride, row += target.stride()) {
+    std::size_t const targetStride = target.stride();
+    std::uint8_t* row = target.data() + static_cast<std::size_t>(y) * targetStride;
+    if (glyphStride == 1) {
+        // Fonts up to 8 pixels wide: each glyph row lands in at most two bytes of the target.
+        unsigned const shift = x % 8;
+        std::uint8_t* out = row + x / 8;
+        auto const mask = static_cast<unsigned>(topBits(width) >> 56) << 8 >> shift;
+        auto const flip = static_cast<unsigned>(invert >> 56);
+        auto const keepHigh = static_cast<std::uint8_t>(~(mask >> 8));
+        auto const keepLow = static_cast<std::uint8_t>(~mask);
+        bool const twoBytes = (mask & 0xFFu) != 0;
+        for (unsigned r = 0; r < height; ++r, out += targetStride) {
+            unsigned const bits = ((glyph[r] ^ flip) << 8 >> shift) & mask;
+            out[0] = static_cast<std::uint8_t>((out[0] & keepHigh) | (bits >> 8));
+            if (twoBytes) {
+                out[1] = static_cast<std::uint8_t>((out[1] & keepLow) | (bits & 0xFFu));
+            }
+        }
+        return;
+    }
+    for (unsigned r = 0; r < height; ++r, glyph += glyphStride, row += targetStride) {
         std::uint64_t bits = 0;
         for (unsigned b = 0; b < glyphStride; ++b) {
             bits |= std::uint64_t{glyph[b]} << (56 - 8 * b);
