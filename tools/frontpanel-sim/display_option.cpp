@@ -15,7 +15,8 @@ constexpr unsigned long kLastAddress = 0x77;
 
 UsageError badValue(std::string const& text, std::string const& problem) {
     return UsageError("--display " + text + ": " + problem +
-                      " (terminal, hd44780[:a00|a02] or hd44780-i2c:PATH[@ADDRESS][:a00|a02])");
+                      " (terminal, hd44780[:a00|a02], hd44780-i2c:PATH[@ADDRESS][:a00|a02], "
+                      "pixels, png:FILE or fbdev:PATH; see --help)");
 }
 
 // Takes a trailing ":a00" or ":a02" off `rest`.
@@ -36,6 +37,9 @@ frontpanelhw::Hd44780Rom takeRom(std::string& rest) {
 DisplayOption parseDisplayOption(std::string const& text) {
     DisplayOption option;
     if (text == "terminal") {
+        return option;
+    }
+    if (parseGraphicDisplayOption(text, option)) {
         return option;
     }
     if (text.rfind(kDevicePrefix, 0) == 0) {

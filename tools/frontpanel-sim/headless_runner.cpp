@@ -3,6 +3,7 @@
 #include <exception>
 #include <ostream>
 
+#include "graphic_module_display.h"
 #include "measurement_feed.h"
 #include "module_display.h"
 #include "runners.h"
@@ -12,7 +13,8 @@ namespace frontpanelsim {
 int runHeadless(SimOptions const& options, AppFactory const& makeApp, Attachments attachments,
                 std::ostream& err) {
     try {
-        frontpanelhw::MemoryDisplay display(options.chars, options.lines);
+        auto const [screenChars, screenLines] = runScreenSize(options);
+        frontpanelhw::MemoryDisplay display(screenChars, screenLines);
         auto const panelDisplay = makeDisplay(options.display, display);
         Session session(*panelDisplay, panelOptionsFor(options, RunKind::Headless, attachments),
                         nullptr, makeApp, options, RunKind::Headless);

@@ -6,6 +6,7 @@
 #include <ostream>
 #include <string>
 
+#include "graphic_module_display.h"
 #include "measurement_feed.h"
 #include "module_display.h"
 #include "runners.h"
@@ -31,7 +32,8 @@ bool typed(KeyEvent const& event, char32_t lower) {
 int runInteractive(SimOptions const& options, AppFactory const& makeApp, Attachments attachments,
                    std::ostream& err) {
     try {
-        frontpanelhw::TerminalDisplay display(options.chars, options.lines,
+        auto const [screenChars, screenLines] = runScreenSize(options);
+        frontpanelhw::TerminalDisplay display(screenChars, screenLines,
                                               frontpanelhw::TerminalOrigin{1, 2});
         auto const panelDisplay = makeDisplay(options.display, display);
         Session session(*panelDisplay, panelOptionsFor(options, RunKind::Interactive, attachments),

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "graphic_module_display.h"
 #include "key_script.h"
 #include "measurement_feed.h"
 #include "module_display.h"
@@ -116,7 +117,8 @@ int runKeyScript(SimOptions const& options, AppFactory const& makeApp, Attachmen
         return 1;
     }
 
-    FrameLog display(options.chars, options.lines);
+    auto const [screenChars, screenLines] = runScreenSize(options);
+    FrameLog display(screenChars, screenLines);
     std::unique_ptr<frontpanelhw::IDisplay> panelDisplay;
     try {
         panelDisplay = makeDisplay(options.display, display);

@@ -1,5 +1,6 @@
 #include "sim_options.h"
 
+#include <frontpanelhw/graphic/font.h>
 #include <yxfrontpanel/components.h>
 #if YXFP_HAS_REMOTE
 #include <yxfrontpanel/runtime/remote_endpoint.h>
@@ -14,6 +15,7 @@
 #include <utility>
 
 #include "demo_limits.h"
+#include "graphic_display_option.h"
 #include "key_script.h"
 
 namespace frontpanelsim {
@@ -91,10 +93,56 @@ std::string parseListenAddress(std::string const& text) {
     return text;
 }
 
+std::string sizeText(unsigned width, unsigned height) {
+    return std::to_string(width) + "x" + std::to_string(height);
+}
+
+/** The panel's size on a pixel display: as many cells of the font as fit, or --size's when it
+ *  fits. */
+void fitGraphicPanel(SimOptions& options, bool sizeGiven) {
+    DisplayOption& display = options.display;
+    unsigned cellWidth = 0;
+    unsigned cellHeight = 0;
+    try {
+        auto const font = frontpanelhw::graphic::Font::fromSpec(display.font);
+        cellWidth = font.cellWidth();
+        cellHeight = font.cellHeight();
+    } catch (frontpanelhw::graphic::FontError const& error) {
+        throw UsageError(std::string("--font: ") + error.what());
+    }
+    std::pair<unsigned, unsigned> pixels;
+    try {
+        pixels = graphicPixelSize(display);
+    } catch (std::exception const& error) {
+        throw UsageError(std::string("--display: ") + error.what());
+    }
+    unsigned const fitChars = pixels.first / cellWidth;
+    unsigned const fitLines = pixels.second / cellHeight;
+    std::string const module = "the " + sizeText(pixels.first, pixels.second) +
+                               " module with the " + sizeText(cellWidth, cellHeight) + " font";
+    if (sizeGiven && (options.chars > fitChars || options.lines > fitLines)) {
+        throw UsageError("--size " + sizeText(options.chars, options.lines) + " does not fit " +
+                         module + " (at most " + sizeText(fitChars, fitLines) + ")");
+    }
+    if (!sizeGiven) {
+        options.chars = fitChars;
+        options.lines = fitLines;
+        std::string const problem = demoSizeProblem(fitChars, fitLines);
+        if (!problem.empty()) {
+            throw UsageError(module + " holds " + sizeText(fitChars, fitLines) +
+                             " cells: " + problem);
+        }
+    }
+    display.graphic.chars = options.chars;
+    display.graphic.lines = options.lines;
+}
+
 }  // namespace
 
 SimOptions parseOptions(std::vector<std::string> const& arguments) {
     SimOptions options;
+    bool sizeGiven = false;
+    std::optional<std::string> font;
     frontpaneltools::OptionReader reader(arguments);
     while (reader.next()) {
         std::string const& argument = reader.argument();
@@ -103,6 +151,12 @@ SimOptions parseOptions(std::vector<std::string> const& arguments) {
             options.help = true;
         } else if (name == "--size") {
             std::tie(options.chars, options.lines) = parseSize(reader.takeValue());
+            sizeGiven = true;
+        } else if (name == "--font") {
+            font = reader.takeValue();
+            if (font->empty()) {
+                throw UsageError("--font needs 6x8, 8x16 or the path of a PSF font");
+            }
         } else if (name == "--keys") {
             if (options.keyScript) {
                 throw UsageError("give either --keys or --keys-file, once");
@@ -157,6 +211,16 @@ SimOptions parseOptions(std::vector<std::string> const& arguments) {
     if (options.keyScript && !options.inputs.empty()) {
         throw UsageError("--input cannot drive a key script; use --headless with --input");
     }
+    if (font) {
+        if (!isGraphicDisplay(options.display)) {
+            throw UsageError(
+                "--font needs a pixel display (--display pixels, png:FILE or fbdev:PATH)");
+        }
+        options.display.font = *font;
+    }
+    if (isGraphicDisplay(options.display)) {
+        fitGraphicPanel(options, sizeGiven);
+    }
     if (!options.webToken.empty() && !options.web) {
         throw UsageError("--web-token needs --web");
     }
@@ -171,7 +235,7 @@ SimOptions parseOptions(std::vector<std::string> const& arguments) {
 std::string usage() {
     return "Usage: frontpanel-sim [--size COLSxLINES] [--keys \"KEYS\" | --keys-file FILE]\n"
            "                      [--print all|last] [--idle SECONDS] [--settings FILE]\n"
-           "                      [--headless] [--display DISPLAY]\n"
+           "                      [--headless] [--display DISPLAY] [--font FONT]\n"
            "                      [--input evdev:PATH[:...] | gpio:CHIP:LINES]...\n"
            "                      [--listen HOST:PORT|unix:PATH]...\n"
            "                      [--web HOST:PORT [--web-token TOKEN]] [--help]\n"
@@ -212,7 +276,7 @@ std::string usage() {
            "                          module behind a PCF8574 I2C backpack at PATH\n"
            "                          (/dev/i2c-1; address default 0x27); a regular file\n"
            "                          or a FIFO at PATH receives the raw expander bytes\n" +
-           inputOptionHelp() +
+           graphicDisplayHelp() + inputOptionHelp() +
            "    --listen ADDRESS    serve SCPI commands (keys, screen, menu values) on\n"
            "                        ADDRESS: HOST:PORT (e.g. 127.0.0.1:5025; port 0 picks\n"
            "                        one, logged at start) or unix:PATH; repeatable. Only\n"
