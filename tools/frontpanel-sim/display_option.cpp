@@ -38,6 +38,11 @@ DisplayOption parseDisplayOption(std::string const& text) {
     if (text == "terminal") {
         return option;
     }
+    if (isGraphicModuleOption(text)) {
+        option.kind = DisplayOption::Kind::GraphicModule;
+        option.graphicModule = parseGraphicModuleOption(text);
+        return option;
+    }
     if (text.rfind(kDevicePrefix, 0) == 0) {
         option.kind = DisplayOption::Kind::Hd44780Device;
         std::string rest = text.substr(std::string(kDevicePrefix).size());

@@ -9,6 +9,7 @@
 #include <thread>
 #include <utility>
 
+#include "graphic_module_display.h"
 #include "hd44780_model.h"
 
 namespace frontpanelsim {
@@ -136,6 +137,8 @@ std::unique_ptr<frontpanelhw::IDisplay> makeDisplay(DisplayOption const& option,
             return std::make_unique<ModelView>(screen, option.rom);
         case DisplayOption::Kind::Hd44780Device:
             return std::make_unique<ModuleTee>(screen, option);
+        case DisplayOption::Kind::GraphicModule:
+            return makeGraphicModuleDisplay(option.graphicModule, screen);
         case DisplayOption::Kind::Terminal:
             break;
     }

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "demo_limits.h"
+#include "graphic_module_option.h"
 #include "key_script.h"
 
 namespace frontpanelsim {
@@ -195,7 +196,7 @@ std::string usage() {
            "                          module behind a PCF8574 I2C backpack at PATH\n"
            "                          (/dev/i2c-1; address default 0x27); a regular file\n"
            "                          or a FIFO at PATH receives the raw expander bytes\n" +
-           inputOptionHelp() +
+           graphicModuleHelp() + inputOptionHelp() +
            "    --listen ADDRESS    serve SCPI commands (keys, screen, menu values) on\n"
            "                        ADDRESS: HOST:PORT (e.g. 127.0.0.1:5025; port 0 picks\n"
            "                        one, logged at start) or unix:PATH; repeatable. Only\n"

@@ -20,7 +20,12 @@ public:
         : name_("line " + std::to_string(offset) + " of GPIO chip " + chip) {
         chip_ = ::gpiod_chip_open_lookup(chip.c_str());
         if (chip_ == nullptr) {
-            throw PanelBusError("cannot open GPIO chip " + chip + ": " + reason(errno));
+            int const error = errno;
+            throw PanelBusError("cannot open GPIO chip " + chip + ": " + reason(error) +
+                                (error == ENOENT ? " (gpiodetect lists the chips)"
+                                 : error == EACCES
+                                     ? " (no permission; add the user to the gpio group)"
+                                     : ""));
         }
         line_ = ::gpiod_chip_get_line(chip_, offset);
         if (line_ == nullptr ||
