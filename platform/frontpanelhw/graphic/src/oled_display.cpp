@@ -76,8 +76,8 @@ bool OledDisplay::powerSave() const { return dark_; }
 
 void OledDisplay::wait(std::chrono::nanoseconds duration) const { options_.wait(duration); }
 
-void OledDisplay::sendCommands(std::vector<std::uint8_t> const& commands) {
-    bus_->write(false, commands.data(), commands.size());
+void OledDisplay::sendCommands(std::initializer_list<std::uint8_t> commands) {
+    bus_->write(false, commands.begin(), commands.size());
 }
 
 void OledDisplay::setPowerSave(bool dark) {
@@ -142,7 +142,7 @@ void OledDisplay::initialise() {
          options_.contrast, cmd::kPrecharge, static_cast<std::uint8_t>(ssd1306 ? 0xF1 : 0x22),
          cmd::kVcomDeselect, static_cast<std::uint8_t>(ssd1306 ? 0x20 : 0x35), cmd::kFollowRam,
          cmd::kNotInverted});
-    sendCommands(commands);
+    bus_->write(false, commands.data(), commands.size());
     initialised_ = true;
 }
 

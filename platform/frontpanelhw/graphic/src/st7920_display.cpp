@@ -54,10 +54,15 @@ St7920Display::~St7920Display() = default;
 
 bool St7920Display::powerSave() const { return dark_; }
 
-void St7920Display::send(bool data, std::vector<std::uint8_t> const& bytes) {
+void St7920Display::send(bool data, std::initializer_list<std::uint8_t> bytes) {
+    send(data, bytes.begin(), bytes.size());
+}
+
+void St7920Display::send(bool data, std::uint8_t const* bytes, std::size_t size) {
     wire_.clear();
     wire_.push_back(data ? kStartData : kStartCommand);
-    for (std::uint8_t const byte : bytes) {
+    for (std::size_t i = 0; i < size; ++i) {
+        std::uint8_t const byte = bytes[i];
         wire_.push_back(static_cast<std::uint8_t>(byte & 0xF0U));
         wire_.push_back(static_cast<std::uint8_t>((byte & 0x0FU) << 4U));
     }
@@ -99,10 +104,11 @@ void St7920Display::sendRowSpan(unsigned row, unsigned firstWord, unsigned lastW
     unsigned const horizontal = firstWord + (row >= kHalfHeight ? kWordsPerHalf : 0);
     send(false, {static_cast<std::uint8_t>(cmd::kGdramAddress | vertical),
                  static_cast<std::uint8_t>(cmd::kGdramAddress | horizontal)});
-    auto const first = next_.begin() + row * kRowBytes + firstWord * 2;
-    auto const last = next_.begin() + row * kRowBytes + lastWord * 2 + 2;
-    send(true, std::vector<std::uint8_t>(first, last));
-    std::copy(first, last, shown_.begin() + row * kRowBytes + firstWord * 2);
+    std::size_t const first = row * kRowBytes + firstWord * 2;
+    std::size_t const size = (lastWord - firstWord + 1) * 2;
+    send(true, next_.data() + first, size);
+    std::copy_n(next_.begin() + static_cast<std::ptrdiff_t>(first), size,
+                shown_.begin() + static_cast<std::ptrdiff_t>(first));
 }
 
 void St7920Display::wait(std::chrono::nanoseconds duration) const { options_.wait(duration); }

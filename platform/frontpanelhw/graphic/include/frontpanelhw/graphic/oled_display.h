@@ -9,6 +9,7 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <vector>
 
@@ -65,7 +66,7 @@ protected:
 
 private:
     void initialise();
-    void sendCommands(std::vector<std::uint8_t> const& commands);
+    void sendCommands(std::initializer_list<std::uint8_t> commands);
     void sendPageSpan(unsigned page, unsigned first, unsigned last);
     void wait(std::chrono::nanoseconds duration) const;
 

@@ -7,8 +7,10 @@
 #include <frontpanelhw/graphic/panel_bus.h>
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <vector>
 
@@ -53,7 +55,8 @@ protected:
 
 private:
     void initialise();
-    void send(bool data, std::vector<std::uint8_t> const& bytes);
+    void send(bool data, std::uint8_t const* bytes, std::size_t size);
+    void send(bool data, std::initializer_list<std::uint8_t> bytes);
     void sendRowSpan(unsigned row, unsigned firstWord, unsigned lastWord);
     void wait(std::chrono::nanoseconds duration) const;
 
