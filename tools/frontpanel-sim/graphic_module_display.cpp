@@ -42,6 +42,10 @@ std::unique_ptr<frontpanelhw::graphic::IPanelBus> openBus(GraphicModuleOption co
     if (st7920) {
         spi.speedHz = frontpanelhw::graphic::kSt7920SpiHz;
         spi.chipSelectHigh = true;
+    } else {
+        spi.speedHz = option.chip == GraphicModuleOption::Chip::Ssd1306
+                          ? frontpanelhw::graphic::kSsd1306SpiHz
+                          : frontpanelhw::graphic::kSh1106SpiHz;
     }
     // RESET is requested high (inactive) so that opening does not reset the module.
     return frontpanelhw::graphic::openSpiPanelBus(

@@ -21,6 +21,11 @@ enum class OledController {
     Sh1106    ///< 132 columns of RAM (the 128 visible ones from column 2), page addressing only
 };
 
+/** An SPI clock within the SSD1306's limit (a 100 ns clock cycle). */
+inline constexpr std::uint32_t kSsd1306SpiHz = 8000000;
+/** An SPI clock within the SH1106's limit (2 MHz). */
+inline constexpr std::uint32_t kSh1106SpiHz = 2000000;
+
 /** How an OLED module is built and mounted. */
 struct FRONTPANELHW_GRAPHIC_EXPORT OledOptions {
     /** The controller on the module. */

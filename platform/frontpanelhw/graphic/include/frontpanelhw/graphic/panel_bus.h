@@ -75,7 +75,7 @@ FRONTPANELHW_GRAPHIC_EXPORT std::unique_ptr<IPanelBus> openI2cPanelBus(std::stri
 
 /** How an SPI controller is clocked. */
 struct FRONTPANELHW_GRAPHIC_EXPORT SpiBusOptions {
-    /** The SPI clock in Hz. */
+    /** The SPI clock in Hz; the default suits the SSD1306 (kSh1106SpiHz, kSt7920SpiHz). */
     std::uint32_t speedHz = 8000000;
     /** The SPI mode 0-3 (clock polarity and phase). */
     std::uint8_t mode = 0;
