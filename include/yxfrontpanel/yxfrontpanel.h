@@ -3,6 +3,7 @@
 // Everything an application needs from the toolkit, its IPv4 helpers and the platform headers.
 
 #include <frontpanelhw/code_page.h>
+#include <frontpanelhw/device_file.h>
 #include <frontpanelhw/display.h>
 #include <frontpanelhw/display_types.h>
 #include <frontpanelhw/evdev_key_source.h>
