@@ -100,7 +100,7 @@ private:
 
 std::unique_ptr<frontpanelhw::IDisplay> makeGraphicModuleDisplay(
     GraphicModuleOption const& option, frontpanelhw::IDisplay& screen,
-    frontpanelhw::graphic::Font font, std::function<void(std::chrono::nanoseconds)> wait) {
+    frontpanelhw::graphic::Font font, std::function<void(std::chrono::nanoseconds)> const& wait) {
     return std::make_unique<GraphicModuleTee>(screen, option, std::move(font), wait);
 }
 

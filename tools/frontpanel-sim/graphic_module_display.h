@@ -21,6 +21,6 @@ namespace frontpanelsim {
 std::unique_ptr<frontpanelhw::IDisplay> makeGraphicModuleDisplay(
     GraphicModuleOption const& option, frontpanelhw::IDisplay& screen,
     frontpanelhw::graphic::Font font = frontpanelhw::graphic::Font::builtin6x8(),
-    std::function<void(std::chrono::nanoseconds)> wait = {});
+    std::function<void(std::chrono::nanoseconds)> const& wait = {});
 
 }  // namespace frontpanelsim

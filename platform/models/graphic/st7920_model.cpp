@@ -18,7 +18,7 @@ constexpr unsigned kWords = 16;
 
 }  // namespace
 
-St7920Model::St7920Model() : gdram_(kRows * kWords, 0) {}
+St7920Model::St7920Model() : gdram_(std::size_t{kRows} * kWords, 0) {}
 
 void St7920Model::spiRecord(std::vector<std::uint8_t> const& record) {
     if (record.size() < 2 || record[0] != 0) {

@@ -159,7 +159,7 @@ void OledDisplay::sendPageSpan(unsigned page, unsigned first, unsigned last) {
     }
     std::uint8_t const* const bytes = next_.data() + std::size_t{page} * kWidth;
     bus_->write(true, bytes + first, last - first + 1);
-    std::copy(bytes + first, bytes + last + 1, shown_.begin() + page * kWidth + first);
+    std::copy(bytes + first, bytes + last + 1, shown_.data() + std::size_t{page} * kWidth + first);
 }
 
 bool OledDisplay::flush(MonoBitmap const& bitmap, PixelRect changed) {

@@ -72,7 +72,7 @@ void configure(DeviceFile const& file, SpiBusOptions const& options) {
     }
     std::uint8_t bits = kBitsPerWord;
     std::uint32_t speed = options.speedHz;
-    std::string const device = file.description();
+    std::string const& device = file.description();
     if (::ioctl(file.descriptor(), SPI_IOC_WR_MODE, &mode) < 0) {
         DeviceFile::fail("cannot set SPI mode " + std::to_string(options.mode) +
                              (options.chipSelectHigh ? " with chip select active high" : "") +

@@ -39,8 +39,8 @@ St7920Display::St7920Display(std::unique_ptr<IPanelBus> bus, St7920Options optio
     : GraphicDisplay(kWidth, kHeight, std::move(font), chars, lines),
       bus_(std::move(bus)),
       options_(std::move(options)),
-      shown_(kRowBytes * kHeight, 0),
-      next_(kRowBytes * kHeight, 0) {
+      shown_(std::size_t{kRowBytes} * kHeight, 0),
+      next_(std::size_t{kRowBytes} * kHeight, 0) {
     if (!bus_) {
         throw std::invalid_argument("ST7920 display: no bus");
     }
@@ -104,8 +104,8 @@ void St7920Display::sendRowSpan(unsigned row, unsigned firstWord, unsigned lastW
     unsigned const horizontal = firstWord + (row >= kHalfHeight ? kWordsPerHalf : 0);
     send(false, {static_cast<std::uint8_t>(cmd::kGdramAddress | vertical),
                  static_cast<std::uint8_t>(cmd::kGdramAddress | horizontal)});
-    std::size_t const first = row * kRowBytes + firstWord * 2;
-    std::size_t const size = (lastWord - firstWord + 1) * 2;
+    std::size_t const first = std::size_t{row} * kRowBytes + std::size_t{firstWord} * 2;
+    std::size_t const size = std::size_t{lastWord - firstWord + 1} * 2;
     send(true, next_.data() + first, size);
     std::copy_n(next_.begin() + static_cast<std::ptrdiff_t>(first), size,
                 shown_.begin() + static_cast<std::ptrdiff_t>(first));
