@@ -106,8 +106,10 @@ TEST(DemoPanelGraphicTest, ModelShowsTheRenderedFrameAfterEveryStepOfRandomWalks
             }
             yxfp_test::TempDirectory const directory;
             std::string const path = directory.file("capture.bin");
-            std::ofstream{path};
-            std::string const value = kind + path + suffix;
+            std::ofstream const created(path);
+            std::string value = kind;
+            value += path;
+            value += suffix;
             auto const option = frontpanelsim::parseDisplayOption(value).graphicModule;
             unsigned const lines = option.height / 8;
             frontpanelhw::MemoryDisplay screen(21, lines);
@@ -145,7 +147,7 @@ TEST(DemoPanelGraphicTest, ModelShowsTheRenderedFrameAfterEveryStepOfRandomWalks
 TEST(DemoPanelGraphicTest, MakeDisplayOpensTheModuleOfTheOption) {
     yxfp_test::TempDirectory const directory;
     std::string const path = directory.file("capture.bin");
-    std::ofstream{path};
+    std::ofstream const created(path);
     frontpanelhw::MemoryDisplay screen(21, 8);
     auto const display = frontpanelsim::makeDisplay(
         frontpanelsim::parseDisplayOption("sh1106-i2c:" + path + "@0x3D"), screen);
@@ -171,7 +173,7 @@ TEST(DemoPanelGraphicTest, OledOnAnSpiDeviceWithoutDataCommandLineIsRefused) {
 TEST(DemoPanelGraphicTest, CellsThatDoNotFitTheModuleAreRefused) {
     yxfp_test::TempDirectory const directory;
     std::string const path = directory.file("capture.bin");
-    std::ofstream{path};
+    std::ofstream const created(path);
     frontpanelhw::MemoryDisplay screen(40, 4);
     EXPECT_THROW((void)frontpanelsim::makeDisplay(
                      frontpanelsim::parseDisplayOption("ssd1306-i2c:" + path), screen),

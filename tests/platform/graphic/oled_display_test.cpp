@@ -106,7 +106,7 @@ TEST(OledDisplayTest, ContrastIsSetAtInitialisationAndChangedLater) {
 TEST(OledDisplayTest, RejectsAHeightOtherThan64Or32) {
     yxfp_test::TempDirectory const directory;
     std::string const path = directory.file("capture");
-    std::ofstream{path};
+    std::ofstream const created(path);
     frontpanelhw::graphic::OledOptions options;
     options.height = 48;
     EXPECT_THROW(

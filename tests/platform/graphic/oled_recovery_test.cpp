@@ -20,19 +20,24 @@ namespace {
 using frontpanelhw::drawing::DisplayBuffer;
 using frontpanelhw::graphic::PanelBusError;
 
+/** What a test controls of a ModelBus and reads back. */
+struct BusControl {
+    bool failing = false;
+    std::string log;
+};
+
 /** An SPI bus straight into a model, which can be made to fail, and which logs its reset line
  *  and the waits between the transfers. */
 class ModelBus : public frontpanelhw::graphic::IPanelBus {
 public:
-    ModelBus(yxfp_models::OledModel* oled, yxfp_models::St7920Model* st7920, bool& failing,
-             std::string& log)
-        : oled_(oled), st7920_(st7920), failing_(failing), log_(log) {}
+    ModelBus(yxfp_models::OledModel* oled, yxfp_models::St7920Model* st7920, BusControl& control)
+        : oled_(oled), st7920_(st7920), control_(control) {}
 
     void write(bool data, std::uint8_t const* bytes, std::size_t size) override {
-        if (failing_) {
+        if (control_.failing) {
             throw PanelBusError("the test bus fails");
         }
-        log_ += data ? 'D' : 'C';
+        control_.log += data ? 'D' : 'C';
         if (oled_ != nullptr) {
             oled_->spiTransfer(data, bytes, size);
         } else {
@@ -40,7 +45,7 @@ public:
         }
     }
     bool setReset(bool active) override {
-        log_ += active ? "R" : "r";
+        control_.log += active ? "R" : "r";
         return true;
     }
     std::size_t maxTransferBytes() const override { return 4096; }
@@ -48,8 +53,7 @@ public:
 private:
     yxfp_models::OledModel* oled_;
     yxfp_models::St7920Model* st7920_;
-    bool& failing_;
-    std::string& log_;
+    BusControl& control_;
 };
 
 DisplayBuffer frame(char16_t const* text) {
@@ -60,38 +64,35 @@ DisplayBuffer frame(char16_t const* text) {
 
 TEST(OledDisplayTest, FailedDrawIsReportedAndTheNextOneStartsOver) {
     yxfp_models::OledModel model(yxfp_models::OledChip::Ssd1306, 64);
-    bool failing = false;
-    std::string log;
+    BusControl control;
     frontpanelhw::graphic::OledOptions options;
-    options.wait = [&log](std::chrono::nanoseconds) { log += 'w'; };
-    frontpanelhw::graphic::OledDisplay display(
-        std::make_unique<ModelBus>(&model, nullptr, failing, log), options,
-        frontpanelhw::graphic::Font::builtin6x8());
+    options.wait = [&control](std::chrono::nanoseconds) { control.log += 'w'; };
+    frontpanelhw::graphic::OledDisplay display(std::make_unique<ModelBus>(&model, nullptr, control),
+                                               options, frontpanelhw::graphic::Font::builtin6x8());
     ASSERT_TRUE(display.draw(frame(u"first")));
-    EXPECT_EQ(log.substr(0, 5), "RwrwC") << "reset pulse, then the first commands";
-    failing = true;
+    EXPECT_EQ(control.log.substr(0, 5), "RwrwC") << "reset pulse, then the first commands";
+    control.failing = true;
     EXPECT_FALSE(display.draw(frame(u"second")));
-    failing = false;
-    log.clear();
+    control.failing = false;
+    control.log.clear();
     ASSERT_TRUE(display.draw(frame(u"second")));
-    EXPECT_EQ(log.substr(0, 5), "RwrwC") << "initialised again";
+    EXPECT_EQ(control.log.substr(0, 5), "RwrwC") << "initialised again";
     EXPECT_EQ(model.picture(), display.bitmap());
     EXPECT_TRUE(model.lit());
 }
 
 TEST(St7920DisplayTest, FailedDrawIsReportedAndTheNextOneStartsOver) {
     yxfp_models::St7920Model model;
-    bool failing = false;
-    std::string log;
+    BusControl control;
     frontpanelhw::graphic::St7920Options options;
     options.wait = [](std::chrono::nanoseconds) {};
     frontpanelhw::graphic::St7920Display display(
-        std::make_unique<ModelBus>(nullptr, &model, failing, log), options,
+        std::make_unique<ModelBus>(nullptr, &model, control), options,
         frontpanelhw::graphic::Font::builtin6x8());
     ASSERT_TRUE(display.draw(frame(u"first")));
-    failing = true;
+    control.failing = true;
     EXPECT_FALSE(display.draw(frame(u"second")));
-    failing = false;
+    control.failing = false;
     ASSERT_TRUE(display.draw(frame(u"second")));
     EXPECT_EQ(model.picture(), display.bitmap());
 }

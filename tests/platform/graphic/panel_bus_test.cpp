@@ -23,8 +23,8 @@ using frontpanelhw::graphic::PanelBusError;
 using Bytes = std::vector<std::uint8_t>;
 
 std::string emptyFile(yxfp_test::TempDirectory const& directory) {
-    std::string const path = directory.file("capture");
-    std::ofstream{path};
+    std::string path = directory.file("capture");
+    std::ofstream const created(path);
     return path;
 }
 
