@@ -6,6 +6,7 @@
 // has.
 
 #include <frontpanelhw/code_page.h>
+#include <frontpanelhw/device_file.h>
 #include <frontpanelhw/display.h>
 #include <frontpanelhw/display_types.h>
 #include <frontpanelhw/frame_diff.h>

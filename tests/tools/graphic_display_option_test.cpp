@@ -1,5 +1,5 @@
-#include <yxfrontpanel/components.h>
 #include <frontpanelhw/graphic/cell_renderer.h>
+#include <yxfrontpanel/components.h>
 
 #include <gtest/gtest.h>
 
@@ -101,7 +101,8 @@ TEST(GraphicDisplayOptionTest, RefusesASizeOrFontThatDoesNotFitClearly) {
               "the 64x32 module with the 8x16 font holds 8x2 cells: " +
                   problemWith({"--size", "8x2"}).substr(std::string("--size 8x2: ").size()));
     EXPECT_EQ(problemWith({"--font", "8x16"}),
-              "--font needs a pixel display (--display pixels, png:FILE or fbdev:PATH)");
+              "--font needs a pixel display (--display pixels, png:FILE, fbdev:PATH or a graphic "
+              "module)");
     std::string const missing = problemWith({"--display", "pixels", "--font", "/no/such.psf"});
     EXPECT_EQ(missing.rfind("--font: /no/such.psf: ", 0), 0u) << missing;
 }

@@ -39,6 +39,11 @@ DisplayOption parseDisplayOption(std::string const& text) {
     if (text == "terminal") {
         return option;
     }
+    if (isGraphicModuleOption(text)) {
+        option.kind = DisplayOption::Kind::GraphicModule;
+        option.graphicModule = parseGraphicModuleOption(text);
+        return option;
+    }
     if (parseGraphicDisplayOption(text, option)) {
         return option;
     }

@@ -1,7 +1,7 @@
 #include "graphic_display_option.h"
 
-#include <yxfrontpanel/components.h>
 #include <frontpanelhw/graphic/framebuffer_display.h>
+#include <yxfrontpanel/components.h>
 
 #include <cstdlib>
 #include <vector>
@@ -152,11 +152,15 @@ bool parseGraphicDisplayOption(std::string const& text, DisplayOption& option) {
 
 bool isGraphicDisplay(DisplayOption const& option) {
     return option.kind == DisplayOption::Kind::Pixels || option.kind == DisplayOption::Kind::Png ||
-           option.kind == DisplayOption::Kind::Framebuffer;
+           option.kind == DisplayOption::Kind::Framebuffer ||
+           option.kind == DisplayOption::Kind::GraphicModule;
 }
 
 std::pair<unsigned, unsigned> graphicPixelSize(DisplayOption const& option) {
     GraphicTarget const& target = option.graphic;
+    if (option.kind == DisplayOption::Kind::GraphicModule) {
+        return {kGraphicModuleWidth, option.graphicModule.height};
+    }
     if (option.kind != DisplayOption::Kind::Framebuffer) {
         return {target.width, target.height};
     }

@@ -11,6 +11,7 @@
 
 #include "graphic_module_display.h"
 #include "hd44780_model.h"
+#include "oled_module_display.h"
 
 namespace frontpanelsim {
 
@@ -141,6 +142,9 @@ std::unique_ptr<frontpanelhw::IDisplay> makeDisplay(DisplayOption const& option,
         case DisplayOption::Kind::Png:
         case DisplayOption::Kind::Framebuffer:
             return makeGraphicDisplay(option, screen);
+        case DisplayOption::Kind::GraphicModule:
+            return makeGraphicModuleDisplay(option.graphicModule, screen,
+                                            frontpanelhw::graphic::Font::fromSpec(option.font));
         case DisplayOption::Kind::Terminal:
             break;
     }

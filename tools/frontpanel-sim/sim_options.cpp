@@ -16,6 +16,7 @@
 
 #include "demo_limits.h"
 #include "graphic_display_option.h"
+#include "graphic_module_option.h"
 #include "key_script.h"
 
 namespace frontpanelsim {
@@ -214,7 +215,8 @@ SimOptions parseOptions(std::vector<std::string> const& arguments) {
     if (font) {
         if (!isGraphicDisplay(options.display)) {
             throw UsageError(
-                "--font needs a pixel display (--display pixels, png:FILE or fbdev:PATH)");
+                "--font needs a pixel display (--display pixels, png:FILE, fbdev:PATH or a "
+                "graphic module)");
         }
         options.display.font = *font;
     }
@@ -276,7 +278,7 @@ std::string usage() {
            "                          module behind a PCF8574 I2C backpack at PATH\n"
            "                          (/dev/i2c-1; address default 0x27); a regular file\n"
            "                          or a FIFO at PATH receives the raw expander bytes\n" +
-           graphicDisplayHelp() + inputOptionHelp() +
+           graphicDisplayHelp() + graphicModuleHelp() + inputOptionHelp() +
            "    --listen ADDRESS    serve SCPI commands (keys, screen, menu values) on\n"
            "                        ADDRESS: HOST:PORT (e.g. 127.0.0.1:5025; port 0 picks\n"
            "                        one, logged at start) or unix:PATH; repeatable. Only\n"
