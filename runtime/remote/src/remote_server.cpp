@@ -216,7 +216,10 @@ void serveClient(std::shared_ptr<TaskContext> const& context,
     {
         std::lock_guard<std::mutex> const lock(work->mutex);
         work->output += output;
-        more = !work->closed && (work->current || !work->pending.empty());
+        // After a deferred command (a key press the panel applies in its next turn) one more
+        // turn follows even with nothing left, so that whatever runs after each turn (the
+        // panel publishing its screen) sees the key applied before the client counts as idle.
+        more = !work->closed && (work->current || !work->pending.empty() || deferred);
         work->scheduled = more;
     }
     if (more && !schedule(context, work)) {
@@ -712,6 +715,9 @@ private:
         if (parsed.commands.empty() && !parsed.error) {
             return true;
         }
+        if (answerHere(connection, parsed)) {
+            return true;
+        }
         std::size_t const cost = lineCost(parsed, line.size());
         bool post = false;
         std::size_t pending = 0;
@@ -732,6 +738,33 @@ private:
         }
         if (post && !schedule(context_, connection.work)) {
             return disconnect(connection, "the panel stopped taking commands");
+        }
+        return true;
+    }
+
+    /** Answers a line of readers only (identity, screen, mode) here on the I/O thread, from
+     *  what the panel's thread published, when nothing of the client's waits for or runs on
+     *  the panel: a read never waits for a busy panel, and a read after a change on the same
+     *  connection still waits for that change. False when the line must go to the panel. */
+    bool answerHere(Connection& connection, scpi::ParsedLine const& parsed) {
+        {
+            std::lock_guard<std::mutex> const lock(connection.work->mutex);
+            if (!connection.work->idle()) {
+                return false;
+            }
+            // Earlier answers go out first.
+            connection.output += connection.work->output;
+            connection.work->output.clear();
+        }
+        // Idle: no task of this client is posted or running, so its session is ours for now.
+        std::optional<std::vector<std::string>> const responses =
+            context_->table->runReaders(parsed, connection.work->session);
+        if (!responses) {
+            return false;
+        }
+        for (auto const& response : *responses) {
+            connection.output += response;
+            connection.output += '\n';
         }
         return true;
     }
@@ -812,11 +845,12 @@ private:
             connection.work->pending.clear();
             connection.work->pendingCost = 0;
         }
+        // Logged before the close, so that whoever sees the close finds the reason logged.
+        logRecord(kLogInfo, "command server: " + connection.peer + " disconnected: " + why);
         if (connection.fd.get() >= 0) {
             quota_.release(listeners_[connection.listener].quota);
         }
         connection.fd.reset();
-        logRecord(kLogInfo, "command server: " + connection.peer + " disconnected: " + why);
         return false;
     }
 

@@ -155,6 +155,7 @@ struct CommandTable::Entry {
     Handler handler;
     unsigned minParameters;
     unsigned maxParameters;
+    bool reader = false;
 };
 
 Request::Request(Command const& command, Session& session) : command_(command), session_(session) {}
@@ -241,6 +242,51 @@ void CommandTable::add(std::string_view pattern, Handler handler, unsigned minPa
     entries_.push_back(std::move(entry));
 }
 
+void CommandTable::addReader(std::string_view pattern, Handler handler, unsigned minParameters,
+                             unsigned maxParameters) {
+    add(pattern, std::move(handler), minParameters, maxParameters);
+    auto const same = std::find_if(entries_.begin(), entries_.end(),
+                                   [&](Entry const& e) { return upper(e.text) == upper(pattern); });
+    same->reader = true;
+}
+
+std::optional<std::vector<std::string>> CommandTable::runReaders(ParsedLine const& line,
+                                                                 Session& session) const {
+    // Every command must name a reader before anything runs: nothing is half done here.
+    for (auto const& command : line.commands) {
+        std::vector<std::string> const full = command.fullPath();
+        auto const entry = std::find_if(entries_.begin(), entries_.end(), [&](Entry const& e) {
+            return patternMatches(e.pattern, command, full);
+        });
+        if (entry == entries_.end() || !entry->reader) {
+            return std::nullopt;
+        }
+    }
+    std::vector<std::string> responses;
+    std::vector<ErrorEntry> errors;
+    for (auto const& command : line.commands) {
+        Request request(command, session);
+        request.setOffPanelThread();
+        try {
+            execute(request);
+        } catch (Error const& e) {
+            errors.push_back(e.entry());
+            continue;
+        }
+        if (request.declined()) {
+            return std::nullopt;
+        }
+        responses.insert(responses.end(), request.responses().begin(), request.responses().end());
+    }
+    for (auto& error : errors) {
+        session.errors.push(std::move(error));
+    }
+    if (line.error) {
+        session.errors.push(*line.error);
+    }
+    return responses;
+}
+
 void CommandTable::execute(Request& request) const {
     Command const& command = request.command();
     auto const find = [this](Command const& wanted) {
@@ -313,9 +359,9 @@ void addCommonCommands(CommandTable& table, Identity const& identity) {
     std::string const idn =
         withoutCommas(identity.manufacturer) + ',' + withoutCommas(identity.model) + ',' +
         withoutCommas(identity.serialNumber) + ',' + withoutCommas(identity.firmwareVersion);
-    table.add("*IDN?", [idn](Request& request) { request.respond(idn); });
+    table.addReader("*IDN?", [idn](Request& request) { request.respond(idn); });
     table.add("*CLS", [](Request& request) { request.session().errors.clear(); });
-    table.add("*OPC?", [](Request& request) { request.respond("1"); });
+    table.addReader("*OPC?", [](Request& request) { request.respond("1"); });
     table.add("SYSTem:ERRor[:NEXT]?",
               [](Request& request) { request.respond(request.session().errors.pop().format()); });
 }

@@ -126,7 +126,8 @@ TEST(RemoteServerHostileTest, AClientPastItsPendingQuotaIsDisconnected) {
     }));
     holding.get_future().wait();
     ScpiClient flood(harness.tcpAddress());
-    ASSERT_TRUE(flood.send(repeat("*OPC?;*OPC?;*OPC?;*OPC?\n", 600)));
+    // Commands that change something: they wait for the panel (reads would be answered here).
+    ASSERT_TRUE(flood.send(repeat("*CLS;*CLS;*CLS;*CLS\n", 600)));
     ASSERT_TRUE(
         eventually([&] { return logged(log, "its commands waiting for the panel passed"); }));
     release.set_value();

@@ -70,6 +70,9 @@ private:
     std::shared_ptr<PanelControl> control_;
     std::shared_ptr<scpi::CommandTable> table_;
     std::unique_ptr<RemoteServer> server_;
+    // The id of the frame listener that publishes the screen (0 until the panel's thread added
+    // it); shared with the task that adds it.
+    std::shared_ptr<std::size_t> frameListener_ = std::make_shared<std::size_t>(0);
 };
 
 }  // namespace yxfrontpanel::runtime
