@@ -19,6 +19,7 @@ Not part of CI: run by hand, e.g.
 Every loop is bounded (seconds are capped at 3600).
 """
 import argparse
+import multiprocessing
 import os
 import socket
 import subprocess
@@ -99,25 +100,30 @@ def percentile(values, fraction):
     return ordered[min(len(ordered) - 1, int(fraction * len(ordered)))]
 
 
+def ask_idn(port, stop, results):
+    """Asks *IDN? until `stop`, at most 100,000 times; puts the answer times on `results`."""
+    client = LineClient(port)
+    times = []
+    for _ in range(100000):
+        if stop.is_set():
+            break
+        start = time.perf_counter()
+        if client.query("*IDN?") is None:
+            break
+        times.append(time.perf_counter() - start)
+    client.close()
+    results.put(times)
+
+
 def attack(args, port, pid):
     before = rss_kib(pid)
     deep = "A:" * 1000 + "A" + ";A" * 999
     wide = "A" + ";A" * 1999
-    times = []
-    stop = threading.Event()
-
-    def ask():
-        client = LineClient(port)
-        for _ in range(100000):
-            if stop.is_set():
-                break
-            start = time.perf_counter()
-            if client.query("*IDN?") is None:
-                break
-            times.append(time.perf_counter() - start)
-        client.close()
-
-    asker = threading.Thread(target=ask)
+    # The asking client runs in a process of its own, so that the attacker's sending does not
+    # hold up its measurement (one interpreter runs one thread at a time).
+    stop = multiprocessing.Event()
+    results = multiprocessing.Queue()
+    asker = multiprocessing.Process(target=ask_idn, args=(port, stop, results))
     asker.start()
     peak = before
     for _ in range(args.rounds):
@@ -136,6 +142,7 @@ def attack(args, port, pid):
         peak = max(peak, rss_kib(pid))
         attacker.close()
     stop.set()
+    times = results.get(timeout=60)
     asker.join()
     after = rss_kib(pid)
     print(f"RSS before {before} KiB, peak {peak} KiB, after {after} KiB, "
