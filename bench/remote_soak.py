@@ -12,6 +12,9 @@ one of:
            the server's CPU time over that span (needs a server with an access token).
   soak     8 clients sending key presses and screen reads for S seconds: prints the server's
            RSS every 10 s and its growth from the first minute's sample to the last.
+  hint     the simulator's demo only: one client selects System/Save settings and presses
+           ENTER (a hint holds the panel for 1 s); another client's DISP:TEXT? is timed during
+           the hint, and so is a change (*CLS;*OPC?) that must wait for the panel.
 
 Not part of CI: run by hand, e.g.
   bench/remote_soak.py --sim build/default/tools/frontpanel-sim/frontpanel-sim attack
@@ -217,11 +220,48 @@ def soak(args, port, pid):
               f"first {min(60.0, seconds / 2):.0f} s; {sum(counts)} lines of 4 commands")
 
 
+def hint(args, port, pid):
+    del pid
+    driver = LineClient(port)
+    reader = LineClient(port)
+
+    def selected():
+        lines = driver.query("DISP:TEXT?").split('","')
+        for number in range(1, len(lines) + 1):
+            if driver.query(f"DISP:INV? {number}") != '""':
+                return lines[number - 1]
+        return ""
+
+    for _ in range(12):
+        if "System" in selected():
+            break
+        driver.query("SYST:KEY DOWN;:*OPC?")
+    driver.query("SYST:KEY ENTER;:*OPC?")
+    for _ in range(12):
+        if "Save settings" in selected():
+            break
+        driver.query("SYST:KEY DOWN;:*OPC?")
+    if "Save settings" not in selected():
+        print("Save settings not found (not the simulator's demo?)")
+        return
+    for _ in range(min(args.rounds, 20)):
+        driver.sock.sendall(b"SYST:KEY ENTER\n")
+        time.sleep(0.1)
+        start = time.perf_counter()
+        reader.query("DISP:TEXT? 1")
+        read = time.perf_counter() - start
+        start = time.perf_counter()
+        reader.query("*CLS;*OPC?")
+        change = time.perf_counter() - start
+        print(f"during the hint: DISP:TEXT? {read * 1000:.2f} ms, *CLS;*OPC? {change * 1000:.0f} ms")
+        time.sleep(1.2)
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n")[0])
     parser.add_argument("--sim", default="frontpanel-sim")
     parser.add_argument("--server", help="server command; {port} is replaced by the port")
-    parser.add_argument("mode", choices=["attack", "token", "soak"])
+    parser.add_argument("mode", choices=["attack", "token", "soak", "hint"])
     parser.add_argument("--seconds", type=float, default=600)
     parser.add_argument("--clients", type=int, default=8)
     parser.add_argument("--rounds", type=int, default=1)
@@ -231,7 +271,8 @@ def main():
     port = free_port()
     process = start_server(args, port)
     try:
-        {"attack": attack, "token": token, "soak": soak}[args.mode](args, port, process.pid)
+        modes = {"attack": attack, "token": token, "soak": soak, "hint": hint}
+        modes[args.mode](args, port, process.pid)
     finally:
         process.terminate()
         process.wait(timeout=10)
