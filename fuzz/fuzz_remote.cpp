@@ -1,7 +1,9 @@
 // Fuzz target for the command server's parser and dispatcher with the demo instrument behind
 // them: the input is a series of command lines run on the demo's menu (keys applied at once),
 // checking after each line that every query answered at most one line, responses are single
-// lines, the error queue stays bounded and the set voltage stays within its bounds.
+// lines, the error queue stays bounded and the set voltage stays within its bounds; and that the
+// parser's bounds hold: at most the limits' commands, mnemonics and parameters per line, and the
+// parsed line's mnemonics (shared paths counted once) in proportion to the line's length.
 #include <frontpanelhw/display.h>
 #include <yxbase2/this_thread.h>
 #include <yxfrontpanel/runtime/menu_values.h>
@@ -16,6 +18,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "demo_panel.h"
@@ -32,6 +35,33 @@ double voltageOf(yxfrontpanel::IMenuTree& root) {
     double value = -1.0;
     std::from_chars(text.data(), text.data() + text.size(), value);
     return value;
+}
+
+/** The parser's work and memory bounds for one line. */
+void checkBounds(std::string_view line, scpi::ParsedLine const& parsed) {
+    scpi::ParseLimits const limits;
+    yxfp_fuzz::check(parsed.commands.size() <= limits.maxCommands, "commands per line bounded");
+    std::size_t stored = 0;
+    std::unordered_set<void const*> paths;
+    for (auto const& command : parsed.commands) {
+        yxfp_fuzz::check(command.fullPath().size() <= limits.maxMnemonics,
+                         "mnemonics per header bounded");
+        yxfp_fuzz::check(command.parameters.size() <= limits.maxParameters,
+                         "parameters per command bounded");
+        yxfp_fuzz::check(command.inherited == (command.path ? command.path->size() : 0U),
+                         "inherited count matches the shared path");
+        for (auto const& mnemonic : command.mnemonics) {
+            stored += mnemonic.size();
+        }
+        if (command.path && paths.insert(command.path.get()).second) {
+            for (auto const& mnemonic : *command.path) {
+                stored += mnemonic.size();
+            }
+        }
+    }
+    // Each distinct path copies at most `maxMnemonics` mnemonics of the line, so what the
+    // parsed line holds grows with the line, never with the number of relative headers.
+    yxfp_fuzz::check(stored <= limits.maxMnemonics * line.size() + 1, "parsed memory bounded");
 }
 
 }  // namespace
@@ -51,8 +81,21 @@ extern "C" int LLVMFuzzerTestOneInput(uint8_t const* data, size_t size) {
     std::string_view input(reinterpret_cast<char const*>(data), size);
     for (std::size_t lines = 0; lines < kMaxLines && !input.empty(); ++lines) {
         std::size_t const newline = input.find('\n');
-        scpi::ParsedLine const parsed = scpi::parseLine(input.substr(0, newline));
+        std::string_view const line = input.substr(0, newline);
+        scpi::ParsedLine const parsed = scpi::parseLine(line);
         input.remove_prefix(newline == std::string_view::npos ? input.size() : newline + 1);
+        checkBounds(line, parsed);
+
+        // A line of readers only may be answered without the panel: never more than one
+        // answer per query, and only when every command is a reader.
+        scpi::Session readerSession;
+        if (auto const answered = table.runReaders(parsed, readerSession)) {
+            std::size_t queries = 0;
+            for (auto const& command : parsed.commands) {
+                queries += command.query ? 1 : 0;
+            }
+            yxfp_fuzz::check(answered->size() <= queries, "readers answer queries only");
+        }
 
         std::vector<std::string> responses;
         std::size_t next = 0;

@@ -57,6 +57,19 @@ IMenuTree& rootOf(IRemotePanel const& panel) {
     return *root;
 }
 
+/** The state a reader answers from: the published one off the panel's thread (null, and the
+ *  request declined, when there is none yet), the current one on it. */
+std::shared_ptr<PanelSnapshot const> stateFor(Request& request, IRemotePanel const& panel) {
+    if (!request.offPanelThread()) {
+        return std::make_shared<PanelSnapshot const>(panel.snapshot());
+    }
+    std::shared_ptr<PanelSnapshot const> state = panel.published();
+    if (!state) {
+        request.decline();
+    }
+    return state;
+}
+
 }  // namespace
 
 void addPanelCommands(scpi::CommandTable& table, std::shared_ptr<IRemotePanel> const& panel,
@@ -72,10 +85,15 @@ void addPanelCommands(scpi::CommandTable& table, std::shared_ptr<IRemotePanel> c
             }
         },
         1, 1);
-    table.add(
+    // The screen and mode queries also run off the panel's thread, from what it published.
+    table.addReader(
         "DISPlay:TEXT?",
         [panel](Request& request) {
-            std::vector<std::string> const lines = panel->screenLines();
+            std::shared_ptr<PanelSnapshot const> const state = stateFor(request, *panel);
+            if (!state) {
+                return;
+            }
+            std::vector<std::string> const& lines = state->lines;
             if (request.parameterCount() == 1) {
                 request.respond(scpi::quoted(lines[lineOf(request, lines.size())]));
                 return;
@@ -87,17 +105,25 @@ void addPanelCommands(scpi::CommandTable& table, std::shared_ptr<IRemotePanel> c
             request.respond(response);
         },
         0, 1);
-    table.add(
+    table.addReader(
         "DISPlay:INVerted?",
         [panel](Request& request) {
-            unsigned const line = lineOf(request, panel->screen().getLineCount());
-            request.respond(scpi::quoted(panel->invertedColumnsOf(line)));
+            std::shared_ptr<PanelSnapshot const> const state = stateFor(request, *panel);
+            if (!state) {
+                return;
+            }
+            unsigned const line = lineOf(request, state->inverted.size());
+            request.respond(scpi::quoted(state->inverted[line]));
         },
         1, 1);
     table.add("SYSTem:REMote", [panel](Request& /*request*/) { panel->setLocal(false); });
     table.add("SYSTem:LOCal", [panel](Request& /*request*/) { panel->setLocal(true); });
-    table.add("SYSTem:MODE?",
-              [panel](Request& request) { request.respond(panel->isLocal() ? "LOC" : "REM"); });
+    table.addReader("SYSTem:MODE?", [panel](Request& request) {
+        std::shared_ptr<PanelSnapshot const> const state = stateFor(request, *panel);
+        if (state) {
+            request.respond(state->local ? "LOC" : "REM");
+        }
+    });
     table.add(
         "MENU:VALue?",
         [panel](Request& request) {

@@ -39,4 +39,18 @@ void PanelControl::setLocal(bool local) {
 
 IMenuTree* PanelControl::root() const { return panel_.root(); }
 
+void PanelControl::publish() {
+    auto next = std::make_shared<PanelSnapshot const>(snapshot());
+    std::lock_guard<std::mutex> const lock(publishedMutex_);
+    if (!published_ || published_->lines != next->lines || published_->inverted != next->inverted ||
+        published_->local != next->local) {
+        published_ = std::move(next);
+    }
+}
+
+std::shared_ptr<PanelSnapshot const> PanelControl::published() const {
+    std::lock_guard<std::mutex> const lock(publishedMutex_);
+    return published_;
+}
+
 }  // namespace yxfrontpanel::runtime

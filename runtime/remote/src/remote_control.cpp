@@ -2,6 +2,7 @@
 #include <yxfrontpanel/runtime/remote_control.h>
 #include <yxfrontpanel/runtime/remote_panel.h>
 
+#include <memory>
 #include <utility>
 
 namespace yxfrontpanel::runtime {
@@ -26,15 +27,46 @@ void RemoteControl::start() {
         return;
     }
     Panel* const panel = &panel_;
+    std::shared_ptr<PanelControl> const control = control_;
+    // After each batch of remote work the panel's thread publishes the screen and mode, so that
+    // the next read that needs no change is answered from them without waiting for the panel.
     server_ = std::make_unique<RemoteServer>(
-        table_, [panel](std::function<void()> task) { return panel->post(std::move(task)); },
+        table_,
+        [panel, control](std::function<void()> task) {
+            return panel->post([task = std::move(task), control] {
+                task();
+                control->publish();
+            });
+        },
         options_.server);
+    // Frames (the panel's own keys, timers, the application) publish too; the listener is added
+    // on the panel's thread, which iterates the listeners.
+    std::weak_ptr<std::size_t> const frameListener = frameListener_;
+    panel->post([panel, control, frameListener] {
+        control->publish();
+        if (auto const id = frameListener.lock()) {
+            *id = panel->addFrameListener(
+                [control](frontpanelhw::drawing::DisplayBuffer const& /*frame*/) {
+                    control->publish();
+                });
+        }
+    });
     server_->start();
 }
 
 void RemoteControl::stop() {
     if (server_) {
         server_->stop();
+    }
+    // Remove the frame listener on the panel's thread; a stopped panel no longer calls it.
+    if (frameListener_) {
+        Panel* const panel = &panel_;
+        std::shared_ptr<std::size_t> const id = std::exchange(frameListener_, nullptr);
+        panel->post([panel, id] {
+            if (*id != 0) {
+                panel->removeFrameListener(*id);
+            }
+        });
     }
 }
 
@@ -43,5 +75,9 @@ std::vector<std::string> RemoteControl::addresses() const {
 }
 
 std::size_t RemoteControl::clientCount() const { return server_ ? server_->clientCount() : 0; }
+
+std::optional<std::string> RemoteControl::failure() const {
+    return server_ ? server_->failure() : std::nullopt;
+}
 
 }  // namespace yxfrontpanel::runtime

@@ -21,6 +21,18 @@ std::string IRemotePanel::invertedColumnsOf(unsigned line) const {
     return frontpanelhw::formatColumnRanges(frontpanelhw::invertedRanges(screen(), line));
 }
 
+std::shared_ptr<PanelSnapshot const> IRemotePanel::published() const { return nullptr; }
+
+PanelSnapshot IRemotePanel::snapshot() const {
+    PanelSnapshot result;
+    result.lines = screenLines();
+    for (unsigned line = 0; line < result.lines.size(); ++line) {
+        result.inverted.push_back(invertedColumnsOf(line));
+    }
+    result.local = isLocal();
+    return result;
+}
+
 TreeControl::TreeControl(IMenuTree& tree, frontpanelhw::MemoryDisplay const& display)
     : tree_(tree), display_(display) {}
 

@@ -122,7 +122,9 @@ bool nodesMatch(std::vector<Pattern::Node> const& nodes, std::size_t node,
     return nodes[node].optional && nodesMatch(nodes, node + 1, mnemonics, mnemonic);
 }
 
-bool patternMatches(Pattern const& pattern, Command const& command) {
+/** `full` is `command.fullPath()`, computed once by the caller. */
+bool patternMatches(Pattern const& pattern, Command const& command,
+                    std::vector<std::string> const& full) {
     if (pattern.query != command.query) {
         return false;
     }
@@ -130,13 +132,12 @@ bool patternMatches(Pattern const& pattern, Command const& command) {
         return command.common && !command.mnemonics.empty() &&
                upper(command.mnemonics.front()) == pattern.common;
     }
-    return nodesMatch(pattern.nodes, 0, command.mnemonics, 0);
+    return nodesMatch(pattern.nodes, 0, full, 0);
 }
 
 Command fromRoot(Command const& command) {
     Command rooted = command;
-    rooted.mnemonics.erase(rooted.mnemonics.begin(),
-                           rooted.mnemonics.begin() + static_cast<long>(command.inherited));
+    rooted.path.reset();
     rooted.inherited = 0;
     return rooted;
 }
@@ -154,6 +155,7 @@ struct CommandTable::Entry {
     Handler handler;
     unsigned minParameters;
     unsigned maxParameters;
+    bool reader = false;
 };
 
 Request::Request(Command const& command, Session& session) : command_(command), session_(session) {}
@@ -187,9 +189,10 @@ double Request::number(std::size_t index) const {
 
 long Request::integer(std::size_t index) const {
     double const value = number(index);
-    if (std::floor(value) != value ||
-        value < static_cast<double>(std::numeric_limits<long>::min()) ||
-        value > static_cast<double>(std::numeric_limits<long>::max())) {
+    // The range as powers of two, which doubles hold exactly: the long's maximum rounds up to
+    // 2^63 as a double, which would pass a `value > max` check and overflow the cast.
+    double const limit = std::ldexp(1.0, std::numeric_limits<long>::digits);
+    if (std::floor(value) != value || value < -limit || value >= limit) {
         throw Error(ErrorCode::DataTypeError, "not a whole number: " + parameter(index).text);
     }
     return static_cast<long>(value);
@@ -208,7 +211,7 @@ bool Request::restDeferred() const { return deferred_; }
 
 bool matches(std::string_view pattern, Command const& command) {
     std::optional<Pattern> const parsed = parsePattern(pattern);
-    return parsed && patternMatches(*parsed, command);
+    return parsed && patternMatches(*parsed, command, command.fullPath());
 }
 
 CommandTable::CommandTable() = default;
@@ -239,11 +242,58 @@ void CommandTable::add(std::string_view pattern, Handler handler, unsigned minPa
     entries_.push_back(std::move(entry));
 }
 
+void CommandTable::addReader(std::string_view pattern, Handler handler, unsigned minParameters,
+                             unsigned maxParameters) {
+    add(pattern, std::move(handler), minParameters, maxParameters);
+    auto const same = std::find_if(entries_.begin(), entries_.end(),
+                                   [&](Entry const& e) { return upper(e.text) == upper(pattern); });
+    same->reader = true;
+}
+
+std::optional<std::vector<std::string>> CommandTable::runReaders(ParsedLine const& line,
+                                                                 Session& session) const {
+    // Every command must name a reader before anything runs: nothing is half done here.
+    for (auto const& command : line.commands) {
+        std::vector<std::string> const full = command.fullPath();
+        auto const entry = std::find_if(entries_.begin(), entries_.end(), [&](Entry const& e) {
+            return patternMatches(e.pattern, command, full);
+        });
+        if (entry == entries_.end() || !entry->reader) {
+            return std::nullopt;
+        }
+    }
+    std::vector<std::string> responses;
+    std::vector<ErrorEntry> errors;
+    for (auto const& command : line.commands) {
+        Request request(command, session);
+        request.setOffPanelThread();
+        try {
+            execute(request);
+        } catch (Error const& e) {
+            errors.push_back(e.entry());
+            continue;
+        }
+        if (request.declined()) {
+            return std::nullopt;
+        }
+        responses.insert(responses.end(), request.responses().begin(), request.responses().end());
+    }
+    for (auto& error : errors) {
+        session.errors.push(std::move(error));
+    }
+    if (line.error) {
+        session.errors.push(*line.error);
+    }
+    return responses;
+}
+
 void CommandTable::execute(Request& request) const {
     Command const& command = request.command();
     auto const find = [this](Command const& wanted) {
-        return std::find_if(entries_.begin(), entries_.end(),
-                            [&](Entry const& e) { return patternMatches(e.pattern, wanted); });
+        std::vector<std::string> const full = wanted.fullPath();
+        return std::find_if(entries_.begin(), entries_.end(), [&](Entry const& e) {
+            return patternMatches(e.pattern, wanted, full);
+        });
     };
     auto entry = find(command);
     if (entry == entries_.end() && command.inherited > 0) {
@@ -265,6 +315,10 @@ void CommandTable::execute(Request& request) const {
         throw;
     } catch (std::exception const& e) {
         throw Error(ErrorCode::ExecutionError, e.what());
+    } catch (...) {
+        // Anything else a handler throws is an execution error too, so the client's line
+        // finishes and its session stays usable.
+        throw Error(ErrorCode::ExecutionError, "the command failed");
     }
 }
 
@@ -305,9 +359,9 @@ void addCommonCommands(CommandTable& table, Identity const& identity) {
     std::string const idn =
         withoutCommas(identity.manufacturer) + ',' + withoutCommas(identity.model) + ',' +
         withoutCommas(identity.serialNumber) + ',' + withoutCommas(identity.firmwareVersion);
-    table.add("*IDN?", [idn](Request& request) { request.respond(idn); });
+    table.addReader("*IDN?", [idn](Request& request) { request.respond(idn); });
     table.add("*CLS", [](Request& request) { request.session().errors.clear(); });
-    table.add("*OPC?", [](Request& request) { request.respond("1"); });
+    table.addReader("*OPC?", [](Request& request) { request.respond("1"); });
     table.add("SYSTem:ERRor[:NEXT]?",
               [](Request& request) { request.respond(request.session().errors.pop().format()); });
 }

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -57,6 +58,11 @@ public:
     std::vector<std::string> addresses() const;
     /** The number of connected clients. */
     std::size_t clientCount() const;
+    /** Why the server's loop ended by itself (poll failed), if it did; also reported through
+     *  `RemoteServerOptions::onFailure`. */
+    std::optional<std::string> failure() const;
+    /** The server itself (null before `start`), for its counters. */
+    RemoteServer const* server() const { return server_.get(); }
 
 private:
     Panel& panel_;
@@ -64,6 +70,9 @@ private:
     std::shared_ptr<PanelControl> control_;
     std::shared_ptr<scpi::CommandTable> table_;
     std::unique_ptr<RemoteServer> server_;
+    // The id of the frame listener that publishes the screen (0 until the panel's thread added
+    // it); shared with the task that adds it.
+    std::shared_ptr<std::size_t> frameListener_ = std::make_shared<std::size_t>(0);
 };
 
 }  // namespace yxfrontpanel::runtime

@@ -6,6 +6,8 @@
 #include <yxfrontpanel/runtime/export.h>
 
 #include <functional>
+#include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -16,6 +18,17 @@ class IMenuTree;
 namespace yxfrontpanel::runtime {
 
 class Panel;
+
+/** What the panel showed at one moment, published by the panel's thread for readers on other
+ *  threads (the command server's queries of the screen and the mode). */
+struct YXFP_RUNTIME_EXPORT PanelSnapshot {
+    /** The screen as UTF-8 lines (`IRemotePanel::screenLines`). */
+    std::vector<std::string> lines;
+    /** The inverted columns of each line (`IRemotePanel::invertedColumnsOf`). */
+    std::vector<std::string> inverted;
+    /** The local-mode flag: true in LOCAL. */
+    bool local = true;
+};
 
 /** What a remote channel (the command server, a web page) does with a panel: press its keys,
  *  read its screen and switch the tree's local and remote mode. Everything except `pressKey`'s
@@ -48,6 +61,11 @@ public:
     /** The inverted columns of `line` as `frontpanelhw::formatColumnRanges` writes them; empty
      *  past the bottom. */
     std::string invertedColumnsOf(unsigned line) const;
+    /** The newest state the panel's thread published, for readers on other threads; null when
+     *  nothing is published (then such reads run on the panel's thread). Any thread. */
+    virtual std::shared_ptr<PanelSnapshot const> published() const;
+    /** The current state, read here (the panel's thread). */
+    PanelSnapshot snapshot() const;
 };
 
 /** How an application switches and reads its local mode, for one that keeps its own flag and
@@ -76,10 +94,16 @@ public:
     bool isLocal() const override;
     void setLocal(bool local) override;
     IMenuTree* root() const override;
+    /** Publishes the current screen and mode for `published`. Panel's thread only: called after
+     *  each batch of remote work and on every frame. */
+    void publish();
+    std::shared_ptr<PanelSnapshot const> published() const override;
 
 private:
     Panel& panel_;
     LocalMode mode_;
+    mutable std::mutex publishedMutex_;
+    std::shared_ptr<PanelSnapshot const> published_;
 };
 
 /** The remote operations on a bare menu tree drawn on a `MemoryDisplay`, without a panel loop:

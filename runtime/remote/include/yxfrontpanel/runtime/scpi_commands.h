@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -54,12 +55,24 @@ public:
     std::vector<std::string> const& responses() const;
     /** Whether `deferRest` was called. */
     bool restDeferred() const;
+    /** Whether the handler runs off the panel's thread (see `CommandTable::runReaders`): a
+     *  reader then answers from published state, never from the panel's own objects. */
+    bool offPanelThread() const { return offPanel_; }
+    /** Marks the request as run off the panel's thread; by `CommandTable::runReaders`. */
+    void setOffPanelThread() { offPanel_ = true; }
+    /** A reader that cannot answer off the panel's thread (nothing published yet) calls this
+     *  instead of answering: the whole line then runs on the panel's thread. */
+    void decline() { declined_ = true; }
+    /** Whether the handler called `decline`. */
+    bool declined() const { return declined_; }
 
 private:
     Command const& command_;
     Session& session_;
     std::vector<std::string> responses_;
     bool deferred_ = false;
+    bool offPanel_ = false;
+    bool declined_ = false;
 };
 
 /** Runs one command on the panel's thread (or whatever thread the table is used on). It may
@@ -98,6 +111,18 @@ public:
      *  minParameters > maxParameters. */
     void add(std::string_view pattern, Handler handler, unsigned minParameters = 0,
              unsigned maxParameters = 0);
+    /** Like `add`, for a query that changes nothing and may also run off the panel's thread,
+     *  from state the panel's thread published (`Request::offPanelThread` tells which). Such a
+     *  handler must be thread-safe and must not touch the error queue except to report its own
+     *  errors. */
+    void addReader(std::string_view pattern, Handler handler, unsigned minParameters = 0,
+                   unsigned maxParameters = 0);
+    /** Runs `line` off the panel's thread when every command on it is a reader and none
+     *  declines: returns the response lines (errors go to the session's queue). Empty, with
+     *  nothing run and nothing queued, when the line must run on the panel's thread. Any
+     *  thread, as long as the session is not used elsewhere at the same time. */
+    std::optional<std::vector<std::string>> runReaders(ParsedLine const& line,
+                                                       Session& session) const;
     /** Runs `command`: the handler of the first matching pattern with the parameter count
      *  checked. @throws Error (undefined header, parameter count, or whatever the handler
      *  throws; other exceptions become "Execution error" with their text). */
