@@ -7,7 +7,10 @@
 #include <chrono>
 #include <memory>
 #include <string>
+#include <thread>
 
+#include "recording_provider.h"
+#include "settings_file_systems.h"
 #include "settings_test_store.h"
 #include "temp_directory.h"
 
@@ -44,7 +47,11 @@ protected:
         panel.setRoot(*tree);
     }
 
-    void turn() { ASSERT_TRUE(panel.runOnce(0ms)); }
+    // One turn of the panel, then waits for the saves it handed to the writer thread.
+    void turn() {
+        ASSERT_TRUE(panel.runOnce(0ms));
+        store->waitForSaves();
+    }
     void press(PanelKey key) {
         ASSERT_TRUE(panel.pressKey(key));
         turn();
@@ -57,7 +64,9 @@ protected:
 
     TempDirectory dir;
     std::string path = dir.file("settings.json");
-    std::unique_ptr<SettingsStore> store = benchStore(path);
+    std::shared_ptr<yxfp_test::GatedFileSystem> gate =
+        std::make_shared<yxfp_test::GatedFileSystem>(yxfrontpanel::settings::posixFileSystem());
+    std::unique_ptr<SettingsStore> store = yxfp_test::benchStoreOn(path, gate);
     frontpanelhw::MemoryDisplay display{20, 4};
     std::shared_ptr<ManualClock> clock = std::make_shared<ManualClock>();
     Panel panel;
@@ -103,6 +112,36 @@ TEST_F(PanelSaveSchedulerTest, NothingIsWrittenBeforeTheDelayAndOnceAfterIt) {
     EXPECT_EQ(savedVoltage(), voltage->getEditor().getValue());
 }
 
+TEST_F(PanelSaveSchedulerTest, KeysAreServedWhileASaveIsHeldOnTheDevice) {
+    PanelSaveScheduler scheduler(panel, *store);
+    turn();
+    press(PanelKey::Enter);
+    press(PanelKey::Up);
+    press(PanelKey::Enter);
+    double const committed = voltage->getEditor().getValue();
+    gate->hold();
+    clock->advance(2s);
+    ASSERT_TRUE(panel.runOnce(0ms));  // hands the save to the writer thread
+    gate->waitUntilHeld();            // which is now inside a write that does not end
+    auto const before = yxfp_test::screenOf(display.getLastFrame());
+    for (PanelKey const key : {PanelKey::Down, PanelKey::Down, PanelKey::Enter}) {
+        ASSERT_TRUE(panel.pressKey(key));
+        clock->advance(100ms);  // a frame is due
+        ASSERT_TRUE(panel.runOnce(0ms));
+    }
+    auto const after = yxfp_test::screenOf(display.getLastFrame());
+    EXPECT_NE(after, before) << "three key presses served during the save";
+    EXPECT_EQ(store->number("voltage"), voltage->getEditor().getValue()) << "and committed";
+    EXPECT_NE(voltage->getEditor().getValue(), committed);
+    EXPECT_EQ(store->writeCount(), 0U);
+    gate->release();
+    store->waitForSaves();
+    EXPECT_EQ(store->writeCount(), 1U);
+    EXPECT_EQ(savedVoltage(), committed);
+    EXPECT_EQ(gate->syncingThreads().count(std::this_thread::get_id()), 0U)
+        << "the panel's thread called fsync";
+}
+
 TEST_F(PanelSaveSchedulerTest, StoppingThePanelWritesWhatIsUnsaved) {
     PanelSaveScheduler scheduler(panel, *store);
     turn();
@@ -113,9 +152,11 @@ TEST_F(PanelSaveSchedulerTest, StoppingThePanelWritesWhatIsUnsaved) {
     EXPECT_EQ(store->writeCount(), 0U) << "inside the save delay";
     panel.stop();
     EXPECT_FALSE(panel.runOnce(0ms));
+    store->waitForSaves();
     EXPECT_EQ(store->writeCount(), 1U);
     EXPECT_EQ(savedVoltage(), edited);
     EXPECT_FALSE(panel.runOnce(0ms));
+    store->waitForSaves();
     EXPECT_EQ(store->writeCount(), 1U) << "once";
     EXPECT_TRUE(scheduler.finish());
     EXPECT_EQ(store->writeCount(), 1U) << "nothing left to write";

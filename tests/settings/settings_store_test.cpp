@@ -121,8 +121,9 @@ TEST(SettingsStoreTest, SavingKeepsThePreviousFileAsBackupAndLeavesNoTemporaryFi
     ASSERT_TRUE(store->saveNow());
     EXPECT_EQ(readFile(store->backupPath()), first);
     EXPECT_NE(readFile(dir.file("settings.json")), first);
-    EXPECT_EQ(filesStartingWith(dir.path(), ""),
-              (std::vector<std::string>{"settings.json", "settings.json.bak"}));
+    EXPECT_EQ(
+        filesStartingWith(dir.path(), ""),
+        (std::vector<std::string>{"settings.json", "settings.json.bak", "settings.json.lock"}));
 }
 
 TEST(SettingsStoreTest, KeysTheApplicationDoesNotKnowAreWrittenBackUnchanged) {
