@@ -21,14 +21,10 @@ namespace {
 
 using namespace std::chrono_literals;
 using frontpanelhw::PanelKey;
-using yxfp_test::benchStore;
-using yxfp_test::TempDirectory;
+using namespace yxfp_test;
+using namespace yxfrontpanel::settings;
 using yxfrontpanel::runtime::ManualClock;
 using yxfrontpanel::runtime::Panel;
-using yxfrontpanel::settings::bindSetting;
-using yxfrontpanel::settings::PanelSaveScheduler;
-using yxfrontpanel::settings::SettingBinding;
-using yxfrontpanel::settings::SettingsStore;
 
 // A panel whose root menu holds the voltage editor bound to a bench store.
 class PanelSaveSchedulerTest : public ::testing::Test {
@@ -55,6 +51,14 @@ protected:
     void press(PanelKey key) {
         ASSERT_TRUE(panel.pressKey(key));
         turn();
+    }
+    // Opens the voltage editor, raises the value and commits it; returns the committed value.
+    double commitOneEdit() {
+        turn();
+        press(PanelKey::Enter);
+        press(PanelKey::Up);
+        press(PanelKey::Enter);
+        return voltage->getEditor().getValue();
     }
     double savedVoltage() const {
         auto reloaded = benchStore(path);
@@ -99,26 +103,19 @@ TEST_F(PanelSaveSchedulerTest, AHundredCommitsInOneSecondWriteTheFileAtMostTwice
 
 TEST_F(PanelSaveSchedulerTest, NothingIsWrittenBeforeTheDelayAndOnceAfterIt) {
     PanelSaveScheduler scheduler(panel, *store);
-    turn();
-    press(PanelKey::Enter);
-    press(PanelKey::Up);
-    press(PanelKey::Enter);
+    double const committed = commitOneEdit();
     clock->advance(1999ms);
     turn();
     EXPECT_EQ(store->writeCount(), 0U);
     clock->advance(1ms);
     turn();
     EXPECT_EQ(store->writeCount(), 1U);
-    EXPECT_EQ(savedVoltage(), voltage->getEditor().getValue());
+    EXPECT_EQ(savedVoltage(), committed);
 }
 
 TEST_F(PanelSaveSchedulerTest, KeysAreServedWhileASaveIsHeldOnTheDevice) {
     PanelSaveScheduler scheduler(panel, *store);
-    turn();
-    press(PanelKey::Enter);
-    press(PanelKey::Up);
-    press(PanelKey::Enter);
-    double const committed = voltage->getEditor().getValue();
+    double const committed = commitOneEdit();
     gate->hold();
     clock->advance(2s);
     ASSERT_TRUE(panel.runOnce(0ms));  // hands the save to the writer thread
@@ -144,11 +141,7 @@ TEST_F(PanelSaveSchedulerTest, KeysAreServedWhileASaveIsHeldOnTheDevice) {
 
 TEST_F(PanelSaveSchedulerTest, StoppingThePanelWritesWhatIsUnsaved) {
     PanelSaveScheduler scheduler(panel, *store);
-    turn();
-    press(PanelKey::Enter);
-    press(PanelKey::Up);
-    press(PanelKey::Enter);
-    double const edited = voltage->getEditor().getValue();
+    double const edited = commitOneEdit();
     EXPECT_EQ(store->writeCount(), 0U) << "inside the save delay";
     panel.stop();
     EXPECT_FALSE(panel.runOnce(0ms));
@@ -165,10 +158,7 @@ TEST_F(PanelSaveSchedulerTest, StoppingThePanelWritesWhatIsUnsaved) {
 TEST_F(PanelSaveSchedulerTest, DestroyingTheSchedulerAfterTheRunWritesWhatIsUnsaved) {
     {
         PanelSaveScheduler scheduler(panel, *store);
-        turn();
-        press(PanelKey::Enter);
-        press(PanelKey::Up);
-        press(PanelKey::Enter);
+        commitOneEdit();
         panel.stop();
     }
     EXPECT_EQ(store->writeCount(), 1U);

@@ -21,10 +21,8 @@
 // settings, never as anything else.
 namespace {
 
-using yxfp_test::benchStoreOn;
-using yxfp_test::LogCapture;
-using yxfp_test::ModelFileSystem;
-using yxfrontpanel::settings::SettingsStore;
+using namespace yxfp_test;
+using namespace yxfrontpanel::settings;
 
 constexpr char const* kDirectory = "/model";
 constexpr char const* kPath = "/model/settings.json";

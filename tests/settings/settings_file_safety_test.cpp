@@ -23,21 +23,8 @@
 // second store is kept off the file.
 namespace {
 
-using yxfp_test::benchFile;
-using yxfp_test::benchStore;
-using yxfp_test::benchStoreOn;
-using yxfp_test::FaultyFileSystem;
-using yxfp_test::FileCall;
-using yxfp_test::filesStartingWith;
-using yxfp_test::LogCapture;
-using yxfp_test::readFile;
-using yxfp_test::TempDirectory;
-using yxfp_test::writeFile;
-using yxfrontpanel::settings::LoadResult;
-using yxfrontpanel::settings::posixFileSystem;
-using yxfrontpanel::settings::SaveResult;
-using yxfrontpanel::settings::SettingsStore;
-using yxfrontpanel::settings::SettingsStoreOptions;
+using namespace yxfp_test;
+using namespace yxfrontpanel::settings;
 
 // A file (the bench file) and an older backup in a temporary folder.
 class SettingsFileSafetyTest : public ::testing::Test {

@@ -20,12 +20,9 @@
 namespace {
 
 using namespace std::chrono_literals;
-using yxfp_test::benchStore;
-using yxfp_test::ManualSaveScheduler;
-using yxfp_test::savedChannel;
-using yxfp_test::TempDirectory;
+using namespace yxfp_test;
+using namespace yxfrontpanel::settings;
 using yxfrontpanel::runtime::ManualClock;
-using yxfrontpanel::settings::SettingsStore;
 
 // A temporary settings file and the scheduler that saves it when the test moves the clock.
 class SettingsSavePolicyTest : public ::testing::Test {

@@ -24,14 +24,8 @@
 // and logged, and the next save after the fault is cleared succeeds.
 namespace {
 
-using yxfp_test::benchStore;
-using yxfp_test::LogCapture;
-using yxfp_test::readFile;
-using yxfp_test::savedChannel;
-using yxfp_test::TempDirectory;
-using yxfrontpanel::settings::IFileSystem;
-using yxfrontpanel::settings::SaveResult;
-using yxfrontpanel::settings::SettingsStore;
+using namespace yxfp_test;
+using namespace yxfrontpanel::settings;
 
 constexpr int kErrorLevel = 3;
 

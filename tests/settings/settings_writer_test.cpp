@@ -23,19 +23,9 @@
 namespace {
 
 using namespace std::chrono_literals;
-using yxfp_test::benchStoreOn;
-using yxfp_test::FaultyFileSystem;
-using yxfp_test::FileCall;
-using yxfp_test::LogCapture;
-using yxfp_test::ManualSaveScheduler;
-using yxfp_test::ModelFileSystem;
-using yxfp_test::savedChannel;
-using yxfp_test::TempDirectory;
+using namespace yxfp_test;
+using namespace yxfrontpanel::settings;
 using yxfrontpanel::runtime::ManualClock;
-using yxfrontpanel::settings::ISaveScheduler;
-using yxfrontpanel::settings::posixFileSystem;
-using yxfrontpanel::settings::SaveResult;
-using yxfrontpanel::settings::SettingsStore;
 
 // A bench store on a temporary file, its calls going through a layer that can fail them, saved
 // by a scheduler on a hand-moved clock; every error it reports is collected.

@@ -230,7 +230,7 @@ public:
         std::lock_guard<std::mutex> const lock(mutex_);
         std::string fromName;
         std::string toName;
-        if (!nameOf(from, fromName) || !nameOf(to, toName) || entries_.count(fromName) == 0) {
+        if (!existingAndNew(from, to, fromName, toName)) {
             return -ENOENT;
         }
         if (!change("rename " + fromName + " " + toName)) {
@@ -252,7 +252,7 @@ public:
         std::lock_guard<std::mutex> const lock(mutex_);
         std::string fromName;
         std::string toName;
-        if (!nameOf(from, fromName) || !nameOf(to, toName) || entries_.count(fromName) == 0) {
+        if (!existingAndNew(from, to, fromName, toName)) {
             return -ENOENT;
         }
         if (entries_.count(toName) != 0) {
@@ -342,6 +342,11 @@ private:
         name = path.substr(directory_.size() + 1);
         return name.find('/') == std::string::npos;
     }
+    // The names of an existing entry `from` and of `to`, both in the directory.
+    bool existingAndNew(std::string const& from, std::string const& to, std::string& fromName,
+                        std::string& toName) const {
+        return nameOf(from, fromName) && nameOf(to, toName) && entries_.count(fromName) != 0;
+    }
     std::string nameOfInode(int inode) const {
         for (auto const& [name, entry] : entries_) {
             if (entry == inode) {
@@ -375,6 +380,40 @@ private:
     int nextDescriptor_ = 100;
 };
 
+/** Passes every call to another layer: the base of the layers below, which change a few. */
+class ForwardingFileSystem : public IFileSystem {
+public:
+    explicit ForwardingFileSystem(std::shared_ptr<IFileSystem> next) : next_(std::move(next)) {}
+
+    int open(std::string const& path, int flags, unsigned mode) override {
+        return next_->open(path, flags, mode);
+    }
+    long read(int fd, char* buffer, std::size_t size) override {
+        return next_->read(fd, buffer, size);
+    }
+    long write(int fd, char const* data, std::size_t size) override {
+        return next_->write(fd, data, size);
+    }
+    int fsync(int fd) override { return next_->fsync(fd); }
+    int close(int fd) override { return next_->close(fd); }
+    int fchmod(int fd, unsigned mode) override { return next_->fchmod(fd, mode); }
+    int status(std::string const& path, FileStatus& status) override {
+        return next_->status(path, status);
+    }
+    int status(int fd, FileStatus& status) override { return next_->status(fd, status); }
+    int rename(std::string const& from, std::string const& to) override {
+        return next_->rename(from, to);
+    }
+    int link(std::string const& from, std::string const& to) override {
+        return next_->link(from, to);
+    }
+    int unlink(std::string const& path) override { return next_->unlink(path); }
+    int lockExclusive(int fd) override { return next_->lockExclusive(fd); }
+
+private:
+    std::shared_ptr<IFileSystem> const next_;
+};
+
 /** The calls of `IFileSystem` that a `FaultyFileSystem` can fail. */
 enum class FileCall { Open, Read, Write, Fsync, Rename, Status };
 
@@ -383,7 +422,7 @@ enum class FileCall { Open, Read, Write, Fsync, Rename, Status };
  * each call with its descriptor and thread ("fsync 7"), so that a test sees which descriptor
  * was synced by which thread.
  */
-class FaultyFileSystem final : public IFileSystem {
+class FaultyFileSystem final : public ForwardingFileSystem {
 public:
     /** One recorded call. */
     struct Call {
@@ -392,7 +431,8 @@ public:
         std::thread::id thread;
     };
 
-    explicit FaultyFileSystem(std::shared_ptr<IFileSystem> next) : next_(std::move(next)) {}
+    explicit FaultyFileSystem(std::shared_ptr<IFileSystem> next)
+        : ForwardingFileSystem(std::move(next)) {}
 
     /** The next `times` calls of `call` whose path contains `pathPart` (every path for an
      *  empty one; descriptor calls match any) fail with `error`. */
@@ -420,19 +460,19 @@ public:
         if (int const error = fault(FileCall::Open, path, -1)) {
             return error;
         }
-        return next_->open(path, flags, mode);
+        return ForwardingFileSystem::open(path, flags, mode);
     }
     long read(int fd, char* buffer, std::size_t size) override {
         if (int const error = fault(FileCall::Read, {}, fd)) {
             return error;
         }
-        return next_->read(fd, buffer, size);
+        return ForwardingFileSystem::read(fd, buffer, size);
     }
     long write(int fd, char const* data, std::size_t size) override {
         if (int const error = fault(FileCall::Write, {}, fd)) {
             return error;
         }
-        return next_->write(fd, data, size);
+        return ForwardingFileSystem::write(fd, data, size);
     }
     int fsync(int fd) override {
         if (int const error = fault(FileCall::Fsync, {}, fd)) {
@@ -440,28 +480,20 @@ public:
             failedSyncs_.push_back(fd);
             return error;
         }
-        return next_->fsync(fd);
+        return ForwardingFileSystem::fsync(fd);
     }
-    int close(int fd) override { return next_->close(fd); }
-    int fchmod(int fd, unsigned mode) override { return next_->fchmod(fd, mode); }
     int status(std::string const& path, FileStatus& status) override {
         if (int const error = fault(FileCall::Status, path, -1)) {
             return error;
         }
-        return next_->status(path, status);
+        return ForwardingFileSystem::status(path, status);
     }
-    int status(int fd, FileStatus& status) override { return next_->status(fd, status); }
     int rename(std::string const& from, std::string const& to) override {
         if (int const error = fault(FileCall::Rename, to, -1)) {
             return error;
         }
-        return next_->rename(from, to);
+        return ForwardingFileSystem::rename(from, to);
     }
-    int link(std::string const& from, std::string const& to) override {
-        return next_->link(from, to);
-    }
-    int unlink(std::string const& path) override { return next_->unlink(path); }
-    int lockExclusive(int fd) override { return next_->lockExclusive(fd); }
 
 private:
     struct Fault {
@@ -487,7 +519,6 @@ private:
         return 0;
     }
 
-    std::shared_ptr<IFileSystem> const next_;
     mutable std::mutex mutex_;
     std::vector<Fault> faults_;
     std::vector<Call> calls_;
@@ -496,9 +527,10 @@ private:
 
 /** Passes every call to another layer; after `hold`, each write waits until `release`: a save
  *  that takes as long as the test wants, without sleeping. Records the threads that fsync. */
-class GatedFileSystem final : public IFileSystem {
+class GatedFileSystem final : public ForwardingFileSystem {
 public:
-    explicit GatedFileSystem(std::shared_ptr<IFileSystem> next) : next_(std::move(next)) {}
+    explicit GatedFileSystem(std::shared_ptr<IFileSystem> next)
+        : ForwardingFileSystem(std::move(next)) {}
 
     /** Holds every later write until `release`. */
     void hold() {
@@ -522,12 +554,6 @@ public:
         return syncing_;
     }
 
-    int open(std::string const& path, int flags, unsigned mode) override {
-        return next_->open(path, flags, mode);
-    }
-    long read(int fd, char* buffer, std::size_t size) override {
-        return next_->read(fd, buffer, size);
-    }
     long write(int fd, char const* data, std::size_t size) override {
         {
             std::unique_lock<std::mutex> lock(mutex_);
@@ -537,32 +563,17 @@ public:
                 changed_.wait(lock, [this] { return open_; });
             }
         }
-        return next_->write(fd, data, size);
+        return ForwardingFileSystem::write(fd, data, size);
     }
     int fsync(int fd) override {
         {
             std::lock_guard<std::mutex> const lock(mutex_);
             syncing_.insert(std::this_thread::get_id());
         }
-        return next_->fsync(fd);
+        return ForwardingFileSystem::fsync(fd);
     }
-    int close(int fd) override { return next_->close(fd); }
-    int fchmod(int fd, unsigned mode) override { return next_->fchmod(fd, mode); }
-    int status(std::string const& path, FileStatus& status) override {
-        return next_->status(path, status);
-    }
-    int status(int fd, FileStatus& status) override { return next_->status(fd, status); }
-    int rename(std::string const& from, std::string const& to) override {
-        return next_->rename(from, to);
-    }
-    int link(std::string const& from, std::string const& to) override {
-        return next_->link(from, to);
-    }
-    int unlink(std::string const& path) override { return next_->unlink(path); }
-    int lockExclusive(int fd) override { return next_->lockExclusive(fd); }
 
 private:
-    std::shared_ptr<IFileSystem> const next_;
     mutable std::mutex mutex_;
     std::condition_variable changed_;
     int held_ = 0;
