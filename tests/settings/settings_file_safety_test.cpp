@@ -147,6 +147,24 @@ TEST_F(SettingsFileSafetyTest, APlantedSymbolicLinkIsNeverFollowed) {
     EXPECT_EQ(readFile(path + ".bak"), good);
 }
 
+TEST_F(SettingsFileSafetyTest, TheFirstSaveRemovesTemporaryFilesACrashLeftBehind) {
+    for (std::string const name : {".tmp-a1B2c3", ".bak.tmp-Zz9yX8"}) {
+        writeFile(path + name, "{\"applic");
+    }
+    writeFile(path + ".tmp-notmine", "kept");
+    writeFile(dir.file("other.json.tmp-a1B2c3"), "kept");
+    auto store = benchStore(path);
+    store->load();
+    EXPECT_EQ(filesStartingWith(dir.path(), "settings.json.tmp-"),
+              (std::vector<std::string>{"settings.json.tmp-a1B2c3", "settings.json.tmp-notmine"}))
+        << "loading removes nothing";
+    ASSERT_TRUE(store->saveNow());
+    EXPECT_EQ(filesStartingWith(dir.path(), "settings.json.tmp-"),
+              (std::vector<std::string>{"settings.json.tmp-notmine"}));
+    EXPECT_TRUE(filesStartingWith(dir.path(), "settings.json.bak.tmp-").empty());
+    EXPECT_EQ(readFile(dir.file("other.json.tmp-a1B2c3")), "kept");
+}
+
 TEST_F(SettingsFileSafetyTest, ASaveKeepsTheFilesModeAndANewFileIsReadableByAll) {
     ASSERT_EQ(::chmod(path.c_str(), 0600), 0);
     auto store = benchStore(path);

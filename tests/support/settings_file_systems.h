@@ -280,6 +280,17 @@ public:
         pending_.push_back([name](std::map<std::string, int>& entries) { entries.erase(name); });
         return 0;
     }
+    int list(std::string const& directory, std::vector<std::string>& names) override {
+        std::lock_guard<std::mutex> const lock(mutex_);
+        if (directory != directory_) {
+            return -ENOENT;
+        }
+        names.clear();
+        for (auto const& entry : entries_) {
+            names.push_back(entry.first);
+        }
+        return 0;
+    }
     int lockExclusive(int fd) override {
         std::lock_guard<std::mutex> const lock(mutex_);
         auto const found = descriptors_.find(fd);
@@ -408,6 +419,9 @@ public:
         return next_->link(from, to);
     }
     int unlink(std::string const& path) override { return next_->unlink(path); }
+    int list(std::string const& directory, std::vector<std::string>& names) override {
+        return next_->list(directory, names);
+    }
     int lockExclusive(int fd) override { return next_->lockExclusive(fd); }
 
 private:

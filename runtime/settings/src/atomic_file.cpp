@@ -4,6 +4,7 @@
 #include <ctime>
 #include <random>
 #include <system_error>
+#include <vector>
 
 #include <fcntl.h>
 
@@ -59,13 +60,16 @@ std::string writeAll(IFileSystem& fs, int fd, std::string const& contents,
     return {};
 }
 
+// The length of the random part of a temporary file's name.
+constexpr std::size_t kUniqueLength = 6;
+
 // `base` + "-XXXXXX" with six random letters and digits.
 std::string uniqueName(std::string const& base) {
     static char const kLetters[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
     thread_local std::mt19937 random{std::random_device{}()};
     std::uniform_int_distribution<std::size_t> pick(0, sizeof kLetters - 2);
     std::string name = base + "-";
-    for (int i = 0; i < 6; ++i) {
+    for (std::size_t i = 0; i < kUniqueLength; ++i) {
         name += kLetters[pick(random)];
     }
     return name;
@@ -283,6 +287,24 @@ std::string moveAside(IFileSystem& fs, std::string const& path, std::string& err
     }
     error = "no free name to move " + path + " aside";
     return {};
+}
+
+void removeLeftovers(IFileSystem& fs, std::string const& path) {
+    std::string const directory = directoryOf(path);
+    std::string const base =
+        path.substr(path.rfind('/') == std::string::npos ? 0 : path.rfind('/') + 1);
+    std::vector<std::string> names;
+    if (fs.list(directory, names) != 0) {
+        return;
+    }
+    for (std::string const& name : names) {
+        for (std::string const& prefix : {base + ".tmp-", base + ".bak.tmp-"}) {
+            if (name.size() == prefix.size() + kUniqueLength &&
+                name.compare(0, prefix.size(), prefix) == 0) {
+                fs.unlink(directory + "/" + name);
+            }
+        }
+    }
 }
 
 int lockFile(IFileSystem& fs, std::string const& path, std::string const& lockedFile,

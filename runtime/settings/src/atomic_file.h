@@ -54,6 +54,11 @@ std::string moveAside(IFileSystem& fs, std::string const& path, std::string& err
 int lockFile(IFileSystem& fs, std::string const& path, std::string const& lockedFile,
              std::string& error);
 
+/** Removes the temporary files a save interrupted by a crash left next to `path`
+ *  (`path`.tmp-XXXXXX and the backup's `path`.bak.tmp-XXXXXX). Only for the store that holds
+ *  the file's lock: no save of another store can be writing them. */
+void removeLeftovers(IFileSystem& fs, std::string const& path);
+
 /** The directory holding `path` ("." for a bare name). */
 std::string directoryOf(std::string const& path);
 

@@ -1,7 +1,9 @@
 #include <yxfrontpanel/runtime/settings_file_system.h>
 
 #include <cerrno>
+#include <cstring>
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -86,6 +88,22 @@ public:
     }
     int unlink(std::string const& path) override {
         return checked([&] { return ::unlink(path.c_str()); });
+    }
+    int list(std::string const& directory, std::vector<std::string>& names) override {
+        DIR* const folder = ::opendir(directory.c_str());
+        if (folder == nullptr) {
+            return -errno;
+        }
+        names.clear();
+        errno = 0;
+        while (dirent const* entry = ::readdir(folder)) {
+            if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0) {
+                names.emplace_back(entry->d_name);
+            }
+        }
+        int const error = errno;
+        ::closedir(folder);
+        return -error;
     }
     int lockExclusive(int fd) override {
         return checked([&] { return ::flock(fd, LOCK_EX | LOCK_NB); });

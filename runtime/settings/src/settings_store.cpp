@@ -336,6 +336,9 @@ private:
     bool lockLocked(std::string& error) {
         if (lockFd_ < 0) {
             lockFd_ = detail::lockFile(*fs_, path_ + ".lock", path_, error);
+            if (lockFd_ >= 0) {
+                detail::removeLeftovers(*fs_, path_);
+            }
         }
         return lockFd_ >= 0;
     }

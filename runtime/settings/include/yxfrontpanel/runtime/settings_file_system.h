@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace yxfrontpanel::settings {
 
@@ -69,6 +70,8 @@ public:
     virtual int link(std::string const& from, std::string const& to) = 0;
     /** unlink(2): 0, or -errno. */
     virtual int unlink(std::string const& path) = 0;
+    /** The names in `directory` (readdir(3), without "." and ".."): 0, or -errno. */
+    virtual int list(std::string const& directory, std::vector<std::string>& names) = 0;
     /** flock(2) with LOCK_EX | LOCK_NB: 0, or -errno (-EWOULDBLOCK when another open file
      *  holds the lock). The lock ends when the descriptor is closed. */
     virtual int lockExclusive(int fd) = 0;

@@ -113,7 +113,8 @@ struct LoadResult {
  * An exclusive flock on NAME.lock, taken before the store first changes a file (its first save,
  * or a corrupt file moved aside) and held until the store goes, keeps a second store (in this
  * or another process) from writing the file: its saves are refused with an error naming the
- * file. Loading alone takes no lock, so a second store may read the file.
+ * file. Loading alone takes no lock, so a second store may read the file. Taking the lock
+ * removes the temporary files a save interrupted by a crash left behind.
  *
  * Loading a missing file gives the defaults. A file that cannot be read as a settings file of
  * this application (not JSON, truncated, empty, larger than `maxFileSize`, another application's,
