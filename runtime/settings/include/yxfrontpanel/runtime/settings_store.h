@@ -225,8 +225,11 @@ public:
      *  inside that listener's own call on another thread. */
     void unsubscribe(ListenerId id);
 
-    /** Saves coalesced after changes through `scheduler` (not owned; must outlive the store or
-     *  be replaced first); null turns automatic saving off and cancels a scheduled save. */
+    /** Saves coalesced after changes, and retries of failed saves, through `scheduler` (not
+     *  owned; must outlive the store or be replaced first); null turns automatic saving off and
+     *  cancels a scheduled save. Waits until a call into the previous scheduler made on another
+     *  thread (e.g. the writer thread scheduling a retry) has returned, so that the previous one
+     *  may go afterwards; not to be called from inside the scheduler's own functions. */
     void setScheduler(ISaveScheduler* scheduler);
 
     /** The definition of `key`, or null for an undeclared key. */
