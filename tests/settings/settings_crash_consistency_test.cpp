@@ -76,20 +76,36 @@ void saveNewVersion(std::shared_ptr<ModelFileSystem> const& fs) {
     static_cast<void>(store->saveNow());
 }
 
+// An application starting on `fs` with a file whose main copy is cut short: loading moves it
+// aside and writes the backup back as the file.
+void loadFromTheBackup(std::shared_ptr<ModelFileSystem> const& fs) {
+    benchStoreOn(kPath, fs)->load();
+}
+
+// The device holding the old version as the backup and a cut-short file.
+ModelFileSystem::Image cutShortWithABackup() {
+    ModelFileSystem::Image image = savedImage({kOld});
+    std::string const file = image.at("settings.json");
+    image["settings.json.bak"] = file;
+    image["settings.json"] = file.substr(0, file.size() / 2);
+    return image;
+}
+
 struct CrashScenario {
     char const* name;
-    std::vector<Version> before;  // saved before the recorded save
-    Version old;                  // what loads before it
+    ModelFileSystem::Image initial;
+    Version old;      // what loads before the recorded work
+    Version updated;  // what loads after it
+    void (*work)(std::shared_ptr<ModelFileSystem> const& fs);
 };
 
-// Checks every crash state of the save from `scenario`; returns how many were loaded.
+// Checks every crash state of the work of `scenario`; returns how many were loaded.
 std::size_t checkEveryCrashState(CrashScenario const& scenario) {
-    ModelFileSystem::Image const initial = savedImage(scenario.before);
-    EXPECT_EQ(loadedVersion(initial), scenario.old) << scenario.name;
+    EXPECT_EQ(loadedVersion(scenario.initial), scenario.old) << scenario.name;
 
-    auto recorded = std::make_shared<ModelFileSystem>(kDirectory, initial);
+    auto recorded = std::make_shared<ModelFileSystem>(kDirectory, scenario.initial);
     recorded->limitWrites(kWriteLimit);
-    saveNewVersion(recorded);
+    scenario.work(recorded);
     std::vector<std::string> const steps = recorded->log();
     std::set<std::string> kinds;
     for (auto const& step : steps) {
@@ -97,17 +113,17 @@ std::size_t checkEveryCrashState(CrashScenario const& scenario) {
     }
     EXPECT_TRUE(kinds.count("write") && kinds.count("fsync") && kinds.count("rename"))
         << scenario.name;
-    EXPECT_EQ(loadedVersion(recorded->currentImage()), kNew) << scenario.name;
+    EXPECT_EQ(loadedVersion(recorded->currentImage()), scenario.updated) << scenario.name;
 
     std::size_t checked = 0;
     for (std::size_t prefix = 0; prefix <= steps.size(); ++prefix) {
-        auto fs = std::make_shared<ModelFileSystem>(kDirectory, initial);
+        auto fs = std::make_shared<ModelFileSystem>(kDirectory, scenario.initial);
         fs->limitWrites(kWriteLimit);
         fs->freezeAfter(prefix);
-        saveNewVersion(fs);
+        scenario.work(fs);
         for (auto const& image : fs->crashImages()) {
             Version const loaded = loadedVersion(image);
-            EXPECT_TRUE(loaded == scenario.old || loaded == kNew)
+            EXPECT_TRUE(loaded == scenario.old || loaded == scenario.updated)
                 << scenario.name << ": power cut after " << prefix << " of " << steps.size()
                 << " steps (last: " << (prefix == 0 ? "none" : steps[prefix - 1])
                 << ") loads channel " << loaded.channel << ", name " << loaded.name;
@@ -120,9 +136,11 @@ std::size_t checkEveryCrashState(CrashScenario const& scenario) {
 TEST(SettingsCrashConsistencyTest, EveryPowerCutDuringASaveLoadsTheOldOrTheNewSettings) {
     LogCapture log;  // corrupt states are moved aside with warnings
     std::vector<CrashScenario> const scenarios{
-        {"first save", {}, kDefaults},
-        {"save over a file", {kOld}, kOld},
-        {"save over a file and its backup", {Version{4, "older"}, kOld}, kOld},
+        {"first save", savedImage({}), kDefaults, kNew, saveNewVersion},
+        {"save over a file", savedImage({kOld}), kOld, kNew, saveNewVersion},
+        {"save over a file and its backup", savedImage({Version{4, "older"}, kOld}), kOld, kNew,
+         saveNewVersion},
+        {"backup written back", cutShortWithABackup(), kOld, kOld, loadFromTheBackup},
     };
     std::size_t checked = 0;
     for (auto const& scenario : scenarios) {

@@ -253,15 +253,20 @@ TEST(SettingsStoreTest, AFileTruncatedAtAnyByteGivesTheDefaultsNeverAMix) {
     EXPECT_EQ(filesStartingWith(dir.path(), "settings.json.corrupt-").size(), complete);
 }
 
-TEST(SettingsStoreTest, ATruncatedFileWithABackupGivesTheBackupAndRestoresTheFile) {
+TEST(SettingsStoreTest, ATruncatedOrMissingFileWithABackupGivesTheBackupAndRestoresTheFile) {
     std::string const valid = benchFile();
     constexpr std::size_t kStep = 13;
-    for (std::size_t length = 0; length < valid.size(); length += kStep) {
-        SCOPED_TRACE("length " + std::to_string(length));
+    // Every 13th length of a cut-short file, then no file at all (a power cut after the file
+    // was moved aside and before the backup was written back).
+    for (std::size_t length = 0; length <= valid.size(); length += kStep) {
+        bool const missing = length + kStep > valid.size();
+        SCOPED_TRACE(missing ? "missing" : "length " + std::to_string(length));
         TempDirectory dir;
         std::string const path = dir.file("settings.json");
         writeFile(path + ".bak", valid);
-        writeFile(path, valid.substr(0, length));
+        if (!missing) {
+            writeFile(path, valid.substr(0, length));
+        }
         LogCapture log;
         auto store = benchStore(path);
         LoadResult const result = store->load();

@@ -97,7 +97,10 @@ public:
         {
             std::lock_guard<std::mutex> const writing(writeMutex_);
             std::optional<detail::SettingsDocument> document = readDocument(path_, result, true);
-            if (!document && result.source == LoadResult::Source::DefaultsAfterCorruption) {
+            // A missing file with a backup: a power cut came after a corrupt file was moved
+            // aside and before the backup was written back; the backup is still good.
+            if (!document && (result.source == LoadResult::Source::DefaultsAfterCorruption ||
+                              result.source == LoadResult::Source::Defaults)) {
                 document = readDocument(backupPath(), result, false);
                 if (document) {
                     result.source = LoadResult::Source::Backup;

@@ -80,8 +80,8 @@ struct LoadResult {
         Defaults,
         /** The file was read. */
         File,
-        /** The file was corrupt and moved aside; the backup was read and written back as the
-         *  file. */
+        /** The file was corrupt and moved aside, or missing; the backup was read and written
+         *  back as the file. */
         Backup,
         /** The file (and backup, if any) were unusable: defaults. */
         DefaultsAfterCorruption,
@@ -116,7 +116,9 @@ struct LoadResult {
  * file. Loading alone takes no lock, so a second store may read the file. Taking the lock
  * removes the temporary files a save interrupted by a crash left behind.
  *
- * Loading a missing file gives the defaults. A file that cannot be read as a settings file of
+ * Loading a missing file gives the backup when there is one (written back as the file: a power
+ * cut may have come between moving a corrupt file aside and writing the backup back), else the
+ * defaults. A file that cannot be read as a settings file of
  * this application (not JSON, truncated, empty, larger than `maxFileSize`, another application's,
  * malformed structure) is renamed to NAME.corrupt-TIMESTAMP with a warning, and the backup is
  * used (and written back as the file), else the defaults. A file that cannot be read at all
