@@ -215,7 +215,7 @@ public:
         status = statusOf(entries_.at(name));
         return 0;
     }
-    int status(int fd, FileStatus& status) override {
+    int fileStatus(int fd, FileStatus& status) override {
         std::lock_guard<std::mutex> const lock(mutex_);
         auto const found = descriptors_.find(fd);
         if (found == descriptors_.end()) {
@@ -411,7 +411,7 @@ public:
     int status(std::string const& path, FileStatus& status) override {
         return next_->status(path, status);
     }
-    int status(int fd, FileStatus& status) override { return next_->status(fd, status); }
+    int fileStatus(int fd, FileStatus& status) override { return next_->fileStatus(fd, status); }
     int rename(std::string const& from, std::string const& to) override {
         return next_->rename(from, to);
     }

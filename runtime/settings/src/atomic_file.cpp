@@ -238,7 +238,7 @@ ReadOutcome readWholeFile(IFileSystem& fs, std::string const& path, std::size_t 
         error = failure("opening", path, fd.get());
         return ReadOutcome::Failed;
     }
-    if (int const result = fs.status(fd.get(), status); result != 0) {
+    if (int const result = fs.fileStatus(fd.get(), status); result != 0) {
         error = failure("examining", path, result);
         return ReadOutcome::Failed;
     }

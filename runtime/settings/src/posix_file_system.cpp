@@ -72,7 +72,7 @@ public:
         }
         return result;
     }
-    int status(int fd, FileStatus& status) override {
+    int fileStatus(int fd, FileStatus& status) override {
         struct stat info {};
         int const result = checked([&] { return ::fstat(fd, &info); });
         if (result == 0) {

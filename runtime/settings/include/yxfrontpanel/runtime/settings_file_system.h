@@ -10,7 +10,7 @@
 
 namespace yxfrontpanel::settings {
 
-/** What `IFileSystem::status` reports about a file. */
+/** What `IFileSystem::status` and `fileStatus` report about a file. */
 struct FileStatus {
     /** The kinds of file the store tells apart. */
     enum class Kind {
@@ -63,7 +63,7 @@ public:
     /** stat(2) of a path, following symbolic links: 0, or -errno. */
     virtual int status(std::string const& path, FileStatus& status) = 0;
     /** fstat(2): 0, or -errno. */
-    virtual int status(int fd, FileStatus& status) = 0;
+    virtual int fileStatus(int fd, FileStatus& status) = 0;
     /** rename(2): 0, or -errno. */
     virtual int rename(std::string const& from, std::string const& to) = 0;
     /** link(2): 0, or -errno (-EEXIST when `to` exists, also as a symbolic link). */
