@@ -10,7 +10,7 @@
 
 namespace yxfrontpanel::settings {
 
-/** What `IFileSystem::status` and `fileStatus` report about a file. */
+/** What `IFileSystem::status` and `IFileSystem::fileStatus` report about a file. */
 struct FileStatus {
     /** The kinds of file the store tells apart. */
     enum class Kind {
