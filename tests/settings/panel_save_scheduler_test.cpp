@@ -7,7 +7,10 @@
 #include <chrono>
 #include <memory>
 #include <string>
+#include <thread>
 
+#include "recording_provider.h"
+#include "settings_file_systems.h"
 #include "settings_test_store.h"
 #include "temp_directory.h"
 
@@ -18,14 +21,10 @@ namespace {
 
 using namespace std::chrono_literals;
 using frontpanelhw::PanelKey;
-using yxfp_test::benchStore;
-using yxfp_test::TempDirectory;
+using namespace yxfp_test;
+using namespace yxfrontpanel::settings;
 using yxfrontpanel::runtime::ManualClock;
 using yxfrontpanel::runtime::Panel;
-using yxfrontpanel::settings::bindSetting;
-using yxfrontpanel::settings::PanelSaveScheduler;
-using yxfrontpanel::settings::SettingBinding;
-using yxfrontpanel::settings::SettingsStore;
 
 // A panel whose root menu holds the voltage editor bound to a bench store.
 class PanelSaveSchedulerTest : public ::testing::Test {
@@ -44,10 +43,22 @@ protected:
         panel.setRoot(*tree);
     }
 
-    void turn() { ASSERT_TRUE(panel.runOnce(0ms)); }
+    // One turn of the panel, then waits for the saves it handed to the writer thread.
+    void turn() {
+        ASSERT_TRUE(panel.runOnce(0ms));
+        store->waitForSaves();
+    }
     void press(PanelKey key) {
         ASSERT_TRUE(panel.pressKey(key));
         turn();
+    }
+    // Opens the voltage editor, raises the value and commits it; returns the committed value.
+    double commitOneEdit() {
+        turn();
+        press(PanelKey::Enter);
+        press(PanelKey::Up);
+        press(PanelKey::Enter);
+        return voltage->getEditor().getValue();
     }
     double savedVoltage() const {
         auto reloaded = benchStore(path);
@@ -57,7 +68,9 @@ protected:
 
     TempDirectory dir;
     std::string path = dir.file("settings.json");
-    std::unique_ptr<SettingsStore> store = benchStore(path);
+    std::shared_ptr<yxfp_test::GatedFileSystem> gate =
+        std::make_shared<yxfp_test::GatedFileSystem>(yxfrontpanel::settings::posixFileSystem());
+    std::unique_ptr<SettingsStore> store = yxfp_test::benchStoreOn(path, gate);
     frontpanelhw::MemoryDisplay display{20, 4};
     std::shared_ptr<ManualClock> clock = std::make_shared<ManualClock>();
     Panel panel;
@@ -90,32 +103,53 @@ TEST_F(PanelSaveSchedulerTest, AHundredCommitsInOneSecondWriteTheFileAtMostTwice
 
 TEST_F(PanelSaveSchedulerTest, NothingIsWrittenBeforeTheDelayAndOnceAfterIt) {
     PanelSaveScheduler scheduler(panel, *store);
-    turn();
-    press(PanelKey::Enter);
-    press(PanelKey::Up);
-    press(PanelKey::Enter);
+    double const committed = commitOneEdit();
     clock->advance(1999ms);
     turn();
     EXPECT_EQ(store->writeCount(), 0U);
     clock->advance(1ms);
     turn();
     EXPECT_EQ(store->writeCount(), 1U);
-    EXPECT_EQ(savedVoltage(), voltage->getEditor().getValue());
+    EXPECT_EQ(savedVoltage(), committed);
+}
+
+TEST_F(PanelSaveSchedulerTest, KeysAreServedWhileASaveIsHeldOnTheDevice) {
+    PanelSaveScheduler scheduler(panel, *store);
+    double const committed = commitOneEdit();
+    gate->hold();
+    clock->advance(2s);
+    ASSERT_TRUE(panel.runOnce(0ms));  // hands the save to the writer thread
+    gate->waitUntilHeld();            // which is now inside a write that does not end
+    auto const before = yxfp_test::screenOf(display.getLastFrame());
+    for (PanelKey const key : {PanelKey::Down, PanelKey::Down, PanelKey::Enter}) {
+        ASSERT_TRUE(panel.pressKey(key));
+        clock->advance(100ms);  // a frame is due
+        ASSERT_TRUE(panel.runOnce(0ms));
+    }
+    auto const after = yxfp_test::screenOf(display.getLastFrame());
+    EXPECT_NE(after, before) << "three key presses served during the save";
+    EXPECT_EQ(store->number("voltage"), voltage->getEditor().getValue()) << "and committed";
+    EXPECT_NE(voltage->getEditor().getValue(), committed);
+    EXPECT_EQ(store->writeCount(), 0U);
+    gate->release();
+    store->waitForSaves();
+    EXPECT_EQ(store->writeCount(), 1U);
+    EXPECT_EQ(savedVoltage(), committed);
+    EXPECT_EQ(gate->syncingThreads().count(std::this_thread::get_id()), 0U)
+        << "the panel's thread called fsync";
 }
 
 TEST_F(PanelSaveSchedulerTest, StoppingThePanelWritesWhatIsUnsaved) {
     PanelSaveScheduler scheduler(panel, *store);
-    turn();
-    press(PanelKey::Enter);
-    press(PanelKey::Up);
-    press(PanelKey::Enter);
-    double const edited = voltage->getEditor().getValue();
+    double const edited = commitOneEdit();
     EXPECT_EQ(store->writeCount(), 0U) << "inside the save delay";
     panel.stop();
     EXPECT_FALSE(panel.runOnce(0ms));
+    store->waitForSaves();
     EXPECT_EQ(store->writeCount(), 1U);
     EXPECT_EQ(savedVoltage(), edited);
     EXPECT_FALSE(panel.runOnce(0ms));
+    store->waitForSaves();
     EXPECT_EQ(store->writeCount(), 1U) << "once";
     EXPECT_TRUE(scheduler.finish());
     EXPECT_EQ(store->writeCount(), 1U) << "nothing left to write";
@@ -124,10 +158,7 @@ TEST_F(PanelSaveSchedulerTest, StoppingThePanelWritesWhatIsUnsaved) {
 TEST_F(PanelSaveSchedulerTest, DestroyingTheSchedulerAfterTheRunWritesWhatIsUnsaved) {
     {
         PanelSaveScheduler scheduler(panel, *store);
-        turn();
-        press(PanelKey::Enter);
-        press(PanelKey::Up);
-        press(PanelKey::Enter);
+        commitOneEdit();
         panel.stop();
     }
     EXPECT_EQ(store->writeCount(), 1U);

@@ -18,10 +18,8 @@
 // reach the item.
 namespace {
 
-using yxfp_test::Key;
-using yxfp_test::press;
-using yxfp_test::TempDirectory;
-using yxfp_test::TestMenu;
+using namespace yxfp_test;
+using namespace yxfrontpanel::settings;
 using yxfrontpanel::InlineEditorMenuItem;
 using yxfrontpanel::IpAddressEditorMenuItem;
 using yxfrontpanel::RadioMenuItem;
@@ -29,10 +27,6 @@ using yxfrontpanel::RadioTreeMenuItem;
 using yxfrontpanel::ReadOnlyMenuItem;
 using yxfrontpanel::SliderMenuItem;
 using yxfrontpanel::ValueEditorMenuItem;
-using yxfrontpanel::settings::bindSetting;
-using yxfrontpanel::settings::SettingDefinition;
-using yxfrontpanel::settings::SettingsStore;
-using yxfrontpanel::settings::SettingsStoreOptions;
 
 std::vector<SettingDefinition> panelDefinitions() {
     return {SettingDefinition::number("voltage", 12.5, 0.0, 30.0),

@@ -8,12 +8,7 @@
 
 namespace {
 
-using yxfrontpanel::settings::parseIpv4;
-using yxfrontpanel::settings::SettingCheck;
-using yxfrontpanel::settings::SettingDefinition;
-using yxfrontpanel::settings::SettingType;
-using yxfrontpanel::settings::SettingValue;
-using yxfrontpanel::settings::toText;
+using namespace yxfrontpanel::settings;
 using Outcome = SettingCheck::Outcome;
 
 TEST(SettingDefinitionTest, NumbersOutsideTheRangeAreClampedToTheNearerBound) {

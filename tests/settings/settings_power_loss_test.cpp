@@ -25,11 +25,8 @@
 // the defaults, never a mix of two versions.
 namespace {
 
-using yxfp_test::TempDirectory;
-using yxfrontpanel::settings::LoadResult;
-using yxfrontpanel::settings::SettingDefinition;
-using yxfrontpanel::settings::SettingsStore;
-using yxfrontpanel::settings::SettingsStoreOptions;
+using namespace yxfp_test;
+using namespace yxfrontpanel::settings;
 
 constexpr int kValueCount = 1000;
 constexpr std::int64_t kDefault = -1;

@@ -20,20 +20,23 @@
 namespace {
 
 using namespace std::chrono_literals;
-using yxfp_test::benchStore;
-using yxfp_test::ManualSaveScheduler;
-using yxfp_test::savedChannel;
-using yxfp_test::TempDirectory;
+using namespace yxfp_test;
+using namespace yxfrontpanel::settings;
 using yxfrontpanel::runtime::ManualClock;
-using yxfrontpanel::settings::SettingsStore;
 
 // A temporary settings file and the scheduler that saves it when the test moves the clock.
 class SettingsSavePolicyTest : public ::testing::Test {
 protected:
-    // `store`, saving through the scheduler.
+    // `store`, saving through the scheduler; `advance` waits for its writer thread.
     std::unique_ptr<SettingsStore> scheduled(std::unique_ptr<SettingsStore> store) {
         store->setScheduler(&scheduler_);
+        watched_ = store.get();
         return store;
+    }
+    // Moves the clock and waits until the watched store has written what that started.
+    void advance(std::chrono::nanoseconds step) {
+        clock_.advance(step);
+        watched_->waitForSaves();
     }
     // The bench store on the fixture's file, loaded as an application starts, saving through
     // the scheduler.
@@ -47,15 +50,16 @@ protected:
     std::string const path_ = dir_.file("settings.json");
     ManualClock clock_;
     ManualSaveScheduler scheduler_{clock_};
+    SettingsStore* watched_ = nullptr;
 };
 
 TEST_F(SettingsSavePolicyTest, AHundredCommitsInOneSecondGiveAtMostTwoWrites) {
     auto store = loadedStore();
     for (int i = 0; i < 100; ++i) {
         store->set("voltage", 0.25 * i);
-        clock_.advance(10ms);
+        advance(10ms);
     }
-    clock_.advance(3s);
+    advance(3s);
     EXPECT_LE(store->writeCount(), 2U);
     EXPECT_GE(store->writeCount(), 1U);
     EXPECT_FALSE(store->hasUnsavedChanges());
@@ -68,16 +72,16 @@ TEST_F(SettingsSavePolicyTest, AHundredCommitsInOneSecondGiveAtMostTwoWrites) {
 TEST_F(SettingsSavePolicyTest, TheFileIsWrittenWithinTheDelayOfTheFirstUnsavedChange) {
     auto store = loadedStore();
     store->set("channel", std::int64_t{7});
-    clock_.advance(1999ms);
+    advance(1999ms);
     EXPECT_EQ(store->writeCount(), 0U);
-    clock_.advance(1ms);
+    advance(1ms);
     EXPECT_EQ(store->writeCount(), 1U);
     EXPECT_EQ(savedChannel(path_), 7);
     // A later change starts a new period; without changes nothing more is written.
-    clock_.advance(10s);
+    advance(10s);
     EXPECT_EQ(store->writeCount(), 1U);
     store->set("channel", std::int64_t{8});
-    clock_.advance(2s);
+    advance(2s);
     EXPECT_EQ(store->writeCount(), 2U);
     EXPECT_EQ(savedChannel(path_), 8);
 }
@@ -87,10 +91,11 @@ TEST_F(SettingsSavePolicyTest, TheDelayFollowsTheOptions) {
     options.saveDelay = 500ms;
     SettingsStore store(path_, options, yxfp_test::benchDefinitions());
     store.setScheduler(&scheduler_);
+    watched_ = &store;
     store.set("output", true);
-    clock_.advance(499ms);
+    advance(499ms);
     EXPECT_EQ(store.writeCount(), 0U);
-    clock_.advance(1ms);
+    advance(1ms);
     EXPECT_EQ(store.writeCount(), 1U);
 }
 
@@ -102,7 +107,7 @@ TEST_F(SettingsSavePolicyTest, FlushWritesPendingChangesAndCancelsTheScheduledSa
     EXPECT_EQ(store->writeCount(), 1U);
     EXPECT_EQ(scheduler_.pending(), 0U);
     EXPECT_EQ(savedChannel(path_), 11);
-    clock_.advance(5s);
+    advance(5s);
     EXPECT_EQ(store->writeCount(), 1U);
 }
 
@@ -110,21 +115,21 @@ TEST_F(SettingsSavePolicyTest, UnchangedValuesScheduleNothing) {
     auto store = scheduled(benchStore(path_));
     store->set("channel", std::int64_t{3});
     EXPECT_EQ(scheduler_.scheduledCount(), 0U);
-    clock_.advance(5s);
+    advance(5s);
     EXPECT_EQ(store->writeCount(), 0U);
 }
 
-TEST_F(SettingsSavePolicyTest, AFailedScheduledSaveIsRetriedByTheNextChange) {
+TEST_F(SettingsSavePolicyTest, AFailedScheduledSaveIsRetried) {
     std::string const folder = dir_.file("config");
     auto store = scheduled(benchStore(folder + "/settings.json"));
     yxfp_test::LogCapture log;
     store->set("channel", std::int64_t{4});
-    clock_.advance(2s);
+    advance(2s);
     EXPECT_EQ(store->writeCount(), 0U);
     EXPECT_TRUE(store->hasUnsavedChanges());
     ASSERT_TRUE(std::filesystem::create_directory(folder));
     store->set("channel", std::int64_t{5});
-    clock_.advance(2s);
+    advance(2s);
     EXPECT_EQ(store->writeCount(), 1U);
     EXPECT_EQ(savedChannel(folder + "/settings.json"), 5);
 }

@@ -12,17 +12,8 @@
 
 namespace {
 
-using yxfp_test::benchFile;
-using yxfp_test::benchStore;
-using yxfp_test::filesStartingWith;
-using yxfp_test::LogCapture;
-using yxfp_test::readFile;
-using yxfp_test::TempDirectory;
-using yxfp_test::writeFile;
-using yxfrontpanel::settings::LoadResult;
-using yxfrontpanel::settings::SettingDefinition;
-using yxfrontpanel::settings::SettingsStore;
-using yxfrontpanel::settings::SettingValue;
+using namespace yxfp_test;
+using namespace yxfrontpanel::settings;
 
 using Source = LoadResult::Source;
 
@@ -42,23 +33,32 @@ bool warned(LogCapture const& log, std::vector<std::string> const& words) {
     return false;
 }
 
+// Every value of a bench store, to compare a store with in one call.
+struct BenchValues {
+    double voltage;
+    std::int64_t channel;
+    std::int64_t mode;
+    bool output;
+    std::string name;
+    ip::IpV4Address address;
+};
+
+void expectValues(SettingsStore const& store, BenchValues const& values) {
+    EXPECT_EQ(store.number("voltage"), values.voltage);
+    EXPECT_EQ(store.integer("channel"), values.channel);
+    EXPECT_EQ(store.integer("mode"), values.mode);
+    EXPECT_EQ(store.boolean("output"), values.output);
+    EXPECT_EQ(store.text("name"), values.name);
+    EXPECT_EQ(store.ipv4("address"), values.address);
+}
+
 void expectDefaults(SettingsStore const& store) {
-    EXPECT_EQ(store.number("voltage"), 12.5);
-    EXPECT_EQ(store.integer("channel"), 3);
-    EXPECT_EQ(store.integer("mode"), 1);
-    EXPECT_FALSE(store.boolean("output"));
-    EXPECT_EQ(store.text("name"), "Bench");
-    EXPECT_EQ(store.ipv4("address"), ip::IpV4Address(192, 168, 1, 10));
+    expectValues(store, {12.5, 3, 1, false, "Bench", ip::IpV4Address(192, 168, 1, 10)});
 }
 
 // The values of benchFile().
 void expectBenchFileValues(SettingsStore const& store) {
-    EXPECT_EQ(store.number("voltage"), 7.25);
-    EXPECT_EQ(store.integer("channel"), 9);
-    EXPECT_EQ(store.integer("mode"), 2);
-    EXPECT_TRUE(store.boolean("output"));
-    EXPECT_EQ(store.text("name"), "Lab 4");
-    EXPECT_EQ(store.ipv4("address"), ip::IpV4Address(10, 0, 0, 7));
+    expectValues(store, {7.25, 9, 2, true, "Lab 4", ip::IpV4Address(10, 0, 0, 7)});
 }
 
 TEST(SettingsStoreTest, MissingFileGivesTheDefaultsAndWritesNothing) {
@@ -121,8 +121,9 @@ TEST(SettingsStoreTest, SavingKeepsThePreviousFileAsBackupAndLeavesNoTemporaryFi
     ASSERT_TRUE(store->saveNow());
     EXPECT_EQ(readFile(store->backupPath()), first);
     EXPECT_NE(readFile(dir.file("settings.json")), first);
-    EXPECT_EQ(filesStartingWith(dir.path(), ""),
-              (std::vector<std::string>{"settings.json", "settings.json.bak"}));
+    EXPECT_EQ(
+        filesStartingWith(dir.path(), ""),
+        (std::vector<std::string>{"settings.json", "settings.json.bak", "settings.json.lock"}));
 }
 
 TEST(SettingsStoreTest, KeysTheApplicationDoesNotKnowAreWrittenBackUnchanged) {
@@ -252,15 +253,20 @@ TEST(SettingsStoreTest, AFileTruncatedAtAnyByteGivesTheDefaultsNeverAMix) {
     EXPECT_EQ(filesStartingWith(dir.path(), "settings.json.corrupt-").size(), complete);
 }
 
-TEST(SettingsStoreTest, ATruncatedFileWithABackupGivesTheBackupAndRestoresTheFile) {
+TEST(SettingsStoreTest, ATruncatedOrMissingFileWithABackupGivesTheBackupAndRestoresTheFile) {
     std::string const valid = benchFile();
     constexpr std::size_t kStep = 13;
-    for (std::size_t length = 0; length < valid.size(); length += kStep) {
-        SCOPED_TRACE("length " + std::to_string(length));
+    // Every 13th length of a cut-short file, then no file at all (a power cut after the file
+    // was moved aside and before the backup was written back).
+    for (std::size_t length = 0; length <= valid.size(); length += kStep) {
+        bool const missing = length + kStep > valid.size();
+        SCOPED_TRACE(missing ? "missing" : "length " + std::to_string(length));
         TempDirectory dir;
         std::string const path = dir.file("settings.json");
         writeFile(path + ".bak", valid);
-        writeFile(path, valid.substr(0, length));
+        if (!missing) {
+            writeFile(path, valid.substr(0, length));
+        }
         LogCapture log;
         auto store = benchStore(path);
         LoadResult const result = store->load();

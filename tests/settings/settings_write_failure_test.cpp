@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
@@ -10,6 +11,7 @@
 #include <string>
 
 #include "platform_capture.h"
+#include "settings_file_systems.h"
 #include "settings_test_store.h"
 #include "temp_directory.h"
 #include <sys/resource.h>
@@ -22,13 +24,8 @@
 // and logged, and the next save after the fault is cleared succeeds.
 namespace {
 
-using yxfp_test::benchStore;
-using yxfp_test::LogCapture;
-using yxfp_test::readFile;
-using yxfp_test::savedChannel;
-using yxfp_test::TempDirectory;
-using yxfrontpanel::settings::SaveResult;
-using yxfrontpanel::settings::SettingsStore;
+using namespace yxfp_test;
+using namespace yxfrontpanel::settings;
 
 constexpr int kErrorLevel = 3;
 
@@ -41,9 +38,12 @@ bool loggedError(LogCapture const& log, std::string const& words) {
     return false;
 }
 
-// A store on `path` with a first version saved (channel 5) and an unsaved change (channel 6).
-std::unique_ptr<SettingsStore> storeWithUnsavedChange(std::string const& path) {
-    auto store = benchStore(path);
+// A store on `path` with a first version saved (channel 5) and an unsaved change (channel 6),
+// making its calls through `fs`.
+std::unique_ptr<SettingsStore> storeWithUnsavedChange(
+    std::string const& path,
+    std::shared_ptr<IFileSystem> const& fs = yxfrontpanel::settings::posixFileSystem()) {
+    auto store = yxfp_test::benchStoreOn(path, fs);
     store->load();
     store->set("channel", std::int64_t{5});
     EXPECT_TRUE(store->saveNow());
@@ -134,27 +134,21 @@ TEST(SettingsWriteFailureTest, AFileSizeLimitLikeAFullDiskKeepsTheOldFile) {
 }
 
 // A directory the store may not write to. Root ignores directory permissions, so for root the
-// same refusal is made by an entry the store cannot replace: its temporary file's name taken
-// by a directory.
+// same refusal comes from the file-system layer: creating the temporary file is denied.
 TEST(SettingsWriteFailureTest, AReadOnlyDirectoryKeepsTheOldFile) {
     TempDirectory dir;
     std::string const path = dir.file("settings.json");
-    auto store = storeWithUnsavedChange(path);
+    auto fs =
+        std::make_shared<yxfp_test::FaultyFileSystem>(yxfrontpanel::settings::posixFileSystem());
+    auto store = storeWithUnsavedChange(path, fs);
     std::string const oldContent = readFile(path);
 
     ASSERT_EQ(::chmod(dir.path().c_str(), 0555), 0);
-    bool const permissionsHold = ::access(dir.path().c_str(), W_OK) != 0;
-    if (!permissionsHold) {
-        ASSERT_EQ(::chmod(dir.path().c_str(), 0755), 0);
-        ASSERT_EQ(::mkdir((path + ".tmp").c_str(), 0555), 0);
+    if (::access(dir.path().c_str(), W_OK) == 0) {
+        fs->fail(yxfp_test::FileCall::Open, EACCES, 1, ".tmp");
     }
-    expectSaveRefused(*store, path, oldContent,
-                      permissionsHold ? "Permission denied" : "Is a directory");
-    if (permissionsHold) {
-        ASSERT_EQ(::chmod(dir.path().c_str(), 0755), 0);
-    } else {
-        ASSERT_EQ(::rmdir((path + ".tmp").c_str()), 0);
-    }
+    expectSaveRefused(*store, path, oldContent, "Permission denied");
+    ASSERT_EQ(::chmod(dir.path().c_str(), 0755), 0);
     expectSavedAfterwards(*store);
 }
 

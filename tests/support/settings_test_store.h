@@ -3,6 +3,7 @@
 #include <yxfrontpanel/runtime/settings_store.h>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -34,6 +35,20 @@ inline yxfrontpanel::settings::SettingsStoreOptions benchOptions(unsigned versio
 inline std::unique_ptr<yxfrontpanel::settings::SettingsStore> benchStore(std::string const& path,
                                                                          unsigned version = 2) {
     return std::make_unique<yxfrontpanel::settings::SettingsStore>(path, benchOptions(version),
+                                                                   benchDefinitions());
+}
+
+/** A store of the bench supply's settings on `path` that makes its file calls through `fs`,
+ *  with `changed` applied to its options. */
+inline std::unique_ptr<yxfrontpanel::settings::SettingsStore> benchStoreOn(
+    std::string const& path, std::shared_ptr<yxfrontpanel::settings::IFileSystem> fs,
+    std::function<void(yxfrontpanel::settings::SettingsStoreOptions&)> const& changed = {}) {
+    auto options = benchOptions();
+    options.fileSystem = std::move(fs);
+    if (changed) {
+        changed(options);
+    }
+    return std::make_unique<yxfrontpanel::settings::SettingsStore>(path, options,
                                                                    benchDefinitions());
 }
 

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <iostream>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -13,6 +14,7 @@
 #include "platform_capture.h"
 #include "runners.h"
 #include "temp_directory.h"
+#include <sys/stat.h>
 
 // The demo with --settings: its values survive a restart within one scripted run, "Save
 // settings" and "Reset defaults" act on the file, and a corrupt file gives the defaults.
@@ -66,6 +68,20 @@ TEST(DemoSettingsTest, WithoutASettingsFileARestartStartsFromTheDefaults) {
     RunResult const result = runDemo(kEditVoltageRestartAndReopen, std::nullopt);
     ASSERT_EQ(result.status, 0) << result.err;
     EXPECT_TRUE(contains(result.out, "|      05.00 V       |")) << result.out;
+}
+
+TEST(DemoSettingsTest, AFifoAtTheSettingsPathIsRefusedAtOnceWithTheDefaults) {
+    TempDirectory dir;
+    std::string const fifo = dir.file("demo.json");
+    ASSERT_EQ(::mkfifo(fifo.c_str(), 0644), 0);
+    yxfp_test::LogCapture log;
+    std::ostringstream said;
+    std::streambuf* const console = std::cerr.rdbuf(said.rdbuf());
+    RunResult const result = runDemo("enter enter", fifo);
+    std::cerr.rdbuf(console);
+    ASSERT_EQ(result.status, 0) << result.err;
+    EXPECT_TRUE(contains(result.out, "|      05.00 V       |")) << result.out;
+    EXPECT_TRUE(contains(said.str(), fifo + " is a FIFO, not a regular file")) << said.str();
 }
 
 TEST(DemoSettingsTest, ALaterRunStartsFromTheFile) {

@@ -2,6 +2,8 @@
 
 #include <yxfrontpanel/runtime/setting_definition.h>
 
+#include <iostream>
+#include <string>
 #include <utility>
 
 namespace frontpanelsim {
@@ -16,6 +18,10 @@ void SettingsAttachment::attach(SimContext const& context) {
     options.schemaVersion = kSchemaVersion;
     store_ = std::make_unique<yxfrontpanel::settings::SettingsStore>(
         path_, options, context.app.settingDefinitions());
+    // A save that fails (and is retried) or a file the store refuses is said on stderr, where
+    // the simulator reports everything else that goes wrong, from whichever thread saw it.
+    store_->subscribeErrors(
+        [](std::string const& error) { std::cerr << "frontpanel-sim: " << error << std::endl; });
     store_->load();
     app_ = &context.app;
     app_->useSettings(*store_);

@@ -13,7 +13,9 @@ namespace frontpanelsim {
 /** --settings FILE: the application's settings kept in FILE. Attaching loads the file (a
  *  missing one gives the defaults, a corrupt one is moved aside with a warning on stderr) and
  *  binds the application to it; changes are saved two seconds after the first unsaved one, on
- *  the panel's clock. Detaching writes what is still unsaved and unbinds the application. */
+ *  the panel's clock, by the store's writer thread. A failed save (retried by the store) and a
+ *  file the store refuses are reported on stderr. Detaching writes what is still unsaved and
+ *  unbinds the application. */
 class SettingsAttachment final : public Attachment {
 public:
     /** The application name written into the file. */

@@ -8,8 +8,13 @@ namespace yxfrontpanel::settings {
 PanelSaveScheduler::PanelSaveScheduler(runtime::Panel& panel, SettingsStore& store)
     : panel_(panel),
       store_(store),
-      // A failed save is logged by the store; the stop goes on.
-      stopListener_(panel_.addStopListener([this] { static_cast<void>(store_.flush()); })) {
+      // Handed to the store's writer thread: the stopping panel does not wait for the device.
+      // A failed save is logged by the store and written again by `finish`.
+      stopListener_(panel_.addStopListener([this] {
+          if (store_.hasUnsavedChanges()) {
+              store_.saveInBackground();
+          }
+      })) {
     store_.setScheduler(this);
 }
 
@@ -32,6 +37,7 @@ SaveResult PanelSaveScheduler::finish() {
         panel_.removeStopListener(stopListener_);
         store_.setScheduler(nullptr);
     });
+    static_cast<void>(store_.waitForSaves());
     return store_.flush();
 }
 

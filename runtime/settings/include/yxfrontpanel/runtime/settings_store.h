@@ -2,6 +2,7 @@
 
 #include <yxfrontpanel/runtime/export.h>
 #include <yxfrontpanel/runtime/setting_definition.h>
+#include <yxfrontpanel/runtime/settings_file_system.h>
 
 #include <chrono>
 #include <cstddef>
@@ -49,8 +50,16 @@ struct SettingsStoreOptions {
     /** Coalescing of saves after a change: the file is written at most once per this period and
      *  within this period of the last change. */
     std::chrono::milliseconds saveDelay{2000};
-    /** Files larger than this are not read (treated as corrupt). */
+    /** Files larger than this are not read (treated as corrupt: moved aside). */
     std::size_t maxFileSize = std::size_t{1} << 20;
+    /** The wait before the first retry of a failed save (with a scheduler); each further
+     *  failure doubles it, up to `maxRetryDelay`. A successful save starts again here. */
+    std::chrono::milliseconds retryDelay{1000};
+    /** The longest wait between two retries of a failing save. */
+    std::chrono::milliseconds maxRetryDelay{60000};
+    /** The file-system calls the store makes; null for the real ones (`posixFileSystem`).
+     *  Tests pass a layer that records, delays or fails them. */
+    std::shared_ptr<IFileSystem> fileSystem;
 };
 
 /** The outcome of a save: `ok`, or the reason it failed (the file is then unchanged). */
@@ -71,15 +80,20 @@ struct LoadResult {
         Defaults,
         /** The file was read. */
         File,
-        /** The file was corrupt and moved aside; the backup was read and written back as the
-         *  file. */
+        /** The file was corrupt and moved aside, or missing; the backup was read and written
+         *  back as the file. */
         Backup,
         /** The file (and backup, if any) were unusable: defaults. */
-        DefaultsAfterCorruption
+        DefaultsAfterCorruption,
+        /** The file could not be read although it may be good (a read error, no permission,
+         *  not a regular file): defaults, and the store is read-only so that no save replaces
+         *  it. Nothing is moved or written. */
+        Unreadable
     };
     /** Where the values came from (`Defaults` when there was no file). */
     Source source = Source::Defaults;
-    /** True when the file has a newer schema and `saveNewerSchema` is off: saves are refused. */
+    /** True when saves are refused: the file has a newer schema and `saveNewerSchema` is off,
+     *  or it could not be read (`Unreadable`). */
     bool readOnly = false;
     /** Where corrupt files were moved (NAME.corrupt-TIMESTAMP); empty when none was. */
     std::vector<std::string> movedAside;
@@ -92,28 +106,44 @@ struct LoadResult {
  * Named settings with defaults, kept in one JSON file that survives power loss.
  *
  * The file holds the application's name, a schema version and the values by key. Saving writes
- * NAME.tmp in the same directory, flushes it to the device, renames it over NAME and flushes
- * the directory; the file it replaces becomes NAME.bak. A power cut at any moment therefore
- * leaves either the old or the new file, complete.
+ * a new temporary file NAME.tmp-XXXXXX (random, created exclusively, never through a symbolic
+ * link) in the same directory with the mode of the current file (0644 for a new one), flushes
+ * it to the device, renames it over NAME and flushes the directory; the file it replaces becomes
+ * NAME.bak. A power cut at any moment therefore leaves either the old or the new file, complete.
+ * An exclusive flock on NAME.lock, taken before the store first changes a file (its first save,
+ * or a corrupt file moved aside) and held until the store goes, keeps a second store (in this
+ * or another process) from writing the file: its saves are refused with an error naming the
+ * file. Loading alone takes no lock, so a second store may read the file. Taking the lock
+ * removes the temporary files a save interrupted by a crash left behind.
  *
- * Loading a missing file gives the defaults. A file that cannot be read as a settings file of
- * this application (not JSON, truncated, empty, another application's, malformed structure) is
- * renamed to NAME.corrupt-TIMESTAMP with a warning, and the backup is used (and written back as
- * the file), else the defaults. A single value of the wrong type is replaced by its default and a
- * number outside its range is clamped, each with a warning naming the key. Keys this application
- * does not declare are kept and written back unchanged.
+ * Loading a missing file gives the backup when there is one (written back as the file: a power
+ * cut may have come between moving a corrupt file aside and writing the backup back), else the
+ * defaults. A file that cannot be read as a settings file of
+ * this application (not JSON, truncated, empty, larger than `maxFileSize`, another application's,
+ * malformed structure) is renamed to NAME.corrupt-TIMESTAMP with a warning, and the backup is
+ * used (and written back as the file), else the defaults. A file that cannot be read at all
+ * (EIO, EACCES) or anything but a regular file at the path (a FIFO, a directory, a device) gives
+ * the defaults and makes the store read-only with an error naming the path: no save replaces a
+ * file that may be good. A single value of the wrong type is replaced by its default and a
+ * number outside its range is clamped, each with a warning naming the key. Keys this
+ * application does not declare are kept and written back unchanged.
  *
  * Changes (`set`) are saved by `saveNow`, by `flush`, or, with a scheduler, automatically: the
  * first unsaved change schedules one save `saveDelay` later, which takes every change made
- * meanwhile. `PanelSaveScheduler` writes what is unsaved when its panel stops; without it,
- * call `flush` when the panel stops so that nothing waits unsaved. A failed save (full disk,
- * read-only or vanished directory) returns and logs the reason; values in memory and the old file
- * stay, and the next save tries again.
+ * meanwhile. Scheduled saves (and `saveInBackground`) run on the store's writer thread from a
+ * snapshot of the values, so the thread that runs the scheduler never waits for the device;
+ * `saveNow` and `flush` write on the calling thread. `PanelSaveScheduler` writes what is unsaved
+ * when its panel stops; without it, call `flush` when the panel stops so that nothing waits
+ * unsaved. A failed save (full disk, read-only or vanished directory) is logged, kept as
+ * `lastError` and told to the error listeners; values in memory and the old file stay, and with
+ * a scheduler the save is retried after `retryDelay`, doubling up to `maxRetryDelay`.
  *
  * Thread safety: every operation may be called from any thread; file writes are serialised.
- * Listeners run on the thread whose call changed the value, after the store's lock is released:
- * change values that are bound to menu items only on the panel's thread (post from others).
- * Only one store may use a given file at a time. Copy and move are deleted.
+ * No lock of the store is held while it calls a listener or the scheduler, so a listener may
+ * call any function of the store (also `flush`). Value listeners run on the thread whose call
+ * changed the value (for `load`, the loading thread): change values that are bound to menu items
+ * only on the panel's thread (post from others). Error listeners run on the thread whose save
+ * failed, often the writer thread. Copy and move are deleted.
  */
 class YXFP_RUNTIME_EXPORT SettingsStore {
 public:
@@ -121,6 +151,9 @@ public:
     using ListenerId = std::uint64_t;
     /** Hears the new value of one key. */
     using Listener = std::function<void(SettingValue const& value)>;
+    /** Hears why a save failed or why the store became read-only (the logged text, naming the
+     *  file). */
+    using ErrorListener = std::function<void(std::string const& error)>;
 
     /** A store for the file `path` holding `definitions`, every value at its default until
      *  `load`. Touches no file.
@@ -128,7 +161,8 @@ public:
      *  two definitions with the same key. */
     SettingsStore(std::string path, SettingsStoreOptions options,
                   std::vector<SettingDefinition> const& definitions);
-    /** Cancels a scheduled save; does not write (call `flush` first). */
+    /** Cancels a scheduled save and waits for a save already handed to the writer thread; does
+     *  not write otherwise (call `flush` first). Releases the file's lock. */
     ~SettingsStore();
     SettingsStore(SettingsStore const&) = delete;
     SettingsStore& operator=(SettingsStore const&) = delete;
@@ -142,6 +176,21 @@ public:
     SaveResult saveNow();
     /** Writes the file when there are unsaved changes; ok without writing otherwise. */
     SaveResult flush();
+    /** Hands a save of the current values (`saveNow`) to the store's writer thread and returns
+     *  at once: for a "Save settings" item on the panel's thread. Its outcome reaches
+     *  `lastError`, the error listeners and `waitForSaves`. */
+    void saveInBackground();
+    /** Waits until no save is queued for or running on the writer thread; returns the outcome
+     *  of the last save the store made (ok when there was none). Not from an error listener
+     *  called on the writer thread. */
+    SaveResult waitForSaves();
+    /** Why the last save failed or why the store is read-only; empty after a successful save
+     *  or load. */
+    std::string lastError() const;
+    /** Calls `listener` with every later save failure or read-only refusal (see
+     *  `ErrorListener`); e.g. to forward it to a remote error queue. Remove it with
+     *  `unsubscribe`. */
+    ListenerId subscribeErrors(ErrorListener listener);
     /** Factory reset: every declared value back to its default (listeners notified), keys this
      *  application does not know dropped, then `saveNow` (which a read-only store refuses: the
      *  values are then reset in memory only). */
@@ -174,19 +223,22 @@ public:
     /** Calls `listener` with every later change of `key` (from `set`, `load`, a factory reset).
      *  @throws std::out_of_range for a key that was not declared. */
     ListenerId subscribe(std::string const& key, Listener listener);
-    /** Removes a listener; unknown ids are ignored. Must not be called from inside that
-     *  listener's own call on another thread. */
+    /** Removes a value or error listener; unknown ids are ignored. Must not be called from
+     *  inside that listener's own call on another thread. */
     void unsubscribe(ListenerId id);
 
-    /** Saves coalesced after changes through `scheduler` (not owned; must outlive the store or
-     *  be replaced first); null turns automatic saving off and cancels a scheduled save. */
+    /** Saves coalesced after changes, and retries of failed saves, through `scheduler` (not
+     *  owned; must outlive the store or be replaced first); null turns automatic saving off and
+     *  cancels a scheduled save. Waits until a call into the previous scheduler made on another
+     *  thread (e.g. the writer thread scheduling a retry) has returned, so that the previous one
+     *  may go afterwards; not to be called from inside the scheduler's own functions. */
     void setScheduler(ISaveScheduler* scheduler);
 
     /** The definition of `key`, or null for an undeclared key. */
     SettingDefinition const* definition(std::string const& key) const;
     /** The declared keys in declaration order. */
     std::vector<std::string> keys() const;
-    /** Whether saves are refused because the file has a newer schema. */
+    /** Whether saves are refused because the file has a newer schema or could not be read. */
     bool isReadOnly() const;
     /** Whether a change has not reached the file yet. */
     bool hasUnsavedChanges() const;
