@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <memory>
 #include <sstream>
 #include <stdexcept>
@@ -7,7 +8,10 @@
 #include <vector>
 
 #include "echo_app.h"
+#include "long_run.h"
 #include "runners.h"
+#include <malloc.h>
+#include <unistd.h>
 
 namespace {
 
@@ -112,6 +116,37 @@ TEST(ScriptRunnerTest, FailingStepIsReportedWithItsPosition) {
     RunResult const result = run("up remote", PrintMode::All);
     EXPECT_EQ(result.status, 1);
     EXPECT_NE(result.err.find("step 2 failed: no remote here"), std::string::npos) << result.err;
+}
+
+// The resident memory of this process, from /proc/self/statm, after the allocator gave back
+// what is free (so that memory freed but kept by malloc does not count).
+long residentBytes() {
+    ::malloc_trim(0);
+    std::ifstream statm("/proc/self/statm");
+    long pages = 0;
+    long resident = 0;
+    statm >> pages >> resident;
+    return resident * ::sysconf(_SC_PAGESIZE);
+}
+
+// An instrument's script runs for as long as it has words: the run keeps no per-step state.
+TEST(ScriptRunnerTest, AMillionWordScriptRunsInFlatMemory) {
+    std::size_t const words = yxfp_test::longRunCount(1'000'000);
+    std::string script;
+    script.reserve(words * 5);
+    for (std::size_t word = 0; word < words; ++word) {
+        script += word % 2 == 0 ? "down " : "up ";
+    }
+    long const before = residentBytes();
+    RunResult const result = run(script, PrintMode::Last);
+    long const grown = residentBytes() - before;
+    EXPECT_EQ(result.status, 0) << result.err;
+    // Each word moves the selection: one frame per word after the first screen.
+    std::string const last = "frame " + std::to_string(words + 1) + " after step " +
+                             std::to_string(words) + ": " + (words % 2 == 0 ? "up" : "down");
+    EXPECT_EQ(result.out.rfind(last, 0), 0U) << result.out;
+    // Generous: a frame kept per step would be well over this; the steady state needs none.
+    EXPECT_LT(grown, 32L * 1024 * 1024) << "resident memory grew by " << grown << " bytes";
 }
 
 }  // namespace

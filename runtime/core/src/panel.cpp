@@ -325,7 +325,9 @@ private:
                 entry.broken = entry.polledAt != 0 && (fds[entry.polledAt].revents & failed) != 0;
             }
         }
-        wake_.drain();
+        if ((fds[0].revents & POLLIN) != 0) {
+            wake_.drain();  // a system call saved in every turn that nothing woke
+        }
     }
 
     /** The poll(2) timeout: the nearest deadline, -1 for none. */
