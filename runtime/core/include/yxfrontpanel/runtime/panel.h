@@ -103,7 +103,8 @@ public:
     void removeFrameListener(std::size_t id);
     /** Adds work that runs once on the panel's thread when the loop ends because of `stop`
      *  (inside the `run` or `runOnce` that sees the stop, after that turn's work), e.g. writing
-     *  what is not saved yet; returns its id. Listeners run in the order they were added. */
+     *  what is not saved yet; returns its id. Listeners run in the order they were added, every
+     *  one of them also when an earlier one throws (see `run`). */
     std::size_t addStopListener(Task listener);
     /** Removes a stop listener; unknown ids are ignored. */
     void removeStopListener(std::size_t id);
@@ -111,7 +112,10 @@ public:
     /** Runs the loop on the calling thread until `stop`. Returns at once when already stopped.
      *  An exception thrown by a key's handling, posted work, a timer or the home screen leaves
      *  `run` as it is; the panel stays usable and may be run again, and plain posts queued
-     *  behind the throwing one still run, once and in order, in the next turn.
+     *  behind the throwing one still run, once and in order, in the next turn. When a timer or
+     *  a stop listener throws, the other timers due in that turn (or the other stop listeners)
+     *  still run first and periodic timers keep their periods; each exception is logged once,
+     *  naming the timer or listener id, and the first one then leaves `run`.
      *  @throws std::logic_error when the panel is already running (on any thread) or has no
      *  root tree. */
     void run();
@@ -146,7 +150,10 @@ public:
     TimerId every(std::chrono::nanoseconds period, Task task);
     /** Calls `task` once after `delay` (zero or less: at the next turn of the loop). */
     TimerId after(std::chrono::nanoseconds delay, Task task);
-    /** Cancels a timer; false when it is unknown, already ran (one-shot) or was cancelled. */
+    /** Cancels a timer; false when it is unknown, already ran (one-shot) or was cancelled.
+     *  Called from another thread than the panel's, it returns only after a callback of this
+     *  timer that is running now has finished, so that what the callback uses may be freed
+     *  then; from the panel's thread (inside a callback) it never waits. */
     bool cancel(TimerId id);
 
     /** The newest screen the menus composed (what the display shows, or will show at the next
