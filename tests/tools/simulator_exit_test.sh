@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # The exit status and the one-line message of frontpanel-sim as scripts see them: 2 for a bad
-# command line, 1 for a device that cannot be used, 0 after SIGINT or SIGTERM in a headless run.
+# command line, 1 for a device that cannot be used, 0 after SIGINT, SIGTERM or SIGHUP in a
+# headless run.
 # Usage: simulator_exit_test.sh SIM [EMULATOR...]
 # YXFP_SIM_HAS_EVDEV=0 / YXFP_SIM_HAS_GPIOD=0 when the simulator was built without libevdev /
 # libgpiod.
@@ -37,10 +38,11 @@ else
     expect 2 "built without libevdev" --headless --input evdev:/nonexistent/event9
 fi
 
-# A headless run with a server ends on either signal with status 0.
+# A headless run with a server ends on each of these signals with status 0 (SIGHUP: a closed
+# terminal ends the run as SIGTERM does, not with the default action).
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-for signal in INT TERM; do
+for signal in INT TERM HUP; do
     mkfifo "$work/log.$signal"
     "${run[@]}" --headless --listen "unix:$work/panel.$signal.sock" 2> "$work/log.$signal" &
     pid=$!

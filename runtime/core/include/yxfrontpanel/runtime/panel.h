@@ -173,12 +173,39 @@ private:
     std::unique_ptr<Impl> impl_;
 };
 
-/** Installs handlers for `signals` (e.g. SIGINT and SIGTERM) that call `panel.stopFromSignal()`.
- *  One panel at a time: a later call replaces the earlier panel. Call `clearSignalStop` before
- *  the panel is destroyed.
- *  @throws std::system_error when a handler cannot be installed. */
-YXFP_RUNTIME_EXPORT void stopOnSignals(Panel& panel, std::initializer_list<int> signals);
-/** Forgets the panel of `stopOnSignals`; the handlers stay but do nothing. */
+/** Keeps the handlers of `stopOnSignals` installed while it lives and then puts back the
+ *  handlers (and the panel) found when it was made. Movable, not copyable; keep it in a
+ *  variable: a guard that is not kept restores the handlers at once. */
+class YXFP_RUNTIME_EXPORT SignalStopGuard {
+public:
+    /** Restores the signals' previous handlers, and the previous panel of `stopOnSignals`. */
+    ~SignalStopGuard();
+    /** Takes over the other guard's duty; the other one then restores nothing. */
+    SignalStopGuard(SignalStopGuard&& other) noexcept;
+    SignalStopGuard& operator=(SignalStopGuard&&) = delete;
+    SignalStopGuard(SignalStopGuard const&) = delete;
+    SignalStopGuard& operator=(SignalStopGuard const&) = delete;
+
+private:
+    friend SignalStopGuard stopOnSignals(Panel& panel, std::initializer_list<int> signals);
+    class Saved;
+    explicit SignalStopGuard(std::unique_ptr<Saved> saved) noexcept;
+    std::unique_ptr<Saved> saved_;
+};
+
+/** Installs handlers for `signals` (e.g. SIGINT and SIGTERM) that call `panel.stopFromSignal()`,
+ *  with SA_RESTART so that the application's blocking calls are not interrupted. One panel at a
+ *  time: a later call replaces the earlier panel until its guard goes. While no panel is
+ *  attached (after `clearSignalStop`, or once the panel is destroyed) a signal gets the
+ *  disposition it had before: the handler puts it back and raises the signal again, so that
+ *  SIGINT still ends the program by default.
+ *  @returns the guard that restores the previous handlers when it goes.
+ *  @throws std::system_error when a handler cannot be installed (those installed already are
+ *  restored). */
+[[nodiscard]] YXFP_RUNTIME_EXPORT SignalStopGuard stopOnSignals(Panel& panel,
+                                                                std::initializer_list<int> signals);
+/** Forgets the panel of `stopOnSignals`: until the guard restores them, the handlers pass each
+ *  signal on to the disposition it had before. */
 YXFP_RUNTIME_EXPORT void clearSignalStop() noexcept;
 
 }  // namespace yxfrontpanel::runtime
