@@ -22,26 +22,34 @@ scpi::CommandTable& RemoteControl::commands() { return *table_; }
 PanelControl& RemoteControl::control() { return *control_; }
 
 void RemoteControl::start() {
+    std::lock_guard<std::mutex> const lock(mutex_);
     if (server_) {
         return;
     }
     Panel* const panel = &panel_;
-    server_ = std::make_unique<RemoteServer>(
+    auto server = std::make_unique<RemoteServer>(
         table_, [panel](std::function<void()> task) { return panel->post(std::move(task)); },
         options_.server);
-    server_->start();
+    server->start();
+    server_ = std::move(server);  // kept only once it serves, so that a failed start can retry
 }
 
 void RemoteControl::stop() {
+    std::lock_guard<std::mutex> const lock(mutex_);
     if (server_) {
         server_->stop();
+        server_.reset();  // a later start binds afresh
     }
 }
 
 std::vector<std::string> RemoteControl::addresses() const {
+    std::lock_guard<std::mutex> const lock(mutex_);
     return server_ ? server_->addresses() : std::vector<std::string>{};
 }
 
-std::size_t RemoteControl::clientCount() const { return server_ ? server_->clientCount() : 0; }
+std::size_t RemoteControl::clientCount() const {
+    std::lock_guard<std::mutex> const lock(mutex_);
+    return server_ ? server_->clientCount() : 0;
+}
 
 }  // namespace yxfrontpanel::runtime
