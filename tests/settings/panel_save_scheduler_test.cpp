@@ -1,5 +1,6 @@
 #include <frontpanelhw/display.h>
 #include <yxfrontpanel/settings.h>
+#include <yxfrontpanel/testing/manual_clock.h>
 #include <yxfrontpanel/yxfrontpanel.h>
 
 #include <gtest/gtest.h>
@@ -20,12 +21,12 @@ using namespace std::chrono_literals;
 using frontpanelhw::PanelKey;
 using yxfp_test::benchStore;
 using yxfp_test::TempDirectory;
-using yxfrontpanel::runtime::ManualClock;
 using yxfrontpanel::runtime::Panel;
 using yxfrontpanel::settings::bindSetting;
 using yxfrontpanel::settings::PanelSaveScheduler;
 using yxfrontpanel::settings::SettingBinding;
 using yxfrontpanel::settings::SettingsStore;
+using yxfrontpanel::testing::ManualClock;
 
 // A panel whose root menu holds the voltage editor bound to a bench store.
 class PanelSaveSchedulerTest : public ::testing::Test {

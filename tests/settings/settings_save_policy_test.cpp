@@ -1,5 +1,6 @@
 #include <yxfrontpanel/runtime/clock.h>
 #include <yxfrontpanel/runtime/settings_store.h>
+#include <yxfrontpanel/testing/manual_clock.h>
 
 #include <gtest/gtest.h>
 
@@ -24,8 +25,8 @@ using yxfp_test::benchStore;
 using yxfp_test::ManualSaveScheduler;
 using yxfp_test::savedChannel;
 using yxfp_test::TempDirectory;
-using yxfrontpanel::runtime::ManualClock;
 using yxfrontpanel::settings::SettingsStore;
+using yxfrontpanel::testing::ManualClock;
 
 // A temporary settings file and the scheduler that saves it when the test moves the clock.
 class SettingsSavePolicyTest : public ::testing::Test {

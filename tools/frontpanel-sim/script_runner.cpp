@@ -1,7 +1,7 @@
 #include <frontpanelhw/display.h>
 #include <yxbase2/this_thread.h>
-#include <yxfrontpanel/runtime/clock.h>
 #include <yxfrontpanel/testing/frame_text.h>
+#include <yxfrontpanel/testing/manual_clock.h>
 
 #include <exception>
 #include <memory>
@@ -18,7 +18,7 @@ namespace frontpanelsim {
 
 namespace {
 
-using yxfrontpanel::runtime::ManualClock;
+using yxfrontpanel::testing::ManualClock;
 
 // Keeps the frames with the script step during which each was drawn: every frame when all are
 // printed, otherwise only the newest, so that a script of any length runs in the same memory.
