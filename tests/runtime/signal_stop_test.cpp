@@ -95,6 +95,7 @@ TEST_F(SignalStopTest, WithoutAPanelThePreviousDispositionRuns) {
 }
 
 TEST_F(SignalStopTest, WithoutAPanelTheDefaultActionRuns) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");  // a sanitizer may run threads of its own
     EXPECT_EXIT(
         {
             ::signal(SIGUSR2, SIG_DFL);
