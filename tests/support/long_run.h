@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <string>
 
-// The number of turns of a long-run test: the full count in the plain build, a tenth under
+// The number of turns of a long-run test: the full count in the plain build, a hundredth under
 // AddressSanitizer or ThreadSanitizer (detected at compile time), and what YXFP_LONG_RUN_TURNS
 // says when it is set (.ci/valgrind sets it, as memcheck is slower still). The checks after
 // the run are the same in every build; only the count changes.
@@ -26,7 +26,7 @@ inline std::size_t longRunCount(std::size_t full) {
         return static_cast<std::size_t>(std::stoull(text));
     }
 #ifdef YXFP_TEST_SANITIZED
-    return full / 10;
+    return full / 100;
 #else
     return full;
 #endif
