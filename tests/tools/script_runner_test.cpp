@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 #include <sstream>
 #include <stdexcept>
@@ -143,7 +144,7 @@ private:
 // An instrument's script runs for as long as it has words: the run keeps no per-step state.
 TEST(ScriptRunnerTest, AMillionWordScriptRunsInFlatMemory) {
     std::size_t const words = yxfp_test::longRunCount(1'000'000);
-    std::size_t const wordsPerTick = 10'000;
+    std::size_t const wordsPerTick = std::max<std::size_t>(words / 100, 1);  // 100 samples
     std::string script;
     script.reserve(words * 5 + words / wordsPerTick * 5);
     for (std::size_t word = 0; word < words; ++word) {
