@@ -4,6 +4,7 @@
 #include <frontpanelhw/display.h>
 #include <frontpanelhw/key_source.h>
 #include <yxfrontpanel/runtime.h>
+#include <yxfrontpanel/testing/manual_clock.h>
 
 #include <algorithm>
 #include <atomic>
@@ -22,9 +23,9 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 using frontpanelhw::drawing::DisplayBuffer;
-using yxfrontpanel::runtime::ManualClock;
 using yxfrontpanel::runtime::Panel;
 using yxfrontpanel::runtime::PanelOptions;
+using yxfrontpanel::testing::ManualClock;
 using namespace std::chrono_literals;
 
 // A memory display that tells other threads how many draws returned and when the last did.

@@ -84,7 +84,7 @@ int main(int argc, char** argv) {
             std::this_thread::sleep_for(10ms);
         }
     });
-    runtime::stopOnSignals(panel, {SIGINT, SIGTERM});
+    auto const signals = runtime::stopOnSignals(panel, {SIGINT, SIGTERM});
     panel.run();
     acquisition.join();
     return saving.finish() ? 0 : 1;

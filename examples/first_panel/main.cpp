@@ -33,7 +33,7 @@ int main() {
         for (int n = 0; panel.publish("volts", [&show, n] { show(12 + n % 7 * 1e-3); }); ++n)
             std::this_thread::sleep_for(1ms);
     });
-    runtime::stopOnSignals(panel, {SIGINT, SIGTERM});
+    auto const signals = runtime::stopOnSignals(panel, {SIGINT, SIGTERM});
     panel.run();
     acquisition.join();
 }

@@ -71,6 +71,9 @@ public:
     ip::IpV4Address getEditValue() const;
     /** Replaces the callback that `apply()` hands the committed address text to. */
     void setApplyCallback(std::function<void(std::string const&)> const& callback);
+    /** Whether an apply callback is set: without one, `apply()` while editable throws
+     *  std::bad_function_call after committing. */
+    bool hasApplyCallback() const;
 
 protected:
     /** Shows the committed address (`setValue(getValue())`). */

@@ -7,5 +7,6 @@
 #include <yxfrontpanel/testing/frame_text.h>
 #include <yxfrontpanel/testing/golden_file.h>
 #include <yxfrontpanel/testing/key_script.h>
+#include <yxfrontpanel/testing/manual_clock.h>
 #include <yxfrontpanel/testing/recording_display.h>
 #include <yxfrontpanel/testing/script_transcript.h>

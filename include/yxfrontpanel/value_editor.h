@@ -118,6 +118,9 @@ public:
     std::u16string const& getUnit() const;
     /** Replaces the callback that `apply()` hands the committed value to. */
     void setApplyCallback(std::function<void(double)> const& callback);
+    /** Whether an apply callback is set: without one, `apply()` while editable throws
+     *  std::bad_function_call after committing. */
+    bool hasApplyCallback() const;
 
 protected:
     /** Restarts the edit from the committed value (`setValue(getValue())`). */

@@ -105,4 +105,6 @@ void IpAddressEditor::setApplyCallback(std::function<void(std::string const&)> c
     applyCallback_ = callback;
 }
 
+bool IpAddressEditor::hasApplyCallback() const { return static_cast<bool>(applyCallback_); }
+
 }  // namespace yxfrontpanel

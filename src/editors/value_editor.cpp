@@ -180,4 +180,6 @@ void ValueEditor::setApplyCallback(std::function<void(double)> const& callback) 
     applyCallback_ = callback;
 }
 
+bool ValueEditor::hasApplyCallback() const { return static_cast<bool>(applyCallback_); }
+
 }  // namespace yxfrontpanel

@@ -6,6 +6,7 @@
 #include <yxfrontpanel/drawing_provider.h>
 #include <yxfrontpanel/menu_tree.h>
 #include <yxfrontpanel/runtime.h>
+#include <yxfrontpanel/testing/manual_clock.h>
 
 #include <gtest/gtest.h>
 
@@ -24,8 +25,8 @@ namespace {
 
 using frontpanelhw::PanelKey;
 using frontpanelhw::drawing::DisplayBuffer;
-using yxfrontpanel::runtime::ManualClock;
 using yxfrontpanel::runtime::Panel;
+using yxfrontpanel::testing::ManualClock;
 using namespace std::chrono_literals;
 
 constexpr int kThreads = 4;

@@ -44,6 +44,28 @@ TEST(ThisThreadTest, SettingAHookReturnsTheOneItReplaces) {
     EXPECT_EQ(outerCalls, 1);
 }
 
+// A hook of a type the test can recognise in what setSleepHook hands back.
+struct CountingHook {
+    int* calls;
+    void operator()(std::chrono::nanoseconds /*duration*/) const { ++*calls; }
+};
+
+TEST(ThisThreadTest, PuttingTheReturnedHookBackRestoresItExactly) {
+    int calls = 0;
+    this_thread::SleepHook const outer = this_thread::setSleepHook(CountingHook{&calls});
+    // What a helper that installs its own hook for a while does, many times over: every swap
+    // must put back the very hook it found, not a wrapper around it.
+    for (int round = 0; round < 1000; ++round) {
+        this_thread::SleepHook const found =
+            this_thread::setSleepHook([](std::chrono::nanoseconds) {});
+        this_thread::setSleepHook(found);
+    }
+    this_thread::sleep_for(0ns);
+    EXPECT_EQ(calls, 1);
+    this_thread::SleepHook const installed = this_thread::setSleepHook(outer);
+    EXPECT_NE(installed.target<CountingHook>(), nullptr) << "a wrapper was left installed";
+}
+
 TEST(ThisThreadTest, NestedCapturePutsTheOuterHookBack) {
     yxfp_test::SleepCapture outer;
     {

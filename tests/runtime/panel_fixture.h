@@ -3,6 +3,7 @@
 #include <frontpanelhw/display.h>
 #include <yxfrontpanel/menu_tree.h>
 #include <yxfrontpanel/runtime.h>
+#include <yxfrontpanel/testing/manual_clock.h>
 
 #include <gtest/gtest.h>
 
@@ -24,7 +25,7 @@ class PanelFixture : public ::testing::Test {
 protected:
     explicit PanelFixture(yxfrontpanel::runtime::PanelOptions options = {},
                           frontpanelhw::KeySourceCapabilities keys = {})
-        : clock(std::make_shared<yxfrontpanel::runtime::ManualClock>()),
+        : clock(std::make_shared<yxfrontpanel::testing::ManualClock>()),
           panel(display, options, clock),
           tree(yxfrontpanel::MenuTreeFactory().create(panel.provider())),
           keys(std::make_shared<QueuedKeySource>(keys)) {
@@ -64,7 +65,7 @@ protected:
     }
 
     frontpanelhw::MemoryDisplay display{20, 4};
-    std::shared_ptr<yxfrontpanel::runtime::ManualClock> clock;
+    std::shared_ptr<yxfrontpanel::testing::ManualClock> clock;
     yxfrontpanel::runtime::Panel panel;
     std::unique_ptr<yxfrontpanel::IMenuTree> tree;
     std::shared_ptr<QueuedKeySource> keys;

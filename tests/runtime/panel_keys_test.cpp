@@ -1,5 +1,6 @@
 #include <frontpanelhw/display.h>
 #include <yxfrontpanel/runtime.h>
+#include <yxfrontpanel/testing/manual_clock.h>
 #include <yxfrontpanel/trigger_menu_item.h>
 
 #include <gtest/gtest.h>
@@ -94,7 +95,7 @@ TEST(PanelHintTest, KeysAndPostsDuringAHintAreServedAfterIt) {
     yxfrontpanel::runtime::PanelOptions options;
     options.framesPerSecond = 0;
     yxfrontpanel::runtime::Panel panel(display, options,
-                                       std::make_shared<yxfrontpanel::runtime::ManualClock>());
+                                       std::make_shared<yxfrontpanel::testing::ManualClock>());
     auto tree = yxfrontpanel::MenuTreeFactory().create(panel.provider());
     auto save = std::make_shared<yxfrontpanel::TriggerMenuItem>(u"Save", 1000ms);
     int saves = 0;
@@ -141,7 +142,7 @@ TEST(PanelHintTest, KeysAndPostsDuringAHintAreServedAfterIt) {
 // would otherwise hold its screen back until after the block, when the next screen replaces it.
 TEST(PanelHintTest, AHintInsideTheFramePeriodIsShownWhileItBlocks) {
     frontpanelhw::MemoryDisplay display(20, 4);
-    auto const clock = std::make_shared<yxfrontpanel::runtime::ManualClock>();
+    auto const clock = std::make_shared<yxfrontpanel::testing::ManualClock>();
     yxfrontpanel::runtime::Panel panel(display, {}, clock);  // 30 frames a second
     auto tree = yxfrontpanel::MenuTreeFactory().create(panel.provider());
     auto save = std::make_shared<yxfrontpanel::TriggerMenuItem>(u"Save", 1000ms);
@@ -180,7 +181,7 @@ TEST(PanelInputsTest, StopsWhenEveryInputClosed) {
     yxfrontpanel::runtime::PanelOptions options;
     options.stopWhenInputsClose = true;
     yxfrontpanel::runtime::Panel panel(display, options,
-                                       std::make_shared<yxfrontpanel::runtime::ManualClock>());
+                                       std::make_shared<yxfrontpanel::testing::ManualClock>());
     auto tree = yxfrontpanel::MenuTreeFactory().create(panel.provider());
     tree->addItem(std::make_shared<yxfp_test::TestItem>(u"Only"));
     panel.setRoot(*tree);
@@ -229,7 +230,7 @@ TEST(PanelInputsTest, SourceWithAFailedDescriptorCountsAsClosed) {
     yxfrontpanel::runtime::PanelOptions options;
     options.stopWhenInputsClose = true;
     yxfrontpanel::runtime::Panel panel(display, options,
-                                       std::make_shared<yxfrontpanel::runtime::ManualClock>());
+                                       std::make_shared<yxfrontpanel::testing::ManualClock>());
     auto tree = yxfrontpanel::MenuTreeFactory().create(panel.provider());
     panel.setRoot(*tree);
     auto broken = std::make_shared<BrokenSource>();

@@ -82,7 +82,7 @@ TEST_F(PanelMisuseTest, NonPositiveTimerPeriodThrows) {
 
 // stopOnSignals: a signal stops the loop that waits in the kernel.
 TEST_F(PanelMisuseTest, SignalStopsTheLoop) {
-    yxfrontpanel::runtime::stopOnSignals(panel, {SIGUSR1});
+    auto const guard = yxfrontpanel::runtime::stopOnSignals(panel, {SIGUSR1});
     std::thread runner([this] { panel.run(); });
     // Raised once the loop has taken a turn, so that it is known to be waiting or about to.
     std::promise<void> running;

@@ -1,5 +1,6 @@
 #include <frontpanelhw/display.h>
 #include <yxfrontpanel/settings.h>
+#include <yxfrontpanel/testing/manual_clock.h>
 #include <yxfrontpanel/yxfrontpanel.h>
 
 #include <gtest/gtest.h>
@@ -23,7 +24,7 @@ using namespace std::chrono_literals;
 using frontpanelhw::PanelKey;
 using namespace yxfp_test;
 using namespace yxfrontpanel::settings;
-using yxfrontpanel::runtime::ManualClock;
+using yxfrontpanel::testing::ManualClock;
 using yxfrontpanel::runtime::Panel;
 
 // A panel whose root menu holds the voltage editor bound to a bench store.

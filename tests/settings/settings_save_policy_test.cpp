@@ -1,5 +1,6 @@
 #include <yxfrontpanel/runtime/clock.h>
 #include <yxfrontpanel/runtime/settings_store.h>
+#include <yxfrontpanel/testing/manual_clock.h>
 
 #include <gtest/gtest.h>
 
@@ -22,7 +23,7 @@ namespace {
 using namespace std::chrono_literals;
 using namespace yxfp_test;
 using namespace yxfrontpanel::settings;
-using yxfrontpanel::runtime::ManualClock;
+using yxfrontpanel::testing::ManualClock;
 
 // A temporary settings file and the scheduler that saves it when the test moves the clock.
 class SettingsSavePolicyTest : public ::testing::Test {

@@ -2,6 +2,7 @@
 
 #include <yxfrontpanel/runtime/clock.h>
 #include <yxfrontpanel/runtime/settings_store.h>
+#include <yxfrontpanel/testing/manual_clock.h>
 
 #include <map>
 #include <mutex>
@@ -15,7 +16,7 @@ namespace yxfp_test {
  *  and cancelled so that tests can see the policy at work. */
 class ManualSaveScheduler : public yxfrontpanel::settings::ISaveScheduler {
 public:
-    explicit ManualSaveScheduler(yxfrontpanel::runtime::ManualClock& clock) : clock_(clock) {
+    explicit ManualSaveScheduler(yxfrontpanel::testing::ManualClock& clock) : clock_(clock) {
         listener_ = clock_.addAdvanceListener([this] { runDue(); });
     }
     ~ManualSaveScheduler() override { clock_.removeAdvanceListener(listener_); }
@@ -74,7 +75,7 @@ private:
         }
     }
 
-    yxfrontpanel::runtime::ManualClock& clock_;
+    yxfrontpanel::testing::ManualClock& clock_;
     std::size_t listener_ = 0;
     mutable std::mutex mutex_;
     Handle next_ = 1;

@@ -2,6 +2,7 @@
 
 #include <frontpanelhw/display.h>
 #include <yxfrontpanel/remote.h>
+#include <yxfrontpanel/testing/manual_clock.h>
 
 #include <gtest/gtest.h>
 
@@ -36,7 +37,7 @@ inline bool eventually(std::function<bool()> const& done) {
 class RemoteHarness {
 public:
     explicit RemoteHarness(yxfrontpanel::runtime::RemoteControlOptions options = {})
-        : clock(std::make_shared<yxfrontpanel::runtime::ManualClock>()),
+        : clock(std::make_shared<yxfrontpanel::testing::ManualClock>()),
           panel(display, {}, clock),
           menu(panel.provider()),
           keys(std::make_shared<QueuedKeySource>()) {
@@ -74,7 +75,7 @@ public:
 
     SleepCapture noWaiting;
     frontpanelhw::MemoryDisplay display{20, 4};
-    std::shared_ptr<yxfrontpanel::runtime::ManualClock> clock;
+    std::shared_ptr<yxfrontpanel::testing::ManualClock> clock;
     yxfrontpanel::runtime::Panel panel;
     RemoteTestMenu menu;
     std::shared_ptr<QueuedKeySource> keys;

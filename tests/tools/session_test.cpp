@@ -2,6 +2,7 @@
 
 #include <frontpanelhw/display.h>
 #include <yxfrontpanel/runtime/clock.h>
+#include <yxfrontpanel/testing/manual_clock.h>
 
 #include <gtest/gtest.h>
 
@@ -45,7 +46,7 @@ protected:
         auto journal = journal_;
         return std::make_unique<Session>(
             display_, yxfrontpanel::runtime::PanelOptions{},
-            std::make_shared<yxfrontpanel::runtime::ManualClock>(),
+            std::make_shared<yxfrontpanel::testing::ManualClock>(),
             [journal](yxfrontpanel::IDrawingProvider const& provider) {
                 return std::make_unique<yxfp_test::EchoApp>(provider, journal);
             },

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # The exit status and the one-line message of frontpanel-sim as scripts see them: 2 for a bad
-# command line, 1 for a device that cannot be used, 0 after SIGINT or SIGTERM in a headless run.
+# command line, 1 for a device that cannot be used, 0 after SIGINT, SIGTERM or SIGHUP in a
+# headless run.
 # Usage: simulator_exit_test.sh SIM [EMULATOR...]
 # YXFP_SIM_HAS_<PART>=0 (EVDEV, GPIOD, REMOTE, SETTINGS, WEB, TERMINAL) when the simulator was
 # built without that part: its options then give one line naming what to install, status 2.
@@ -56,10 +57,11 @@ if [ "${YXFP_SIM_HAS_REMOTE:-1}" = 0 ]; then
     exit
 fi
 
-# A headless run with a server ends on either signal with status 0.
+# A headless run with a server ends on each of these signals with status 0 (SIGHUP: a closed
+# terminal ends the run as SIGTERM does, not with the default action).
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-for signal in INT TERM; do
+for signal in INT TERM HUP; do
     mkfifo "$work/log.$signal"
     "${run[@]}" --headless --listen "unix:$work/panel.$signal.sock" 2> "$work/log.$signal" &
     pid=$!

@@ -43,7 +43,7 @@ public:
      *  attachment may be attached again afterwards, to a new session (a restart). */
     virtual void detach() noexcept = 0;
     /** True for a server: a --headless run then keeps going when all key sources have closed
-     *  and ends only on SIGINT or SIGTERM. */
+     *  and ends only on SIGINT, SIGTERM or SIGHUP. */
     virtual bool keepsRunning() const;
 };
 

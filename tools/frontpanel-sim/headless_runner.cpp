@@ -20,7 +20,7 @@ int runHeadless(SimOptions const& options, AppFactory const& makeApp, Attachment
                         nullptr, makeApp, options, RunKind::Headless);
         attachments.insert(attachments.begin(), std::make_unique<AcquisitionThread>(kSamplePeriod));
         // Before the servers announce their addresses: a signal from then on stops the run.
-        SignalStop const signalStop(session.panel());
+        auto const signalStop = stopOnEndSignals(session.panel());
         session.attach(std::move(attachments));
         session.panel().run();
     } catch (std::exception const& error) {

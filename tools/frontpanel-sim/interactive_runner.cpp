@@ -71,7 +71,7 @@ int runInteractive(SimOptions const& options, AppFactory const& makeApp, Attachm
 
         attachments.insert(attachments.begin(), std::make_unique<AcquisitionThread>(kSamplePeriod));
         // Before the servers announce their addresses: a signal from then on stops the run.
-        SignalStop const signalStop(panel);
+        auto const signalStop = stopOnEndSignals(panel);
         session.attach(std::move(attachments));
         panel.run();
     } catch (std::exception const& error) {

@@ -11,7 +11,7 @@
 namespace frontpanelsim {
 
 /** --listen: the panel's command server on the given addresses, with the demo's identity and
- *  its LOCAL/REMOTE mode. It keeps a --headless run going until SIGINT or SIGTERM. */
+ *  its LOCAL/REMOTE mode. It keeps a --headless run going until SIGINT, SIGTERM or SIGHUP. */
 class RemoteAttachment : public Attachment {
 public:
     explicit RemoteAttachment(std::vector<std::string> addresses);

@@ -17,14 +17,14 @@ int runKeyScript(SimOptions const& options, AppFactory const& makeApp, Attachmen
                  std::ostream& out, std::ostream& err);
 
 /** Runs the panel without a terminal (--headless) in real time, with a measurement thread,
- *  until SIGINT or SIGTERM, or until its key sources (added by attachments) have all closed
+ *  until SIGINT, SIGTERM or SIGHUP, or until its key sources (added by attachments) have all closed
  *  when no attachment keeps it running. Returns the exit status: 0, or 1 with a message on
  *  `err`. */
 int runHeadless(SimOptions const& options, AppFactory const& makeApp, Attachments attachments,
                 std::ostream& err);
 
 /** Runs the panel on the terminal, with a measurement thread, until 'q', the end of input,
- *  SIGINT or SIGTERM. Returns the exit status. */
+ *  SIGINT, SIGTERM or SIGHUP. Returns the exit status. */
 int runInteractive(SimOptions const& options, AppFactory const& makeApp, Attachments attachments,
                    std::ostream& err);
 

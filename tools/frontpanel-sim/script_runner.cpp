@@ -1,7 +1,7 @@
 #include <frontpanelhw/display.h>
 #include <yxbase2/this_thread.h>
-#include <yxfrontpanel/runtime/clock.h>
 #include <yxfrontpanel/testing/frame_text.h>
+#include <yxfrontpanel/testing/manual_clock.h>
 
 #include <exception>
 #include <memory>
@@ -19,9 +19,10 @@ namespace frontpanelsim {
 
 namespace {
 
-using yxfrontpanel::runtime::ManualClock;
+using yxfrontpanel::testing::ManualClock;
 
-// Keeps every frame with the script step during which it was drawn.
+// Keeps the frames with the script step during which each was drawn: every frame when all are
+// printed, otherwise only the newest, so that a script of any length runs in the same memory.
 class FrameLog : public frontpanelhw::IDisplay {
 public:
     struct Entry {
@@ -30,12 +31,17 @@ public:
         frontpanelhw::drawing::DisplayBuffer frame;
     };
 
-    FrameLog(unsigned chars, unsigned lines) : chars_(chars), lines_(lines) {}
+    FrameLog(unsigned chars, unsigned lines, bool keepAll)
+        : chars_(chars), lines_(lines), keepAll_(keepAll) {}
 
     unsigned getLines() const override { return lines_; }
     unsigned getChars() const override { return chars_; }
     bool draw(frontpanelhw::drawing::DisplayBuffer const& buffer) override {
+        if (!keepAll_) {
+            entries_.clear();
+        }
         entries_.push_back(Entry{step_, word_, buffer});
+        ++drawn_;
         return true;
     }
 
@@ -44,13 +50,17 @@ public:
         word_ = std::move(word);
     }
     std::vector<Entry> const& entries() const { return entries_; }
+    /** Frames drawn so far, kept or not. */
+    std::size_t drawn() const { return drawn_; }
 
 private:
     unsigned chars_;
     unsigned lines_;
     std::size_t step_ = 0;
     std::string word_ = "start";
+    bool keepAll_;
     std::vector<Entry> entries_;
+    std::size_t drawn_ = 0;
 };
 
 // Timed hints would make a scripted run wait for nothing: let their time pass at once. The
@@ -118,7 +128,7 @@ int runKeyScript(SimOptions const& options, AppFactory const& makeApp, Attachmen
     }
 
     auto const [screenChars, screenLines] = runScreenSize(options);
-    FrameLog display(screenChars, screenLines);
+    FrameLog display(screenChars, screenLines, options.print == PrintMode::All);
     std::unique_ptr<frontpanelhw::IDisplay> panelDisplay;
     try {
         panelDisplay = makeDisplay(options.display, display);
@@ -168,7 +178,7 @@ int runKeyScript(SimOptions const& options, AppFactory const& makeApp, Attachmen
             print(entries[index], index + 1, out);
         }
     } else if (options.print == PrintMode::Last && !entries.empty()) {
-        print(entries.back(), entries.size(), out);
+        print(entries.back(), display.drawn(), out);
     }
     return 0;
 }

@@ -1,6 +1,7 @@
 #include "session.h"
 
 #include <algorithm>
+#include <csignal>
 #include <utility>
 
 namespace frontpanelsim {
@@ -74,16 +75,8 @@ yxfrontpanel::runtime::Panel& Session::panel() { return panel_; }
 
 PanelApp& Session::app() { return *app_; }
 
-SignalStop::SignalStop(yxfrontpanel::runtime::Panel& panel) {
-    ::sigaction(SIGINT, nullptr, &previousInterrupt_);
-    ::sigaction(SIGTERM, nullptr, &previousTerminate_);
-    yxfrontpanel::runtime::stopOnSignals(panel, {SIGINT, SIGTERM});
-}
-
-SignalStop::~SignalStop() {
-    yxfrontpanel::runtime::clearSignalStop();
-    ::sigaction(SIGINT, &previousInterrupt_, nullptr);
-    ::sigaction(SIGTERM, &previousTerminate_, nullptr);
+yxfrontpanel::runtime::SignalStopGuard stopOnEndSignals(yxfrontpanel::runtime::Panel& panel) {
+    return yxfrontpanel::runtime::stopOnSignals(panel, {SIGINT, SIGTERM, SIGHUP});
 }
 
 }  // namespace frontpanelsim

@@ -11,7 +11,6 @@
 #include "attachment.h"
 #include "panel_app.h"
 #include "sim_options.h"
-#include <signal.h>
 
 namespace frontpanelsim {
 
@@ -60,18 +59,9 @@ private:
     Attachments attached_;
 };
 
-/** Stops a panel on SIGINT and SIGTERM while it lives; then puts the earlier handlers back. */
-class SignalStop {
-public:
-    /** @throws std::system_error when a handler cannot be installed. */
-    explicit SignalStop(yxfrontpanel::runtime::Panel& panel);
-    ~SignalStop();
-    SignalStop(SignalStop const&) = delete;
-    SignalStop& operator=(SignalStop const&) = delete;
-
-private:
-    struct sigaction previousInterrupt_ {};
-    struct sigaction previousTerminate_ {};
-};
+/** Stops `panel` on SIGINT, SIGTERM and SIGHUP (a closed terminal) until the guard goes, which
+ *  puts the earlier handlers back. A stopped run detaches its parts, so each of these signals
+ *  saves the settings and ends the run with status 0. */
+yxfrontpanel::runtime::SignalStopGuard stopOnEndSignals(yxfrontpanel::runtime::Panel& panel);
 
 }  // namespace frontpanelsim

@@ -268,7 +268,7 @@ std::string usage() {
            "                        \"Save settings\" saves at once, \"Reset defaults\"\n"
            "                        resets and saves; default: none (every run starts\n"
            "                        from the defaults, so scripted runs repeat exactly)\n"
-           "    --headless          run without a terminal until SIGINT or SIGTERM\n"
+           "    --headless          run without a terminal until SIGINT, SIGTERM or SIGHUP\n"
            "    --display DISPLAY   where the panel draws (default terminal):\n"
            "                        hd44780[:a00|a02]  what an HD44780 character module\n"
            "                          with that character ROM (default a00) would show,\n"

@@ -30,7 +30,7 @@ struct SimOptions {
     /** --settings FILE: keep the demo's settings in FILE; unset (the default), every run starts
      *  from the defaults and writes nothing. */
     std::optional<std::string> settingsFile;
-    /** --headless: run without a terminal until SIGINT or SIGTERM. */
+    /** --headless: run without a terminal until SIGINT, SIGTERM or SIGHUP. */
     bool headless = false;
     /** --display: where the panel draws (the terminal by default, or an HD44780 module). */
     DisplayOption display;

@@ -10,8 +10,10 @@
 namespace yxbase2::system::detail {
 
 /** Installs `function` in `slot` (an empty function empties the slot) and returns the function
- *  it replaced, empty when the slot was empty. The returned function forwards to the very
- *  object replaced, so that a function with state is not duplicated. */
+ *  it replaced as it was installed, empty when the slot was empty. Returning the stored function
+ *  itself, not a wrapper that forwards to it, keeps installing and removing exact: a helper
+ *  that puts back what it was given restores the slot as it found it and can recognise its
+ *  own function by type (std::function::target). */
 template <class Function>
 Function exchangeInstalled(std::mutex& mutex, std::shared_ptr<Function const>& slot,
                            Function function) {
@@ -21,12 +23,7 @@ Function exchangeInstalled(std::mutex& mutex, std::shared_ptr<Function const>& s
         std::lock_guard<std::mutex> lock(mutex);
         previous = std::exchange(slot, std::move(replacement));
     }
-    if (!previous) {
-        return {};
-    }
-    return [previous](auto&&... arguments) {
-        (*previous)(std::forward<decltype(arguments)>(arguments)...);
-    };
+    return previous ? *previous : Function{};
 }
 
 /** The function installed in `slot` now, read under the lock; null when the slot is empty. */

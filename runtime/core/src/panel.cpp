@@ -1,4 +1,3 @@
-#include <yxbase2/log.h>
 #include <yxfrontpanel/apply_key.h>
 #include <yxfrontpanel/menu_tree.h>
 #include <yxfrontpanel/runtime/panel.h>
@@ -9,14 +8,15 @@
 #include <deque>
 #include <mutex>
 #include <optional>
-#include <sstream>
 #include <stdexcept>
+#include <string>
 #include <thread>
 #include <utility>
 #include <vector>
 
 #include "flush_before_sleep.h"
 #include "panel_provider.h"
+#include "runtime_log.h"
 #include "task_queue.h"
 #include "timer_queue.h"
 #include "wake_signal.h"
@@ -34,19 +34,12 @@ using frontpanelhw::KeyEvent;
 using frontpanelhw::PanelKey;
 using frontpanelhw::drawing::DisplayBuffer;
 using TimePoint = IClock::TimePoint;
+using detail::logWarning;
 
-constexpr char const* kLogCategory = "libYxFrontPanelRuntime";
-constexpr int kWarning = 4;
 // Events taken from one source in one turn, so that a flooding device cannot starve the rest.
 constexpr int kMostEventsPerSourceAndTurn = 64;
 // Going back through nested forms to the root never needs more steps than this.
 constexpr int kMostBackSteps = 64;
-
-void logWarning(std::string const& text) {
-    std::ostringstream message;
-    message << text;
-    yxbase2::system::log::log(kWarning, kLogCategory, message);
-}
 
 bool isArrow(PanelKey key) {
     return key == PanelKey::Up || key == PanelKey::Down || key == PanelKey::Left ||
@@ -281,9 +274,14 @@ private:
         tasks_.close();
         if (!stopListenersRan_) {
             stopListenersRan_ = true;
-            for (auto const& entry : stopListeners_) {
-                entry.second();
+            // Every listener runs, also after one threw (the settings' final save is one);
+            // a copy, so that a listener may remove listeners.
+            auto const listeners = stopListeners_;
+            detail::ThrowCollector thrown;
+            for (auto const& entry : listeners) {
+                thrown.run(entry.second, "stop listener", entry.first);
             }
+            thrown.rethrowFirst();
         }
         return false;
     }
@@ -325,7 +323,9 @@ private:
                 entry.broken = entry.polledAt != 0 && (fds[entry.polledAt].revents & failed) != 0;
             }
         }
-        wake_.drain();
+        if ((fds[0].revents & POLLIN) != 0) {
+            wake_.drain();  // a system call saved in every turn that nothing woke
+        }
     }
 
     /** The poll(2) timeout: the nearest deadline, -1 for none. */

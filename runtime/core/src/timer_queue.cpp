@@ -3,6 +3,8 @@
 #include <utility>
 #include <vector>
 
+#include "runtime_log.h"
+
 namespace yxfrontpanel::runtime::detail {
 
 TimerQueue::TimerId TimerQueue::add(TimePoint due, std::chrono::nanoseconds period, Task task) {
@@ -14,20 +16,23 @@ TimerQueue::TimerId TimerQueue::add(TimePoint due, std::chrono::nanoseconds peri
 }
 
 bool TimerQueue::cancel(TimerId id) {
-    std::lock_guard<std::mutex> const lock(mutex_);
-    auto const found = timers_.find(id);
-    if (found == timers_.end()) {
-        return false;
-    }
-    auto range = byDue_.equal_range(found->second.due);
-    for (auto entry = range.first; entry != range.second; ++entry) {
-        if (entry->second == id) {
-            byDue_.erase(entry);
-            break;
+    std::unique_lock<std::mutex> lock(mutex_);
+    bool found = false;
+    if (auto const timer = timers_.find(id); timer != timers_.end()) {
+        auto range = byDue_.equal_range(timer->second.due);
+        for (auto entry = range.first; entry != range.second; ++entry) {
+            if (entry->second == id) {
+                byDue_.erase(entry);
+                break;
+            }
         }
+        timers_.erase(timer);
+        found = true;
     }
-    timers_.erase(found);
-    return true;
+    if (runningThread_ != std::this_thread::get_id()) {
+        runningEnded_.wait(lock, [this, id] { return running_ != id; });
+    }
+    return found;
 }
 
 std::optional<TimerQueue::TimePoint> TimerQueue::nextDue() const {
@@ -48,32 +53,50 @@ bool TimerQueue::runDue(TimePoint now) {
             entry = byDue_.erase(entry);
         }
     }
+    ThrowCollector thrown;
     for (TimerId const id : due) {
-        std::shared_ptr<Task> task;
-        {
-            std::lock_guard<std::mutex> const lock(mutex_);
-            auto const found = timers_.find(id);
-            if (found == timers_.end()) {
-                continue;  // cancelled by an earlier timer of this turn
-            }
-            Timer& timer = found->second;
-            if (timer.period.count() > 0) {
-                // A late timer runs once and keeps its rhythm.
-                auto const late = now - timer.due;
-                auto const periods = late / timer.period + 1;
-                timer.due += periods * timer.period;
-                byDue_.emplace(timer.due, id);
-                task = timer.task;
-            } else {
-                task = std::move(timer.task);
-                timers_.erase(found);
-            }
+        std::shared_ptr<Task> const task = take(id, now);
+        if (!task) {
+            continue;
         }
-        if (task && *task) {
-            (*task)();
+        if (*task) {
+            thrown.run(*task, "timer", id);
         }
+        finishRunning();
     }
+    thrown.rethrowFirst();
     return !due.empty();
+}
+
+std::shared_ptr<TimerQueue::Task> TimerQueue::take(TimerId id, TimePoint now) {
+    std::lock_guard<std::mutex> const lock(mutex_);
+    auto const found = timers_.find(id);
+    if (found == timers_.end()) {
+        return nullptr;  // cancelled by an earlier timer of this turn
+    }
+    running_ = id;
+    runningThread_ = std::this_thread::get_id();
+    Timer& timer = found->second;
+    if (timer.period.count() <= 0) {
+        std::shared_ptr<Task> task = std::move(timer.task);
+        timers_.erase(found);
+        return task;
+    }
+    // A late timer runs once and keeps its rhythm.
+    auto const late = now - timer.due;
+    auto const periods = late / timer.period + 1;
+    timer.due += periods * timer.period;
+    byDue_.emplace(timer.due, id);
+    return timer.task;
+}
+
+void TimerQueue::finishRunning() {
+    {
+        std::lock_guard<std::mutex> const lock(mutex_);
+        running_ = 0;
+        runningThread_ = std::thread::id{};
+    }
+    runningEnded_.notify_all();
 }
 
 }  // namespace yxfrontpanel::runtime::detail

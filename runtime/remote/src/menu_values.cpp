@@ -19,6 +19,7 @@
 #include <optional>
 #include <sstream>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "utf.h"
@@ -120,10 +121,15 @@ template <class Editor>
 void applyAsConfirmedEdit(Editor& editor) {
     bool const mode = editor.getEditorMode();
     editor.setEditorMode(true);
-    try {
-        editor.apply();
-    } catch (std::bad_function_call const&) {
+    if constexpr (std::is_same_v<Editor, Slider>) {
+        editor.apply();  // a slider without a callback only commits
+    } else if (editor.hasApplyCallback()) {
+        editor.apply();  // what the application's callback throws passes through
+    } else {
         // No application callback: the committed value is all there is to change.
+        editor.setApplyCallback([](auto const&) {});
+        editor.apply();
+        editor.setApplyCallback({});
     }
     editor.setEditorMode(mode);
 }

@@ -23,6 +23,7 @@ scpi::CommandTable& RemoteControl::commands() { return *table_; }
 PanelControl& RemoteControl::control() { return *control_; }
 
 void RemoteControl::start() {
+    std::lock_guard<std::mutex> const lock(mutex_);
     if (server_) {
         return;
     }
@@ -30,7 +31,7 @@ void RemoteControl::start() {
     std::shared_ptr<PanelControl> const control = control_;
     // After each batch of remote work the panel's thread publishes the screen and mode, so that
     // the next read that needs no change is answered from them without waiting for the panel.
-    server_ = std::make_unique<RemoteServer>(
+    auto server = std::make_unique<RemoteServer>(
         table_,
         [panel, control](std::function<void()> task) {
             return panel->post([task = std::move(task), control] {
@@ -39,8 +40,13 @@ void RemoteControl::start() {
             });
         },
         options_.server);
+    server->start();
+    server_ = std::move(server);  // kept only once it serves, so that a failed start can retry
     // Frames (the panel's own keys, timers, the application) publish too; the listener is added
     // on the panel's thread, which iterates the listeners.
+    if (!frameListener_) {
+        frameListener_ = std::make_shared<std::size_t>(0);  // stop gave the previous one up
+    }
     std::weak_ptr<std::size_t> const frameListener = frameListener_;
     panel->post([panel, control, frameListener] {
         control->publish();
@@ -51,12 +57,13 @@ void RemoteControl::start() {
                 });
         }
     });
-    server_->start();
 }
 
 void RemoteControl::stop() {
+    std::lock_guard<std::mutex> const lock(mutex_);
     if (server_) {
         server_->stop();
+        server_.reset();  // a later start binds afresh
     }
     // Remove the frame listener on the panel's thread; a stopped panel no longer calls it.
     if (frameListener_) {
@@ -71,12 +78,17 @@ void RemoteControl::stop() {
 }
 
 std::vector<std::string> RemoteControl::addresses() const {
+    std::lock_guard<std::mutex> const lock(mutex_);
     return server_ ? server_->addresses() : std::vector<std::string>{};
 }
 
-std::size_t RemoteControl::clientCount() const { return server_ ? server_->clientCount() : 0; }
+std::size_t RemoteControl::clientCount() const {
+    std::lock_guard<std::mutex> const lock(mutex_);
+    return server_ ? server_->clientCount() : 0;
+}
 
 std::optional<std::string> RemoteControl::failure() const {
+    std::lock_guard<std::mutex> const lock(mutex_);
     return server_ ? server_->failure() : std::nullopt;
 }
 

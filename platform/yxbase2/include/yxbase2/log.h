@@ -31,9 +31,10 @@ using Sink =
 
 /** Replaces the sink; an empty sink restores the default one, which writes one line per record
  *  on stderr: ISO-8601 UTC time, level name, category and message. Returns the sink it
- *  replaced (empty when that was the default one), so that a helper that installs its own can
- *  put the outer one back; the returned sink shares its state with the one installed before.
- */
+ *  replaced, the very function that was installed (empty when that was the default one), so
+ *  that a helper that installs its own puts the outer one back exactly, with no wrapper left
+ *  behind. The returned sink is a copy of the installed function object: a sink with state
+ *  keeps it behind a pointer or reference. */
 YXBASE2_EXPORT Sink setSink(Sink sink);
 
 /** The name of a level ("emergency" .. "debug"); "level N" for numbers outside 0..7. */

@@ -16,9 +16,11 @@ YXBASE2_EXPORT void sleep_for(  // NOLINT(readability-identifier-naming): mirror
 /** Called instead of sleeping while installed. */
 using SleepHook = std::function<void(std::chrono::nanoseconds)>;
 
-/** Installs `hook`; an empty hook restores real sleeping. Returns the hook it replaced (empty
- *  when the thread really slept), so that a helper that installs its own can put the outer one
- *  back; the returned hook shares its state with the one installed before. */
+/** Installs `hook`; an empty hook restores real sleeping. Returns the hook it replaced, the
+ *  very function that was installed (empty when the thread really slept), so that a helper
+ *  that installs its own puts the outer one back exactly: no wrapper is left behind, however
+ *  often this is done. The returned hook is a copy of the installed function object: a hook
+ *  with state keeps it behind a pointer or reference. */
 YXBASE2_EXPORT SleepHook setSleepHook(SleepHook hook);
 
 }  // namespace yxbase2::system::this_thread

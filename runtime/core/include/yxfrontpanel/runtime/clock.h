@@ -5,13 +5,12 @@
 #include <chrono>
 #include <cstddef>
 #include <functional>
-#include <map>
-#include <mutex>
 
 namespace yxfrontpanel::runtime {
 
 /** The time source of a panel's timers, frame limit, auto-repeat and idle screen: steady time,
- *  replaceable so that tests and scripted runs move time themselves instead of sleeping. */
+ *  replaceable so that tests and scripted runs move time themselves instead of sleeping (the
+ *  testing kit's `yxfrontpanel::testing::ManualClock`). */
 class YXFP_RUNTIME_EXPORT IClock {
 public:
     /** A moment of the clock's steady time. */
@@ -52,32 +51,6 @@ public:
     /** Never calls the listener; returns 0. */
     std::size_t addAdvanceListener(AdvanceListener listener) override;
     void removeAdvanceListener(std::size_t id) override;
-};
-
-/** A clock that stands still until `advance` moves it: for tests and scripted runs. All
- *  operations may be called from any thread. */
-class YXFP_RUNTIME_EXPORT ManualClock final : public IClock {
-public:
-    /** Starts at `start` (by default one hour after the steady clock's epoch, so that times
-     *  computed backwards from now stay positive). */
-    explicit ManualClock(TimePoint start = TimePoint{std::chrono::hours{1}});
-    ~ManualClock() override;
-
-    TimePoint now() const override;
-    /** False. */
-    bool movesByItself() const override;
-    std::size_t addAdvanceListener(AdvanceListener listener) override;
-    void removeAdvanceListener(std::size_t id) override;
-
-    /** Moves the time forward by `step` (zero or negative: not at all, but the listeners are
-     *  still called) and then calls every listener. */
-    void advance(Duration step);
-
-private:
-    mutable std::mutex mutex_;
-    TimePoint now_;
-    std::size_t nextListenerId_ = 1;
-    std::map<std::size_t, AdvanceListener> listeners_;
 };
 
 }  // namespace yxfrontpanel::runtime

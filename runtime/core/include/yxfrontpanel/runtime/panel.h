@@ -103,7 +103,8 @@ public:
     void removeFrameListener(std::size_t id);
     /** Adds work that runs once on the panel's thread when the loop ends because of `stop`
      *  (inside the `run` or `runOnce` that sees the stop, after that turn's work), e.g. writing
-     *  what is not saved yet; returns its id. Listeners run in the order they were added. */
+     *  what is not saved yet; returns its id. Listeners run in the order they were added, every
+     *  one of them also when an earlier one throws (see `run`). */
     std::size_t addStopListener(Task listener);
     /** Removes a stop listener; unknown ids are ignored. */
     void removeStopListener(std::size_t id);
@@ -111,7 +112,10 @@ public:
     /** Runs the loop on the calling thread until `stop`. Returns at once when already stopped.
      *  An exception thrown by a key's handling, posted work, a timer or the home screen leaves
      *  `run` as it is; the panel stays usable and may be run again, and plain posts queued
-     *  behind the throwing one still run, once and in order, in the next turn.
+     *  behind the throwing one still run, once and in order, in the next turn. When a timer or
+     *  a stop listener throws, the other timers due in that turn (or the other stop listeners)
+     *  still run first and periodic timers keep their periods; each exception is logged once,
+     *  naming the timer or listener id, and the first one then leaves `run`.
      *  @throws std::logic_error when the panel is already running (on any thread) or has no
      *  root tree. */
     void run();
@@ -146,7 +150,10 @@ public:
     TimerId every(std::chrono::nanoseconds period, Task task);
     /** Calls `task` once after `delay` (zero or less: at the next turn of the loop). */
     TimerId after(std::chrono::nanoseconds delay, Task task);
-    /** Cancels a timer; false when it is unknown, already ran (one-shot) or was cancelled. */
+    /** Cancels a timer; false when it is unknown, already ran (one-shot) or was cancelled.
+     *  Called from another thread than the panel's, it returns only after a callback of this
+     *  timer that is running now has finished, so that what the callback uses may be freed
+     *  then; from the panel's thread (inside a callback) it never waits. */
     bool cancel(TimerId id);
 
     /** The newest screen the menus composed (what the display shows, or will show at the next
@@ -166,12 +173,39 @@ private:
     std::unique_ptr<Impl> impl_;
 };
 
-/** Installs handlers for `signals` (e.g. SIGINT and SIGTERM) that call `panel.stopFromSignal()`.
- *  One panel at a time: a later call replaces the earlier panel. Call `clearSignalStop` before
- *  the panel is destroyed.
- *  @throws std::system_error when a handler cannot be installed. */
-YXFP_RUNTIME_EXPORT void stopOnSignals(Panel& panel, std::initializer_list<int> signals);
-/** Forgets the panel of `stopOnSignals`; the handlers stay but do nothing. */
+/** Keeps the handlers of `stopOnSignals` installed while it lives and then puts back the
+ *  handlers (and the panel) found when it was made. Movable, not copyable; keep it in a
+ *  variable: a guard that is not kept restores the handlers at once. */
+class YXFP_RUNTIME_EXPORT SignalStopGuard {
+public:
+    /** Restores the signals' previous handlers, and the previous panel of `stopOnSignals`. */
+    ~SignalStopGuard();
+    /** Takes over the other guard's duty; the other one then restores nothing. */
+    SignalStopGuard(SignalStopGuard&& other) noexcept;
+    SignalStopGuard& operator=(SignalStopGuard&&) = delete;
+    SignalStopGuard(SignalStopGuard const&) = delete;
+    SignalStopGuard& operator=(SignalStopGuard const&) = delete;
+
+private:
+    friend SignalStopGuard stopOnSignals(Panel& panel, std::initializer_list<int> signals);
+    class Saved;
+    explicit SignalStopGuard(std::unique_ptr<Saved> saved) noexcept;
+    std::unique_ptr<Saved> saved_;
+};
+
+/** Installs handlers for `signals` (e.g. SIGINT and SIGTERM) that call `panel.stopFromSignal()`,
+ *  with SA_RESTART so that the application's blocking calls are not interrupted. One panel at a
+ *  time: a later call replaces the earlier panel until its guard goes. While no panel is
+ *  attached (after `clearSignalStop`, or once the panel is destroyed) a signal gets the
+ *  disposition it had before: the handler puts it back and raises the signal again, so that
+ *  SIGINT still ends the program by default.
+ *  @returns the guard that restores the previous handlers when it goes.
+ *  @throws std::system_error when a handler cannot be installed (those installed already are
+ *  restored). */
+[[nodiscard]] YXFP_RUNTIME_EXPORT SignalStopGuard stopOnSignals(Panel& panel,
+                                                                std::initializer_list<int> signals);
+/** Forgets the panel of `stopOnSignals`: until the guard restores them, the handlers pass each
+ *  signal on to the disposition it had before. */
 YXFP_RUNTIME_EXPORT void clearSignalStop() noexcept;
 
 }  // namespace yxfrontpanel::runtime

@@ -41,7 +41,8 @@ YXFP_RUNTIME_EXPORT MenuValue readMenuValue(IMenuTree& root, std::string_view pa
  *  that is not available or that the application made read-only (an inline choice not
  *  `editable`, a radio choice without `setEditor`, a read-only slider: execution error), text that
  *  is no value of the item (data type error or illegal parameter value), a value outside the
- *  item's bounds (data out of range); nothing is changed then. */
+ *  item's bounds (data out of range); nothing is changed then. Whatever the item's callback
+ *  throws (std::bad_function_call included) passes through, after the value was committed. */
 YXFP_RUNTIME_EXPORT void writeMenuValue(IMenuTree& root, std::string_view path,
                                         std::string const& text);
 

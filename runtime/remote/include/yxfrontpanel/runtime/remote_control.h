@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
@@ -49,19 +50,24 @@ public:
     scpi::CommandTable& commands();
     /** The remote operations on the panel (for other remote channels of the application). */
     PanelControl& control();
-    /** Binds the addresses and starts serving. A second call does nothing.
+    /** Binds the addresses and starts serving; after `stop`, starts a new server on the
+     *  addresses of the options (an ephemeral port then gets a new number). A call while
+     *  serving does nothing. Any thread.
      *  @throws as `RemoteServer`'s constructor and `start`. */
     void start();
-    /** Stops serving (see `RemoteServer::stop`). Idempotent. */
+    /** Stops serving (see `RemoteServer::stop`) and closes the addresses. Idempotent. Any
+     *  thread, but not from a command's handler (it waits for the server's thread). */
     void stop();
-    /** The bound addresses (empty before `start`); see `RemoteServer::addresses`. */
+    /** The bound addresses (empty before `start` and after `stop`); see
+     *  `RemoteServer::addresses`. Any thread. */
     std::vector<std::string> addresses() const;
-    /** The number of connected clients. */
+    /** The number of connected clients (0 while stopped). Any thread. */
     std::size_t clientCount() const;
     /** Why the server's loop ended by itself (poll failed), if it did; also reported through
      *  `RemoteServerOptions::onFailure`. */
     std::optional<std::string> failure() const;
-    /** The server itself (null before `start`), for its counters. */
+    /** The server itself (null before `start` and after `stop`), for its counters; the
+     *  thread that starts and stops the remote control may use it. */
     RemoteServer const* server() const { return server_.get(); }
 
 private:
@@ -69,6 +75,7 @@ private:
     RemoteControlOptions options_;
     std::shared_ptr<PanelControl> control_;
     std::shared_ptr<scpi::CommandTable> table_;
+    mutable std::mutex mutex_;  // guards server_; start and stop hold it while they work
     std::unique_ptr<RemoteServer> server_;
     // The id of the frame listener that publishes the screen (0 until the panel's thread added
     // it); shared with the task that adds it.

@@ -1,0 +1,46 @@
+#include "runtime_log.h"
+
+#include <yxbase2/log.h>
+
+#include <sstream>
+
+namespace yxfrontpanel::runtime::detail {
+
+namespace {
+
+constexpr char const* kLogCategory = "libYxFrontPanelRuntime";
+constexpr int kError = 3;
+constexpr int kWarning = 4;
+
+void logAt(int level, std::string const& text) {
+    std::ostringstream message;
+    message << text;
+    yxbase2::system::log::log(level, kLogCategory, message);
+}
+
+}  // namespace
+
+void logWarning(std::string const& text) { logAt(kWarning, text); }
+
+void ThrowCollector::caught(char const* source, unsigned long long id) {
+    std::exception_ptr const thrown = std::current_exception();
+    std::string what = "an exception that is no std::exception";
+    try {
+        std::rethrow_exception(thrown);
+    } catch (std::exception const& error) {
+        what = error.what();
+    } catch (...) {
+    }
+    logAt(kError, std::string("Panel: ") + source + " " + std::to_string(id) + " threw: " + what);
+    if (!first_) {
+        first_ = thrown;
+    }
+}
+
+void ThrowCollector::rethrowFirst() const {
+    if (first_) {
+        std::rethrow_exception(first_);
+    }
+}
+
+}  // namespace yxfrontpanel::runtime::detail

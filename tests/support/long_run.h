@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdlib>
+#include <string>
+
+// The number of turns of a long-run test: the full count in the plain build, a hundredth under
+// AddressSanitizer or ThreadSanitizer (detected at compile time), and what YXFP_LONG_RUN_TURNS
+// says when it is set (.ci/valgrind sets it, as memcheck is slower still). The checks after
+// the run are the same in every build; only the count changes.
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define YXFP_TEST_SANITIZED 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define YXFP_TEST_SANITIZED 1
+#endif
+#endif
+
+namespace yxfp_test {
+
+/** `full`, or fewer for a sanitizer or valgrind build (see above). */
+inline std::size_t longRunCount(std::size_t full) {
+    if (char const* const text =
+            std::getenv("YXFP_LONG_RUN_TURNS")) {  // NOLINT(concurrency-mt-unsafe)
+        return static_cast<std::size_t>(std::stoull(text));
+    }
+#ifdef YXFP_TEST_SANITIZED
+    return full / 100;
+#else
+    return full;
+#endif
+}
+
+}  // namespace yxfp_test
