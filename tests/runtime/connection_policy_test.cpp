@@ -1,4 +1,5 @@
 #include <yxfrontpanel/runtime/connection_policy.h>
+#include <yxfrontpanel/testing/manual_clock.h>
 
 #include <gtest/gtest.h>
 
@@ -39,7 +40,7 @@ TEST(ConnectionDeadlineTest, LoginDeadlineAppliesOnlyUntilLoggedIn) {
     rt::ConnectionPolicyOptions options;
     options.loginDeadline = 2s;
     options.idleTimeout = 10s;
-    rt::ManualClock clock;
+    yxfrontpanel::testing::ManualClock clock;
     rt::ConnectionDeadline deadline(options, clock.now(), true);
     EXPECT_TRUE(deadline.loginPending());
     EXPECT_EQ(deadline.next(), clock.now() + 2s);
@@ -55,7 +56,7 @@ TEST(ConnectionDeadlineTest, LoginDeadlineAppliesOnlyUntilLoggedIn) {
 TEST(ConnectionDeadlineTest, IdleTimeoutRestartsOnActivityAndCanBeOff) {
     rt::ConnectionPolicyOptions options;
     options.idleTimeout = 5s;
-    rt::ManualClock clock;
+    yxfrontpanel::testing::ManualClock clock;
     rt::ConnectionDeadline deadline(options, clock.now(), false);
     clock.advance(4s);
     deadline.activity(clock.now());
@@ -74,7 +75,7 @@ TEST(ConnectionDeadlineTest, IdleTimeoutRestartsOnActivityAndCanBeOff) {
 }
 
 TEST(ConnectionPolicyTest, PollTimeoutWaitsForDeadlineOnlyOnRealClock) {
-    rt::ManualClock manual;
+    yxfrontpanel::testing::ManualClock manual;
     EXPECT_EQ(rt::pollTimeout(manual.now() + 5s, manual), -1);
     rt::SteadyClock steady;
     EXPECT_EQ(rt::pollTimeout(std::nullopt, steady), -1);
@@ -89,7 +90,7 @@ TEST(AcceptPauseTest, PausesOnDescriptorExhaustionAndResumes) {
     rt::ConnectionPolicyOptions options;
     options.acceptPause = 100ms;
     rt::AcceptPause pause(options);
-    rt::ManualClock clock;
+    yxfrontpanel::testing::ManualClock clock;
     EXPECT_FALSE(pause.failed(ECONNABORTED, clock.now()));
     EXPECT_FALSE(pause.paused(clock.now()));
     EXPECT_TRUE(pause.failed(EMFILE, clock.now()));

@@ -1,5 +1,6 @@
 #include <yxfrontpanel/runtime/clock.h>
 #include <yxfrontpanel/runtime/settings_store.h>
+#include <yxfrontpanel/testing/manual_clock.h>
 
 #include <gtest/gtest.h>
 
@@ -25,7 +26,7 @@ namespace {
 using namespace std::chrono_literals;
 using namespace yxfp_test;
 using namespace yxfrontpanel::settings;
-using yxfrontpanel::runtime::ManualClock;
+using yxfrontpanel::testing::ManualClock;
 
 // A bench store on a temporary file, its calls going through a layer that can fail them, saved
 // by a scheduler on a hand-moved clock; every error it reports is collected.

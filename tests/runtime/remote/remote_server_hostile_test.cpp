@@ -1,6 +1,7 @@
 // The command server against hostile and careless clients: bounded parsing and memory, no
 // spinning, quotas per listener, deadlines, half-closed connections and line ends.
 #include <yxfrontpanel/remote.h>
+#include <yxfrontpanel/testing/manual_clock.h>
 
 #include <gtest/gtest.h>
 
@@ -41,7 +42,7 @@ bool logged(LogCapture const& log, std::string const& text) {
 }
 
 /** Options whose server runs on `clock`. */
-rt::RemoteControlOptions onClock(std::shared_ptr<rt::ManualClock> const& clock) {
+rt::RemoteControlOptions onClock(std::shared_ptr<yxfrontpanel::testing::ManualClock> const& clock) {
     rt::RemoteControlOptions options;
     options.server.clock = clock;
     return options;
@@ -139,7 +140,8 @@ TEST(RemoteServerHostileTest, AClientPastItsPendingQuotaIsDisconnected) {
 
 class RemoteServerTokenTest : public ::testing::Test {
 protected:
-    static rt::RemoteControlOptions withToken(std::shared_ptr<rt::ManualClock> const& clock) {
+    static rt::RemoteControlOptions withToken(
+        std::shared_ptr<yxfrontpanel::testing::ManualClock> const& clock) {
         rt::RemoteControlOptions options = onClock(clock);
         options.server.accessToken = "s3cret";
         options.server.policy.loginDeadline = 5s;
@@ -147,7 +149,8 @@ protected:
     }
 
     LogCapture log;
-    std::shared_ptr<rt::ManualClock> serverClock = std::make_shared<rt::ManualClock>();
+    std::shared_ptr<yxfrontpanel::testing::ManualClock> serverClock =
+        std::make_shared<yxfrontpanel::testing::ManualClock>();
     RemoteHarness harness{withToken(serverClock)};
     void SetUp() override { harness.start(); }
 };
@@ -188,7 +191,7 @@ TEST(RemoteServerSetupTest, RefusesAConfiguredTokenLongerThanTheLimit) {
 
 TEST(RemoteServerHostileTest, EightIdleTcpClientsLockNeitherTheUnixSocketNorLaterClientsOut) {
     LogCapture log;
-    auto const clock = std::make_shared<rt::ManualClock>();
+    auto const clock = std::make_shared<yxfrontpanel::testing::ManualClock>();
     rt::RemoteControlOptions options = onClock(clock);
     options.server.policy.idleTimeout = 60s;
     RemoteHarness harness(options);
@@ -211,7 +214,7 @@ TEST(RemoteServerHostileTest, EightIdleTcpClientsLockNeitherTheUnixSocketNorLate
 }
 
 TEST(RemoteServerHostileTest, AnIdleTimeoutOfZeroNeverDisconnects) {
-    auto const clock = std::make_shared<rt::ManualClock>();
+    auto const clock = std::make_shared<yxfrontpanel::testing::ManualClock>();
     rt::RemoteControlOptions options = onClock(clock);
     options.server.policy.idleTimeout = 0ms;
     RemoteHarness harness(options);
@@ -226,7 +229,7 @@ TEST(RemoteServerHostileTest, AnIdleTimeoutOfZeroNeverDisconnects) {
 // the pause.
 TEST(RemoteServerHostileTest, TheListenerPausesWhenDescriptorsRunOutAndResumes) {
     LogCapture log;
-    auto const clock = std::make_shared<rt::ManualClock>();
+    auto const clock = std::make_shared<yxfrontpanel::testing::ManualClock>();
     rt::RemoteControlOptions options = onClock(clock);
     options.server.policy.acceptPause = 200ms;
     RemoteHarness harness(options);
@@ -259,7 +262,7 @@ TEST(RemoteServerHostileTest, TheListenerPausesWhenDescriptorsRunOutAndResumes) 
 
 TEST(RemoteServerHostileTest, APollFailureEndsTheLoopWithAReportTheApplicationSees) {
     LogCapture log;
-    auto const clock = std::make_shared<rt::ManualClock>();
+    auto const clock = std::make_shared<yxfrontpanel::testing::ManualClock>();
     rt::RemoteControlOptions options = onClock(clock);
     std::promise<std::string> reported;
     options.server.onFailure = [&reported](std::string const& reason) {
