@@ -46,14 +46,19 @@ public:
         : screen_(screen),
           model_(frontpanelhw::Hd44780Geometry::standard(screen.getChars(), screen.getLines()),
                  rom) {
+        // The module shows the driver's custom glyphs as the characters they draw.
+        model_.nameCgramGlyphs([](std::array<std::uint8_t, 8> const& rows) {
+            auto const* custom = frontpanelhw::findHd44780CustomGlyph(rows);
+            return custom != nullptr ? custom->character : char32_t{0xFFFD};
+        });
         frontpanelhw::ExpanderBusOptions const busOptions;
         frontpanelhw::Hd44780Options options;
         options.rom = rom;
         options.wait = [this](std::chrono::nanoseconds duration) { model_.advance(duration); };
         module_ = std::make_unique<frontpanelhw::Hd44780Display>(
             std::make_unique<frontpanelhw::ExpanderHd44780Bus>(
-                std::make_unique<yxfp_test::ModelExpanderPort>(model_, busOptions.pins,
-                                                               busOptions.maxBusHz),
+                std::make_unique<yxfp_model::ModelExpanderPort>(model_, busOptions.pins,
+                                                                busOptions.maxBusHz),
                 busOptions),
             model_.geometry(), std::move(options));
     }
@@ -78,7 +83,7 @@ public:
 
 private:
     frontpanelhw::IDisplay& screen_;
-    yxfp_test::Hd44780Model model_;
+    yxfp_model::Hd44780Model model_;
     std::unique_ptr<frontpanelhw::Hd44780Display> module_;
 };
 

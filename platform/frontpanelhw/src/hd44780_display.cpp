@@ -328,7 +328,8 @@ void Hd44780Display::setDdramAddress(std::uint8_t address) {
 void Hd44780Display::awaitController() {
     // The controller must have finished the previous instruction before the next nibble is
     // latched; where the bus itself is not slow enough, send what is queued and wait.
-    if (pendingWait_ > bus_->nibbleInterval()) {
+    auto const interval = bus_->nibbleInterval();
+    if (pendingWait_ > interval && !bus_->delayNextNibble(pendingWait_ - interval)) {
         bus_->flush();
         options_.wait(pendingWait_);
     }

@@ -90,6 +90,8 @@ public:
     void writeNibble(bool data, std::uint8_t nibble) override;
     void flush() override;
     std::chrono::nanoseconds nibbleInterval() const override;
+    /** Queues idle bytes (E low) for waits of up to four nibble intervals. */
+    bool delayNextNibble(std::chrono::nanoseconds duration) override;
     bool setBacklight(bool on) override;
 
     /** The expander byte that puts these levels on the pins. */
