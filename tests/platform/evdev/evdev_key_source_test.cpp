@@ -120,15 +120,33 @@ TEST(EvdevKeySourceTest, KeysOutsideTheMapAreIgnored) {
     EXPECT_EQ(drainKeySource(*source), Events{"press down"});
 }
 
-TEST(EvdevKeySourceTest, DeviceRepeatsAreDroppedOnAPipeByDefault) {
+// A recorded device replayed through a pipe: each of the kernel's repeats presses the key once
+// more, and from then on the source says it repeats, so the runtime does not add its own.
+TEST(EvdevKeySourceTest, EachKernelRepeatPressesTheKeyOnAPipe) {
     InputEventPipe pipe;
     auto const source = sourceOn(pipe);
     EXPECT_TRUE(source->capabilities().releases);
     EXPECT_FALSE(source->capabilities().repeats);
     pipe.key(KEY_UP, 1);
     pipe.key(KEY_UP, 2);
+    pipe.key(KEY_UP, 2);
+    pipe.key(KEY_UP, 2);
+    pipe.key(KEY_UP, 0);
+    EXPECT_EQ(drainKeySource(*source),
+              (Events{"press up", "repeat up", "repeat up", "repeat up", "release up"}));
+    EXPECT_TRUE(source->capabilities().repeats);
+}
+
+TEST(EvdevKeySourceTest, DeviceRepeatsAreDroppedWhenSwitchedOff) {
+    InputEventPipe pipe;
+    EvdevOptions options;
+    options.deviceRepeats = false;
+    auto const source = sourceOn(pipe, options);
+    pipe.key(KEY_UP, 1);
+    pipe.key(KEY_UP, 2);
     pipe.key(KEY_UP, 0);
     EXPECT_EQ(drainKeySource(*source), (Events{"press up", "release up"}));
+    EXPECT_FALSE(source->capabilities().repeats);
 }
 
 TEST(EvdevKeySourceTest, DeviceRepeatsArePassedOnWhenAskedFor) {

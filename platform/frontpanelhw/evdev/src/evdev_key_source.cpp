@@ -119,7 +119,10 @@ public:
         return std::nullopt;
     }
 
-    KeySourceCapabilities capabilities() const { return {true, repeats_}; }
+    // A source that has delivered the kernel's repeats repeats by itself from then on.
+    KeySourceCapabilities capabilities() const {
+        return {true, repeats_ || (!options_.deviceRepeats && decoder_.sawRepeats())};
+    }
 
 private:
     /** Sets up a freshly opened descriptor. @throws InputDeviceError when it is unusable. */
@@ -141,7 +144,9 @@ private:
                     }
                 }
             }
-            decoder_.setForwardRepeats(repeats_);
+            // Every repeat the kernel sends presses the key once more, also when replayed
+            // through a pipe, unless the application switched them off.
+            decoder_.setForwardRepeats(options_.deviceRepeats.value_or(true));
             decoder_.setKeyStateQuery(
                 isDevice ? detail::InputEventDecoder::KeyStateQuery(
                                [descriptor](std::vector<unsigned char>& bits) {

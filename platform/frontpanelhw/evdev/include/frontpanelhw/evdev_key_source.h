@@ -55,9 +55,11 @@ struct EvdevOptions {
     bool reopen = false;
     /** With `reopen`: the time between two tries to open the path (500 ms by default). */
     std::chrono::milliseconds reopenInterval{500};
-    /** Whether the device's own key repeats are passed on as Action::Repeat (and reported in
-     *  capabilities(), so the panel runtime does not repeat as well). Unset: yes for an input
-     *  device that repeats (EV_REP), no for a pipe or file; when no, they are dropped. */
+    /** Whether the device's own key repeats (EV_KEY value 2) are passed on, each as one
+     *  Action::Repeat that presses the key again, and reported in capabilities() so that the
+     *  panel runtime does not repeat as well. Unset: passed on; capabilities() says repeats for
+     *  an input device that repeats (EV_REP), and for a pipe or file once a repeat came through.
+     *  False: dropped (the panel runtime repeats held keys itself). */
     std::optional<bool> deviceRepeats;
     /** The name in messages; empty: the path (or "descriptor N"). */
     std::string name;
