@@ -43,11 +43,11 @@ public:
     Hd44780Rig(
         unsigned chars, unsigned lines, frontpanelhw::Hd44780Rom rom,
         frontpanelhw::InvertedCellMarker marker = frontpanelhw::InvertedCellMarker::UnderlineCursor,
-        Hd44780Wiring wiring = Hd44780Wiring::I2c)
+        Hd44780Wiring wiring = Hd44780Wiring::I2c, frontpanelhw::Hd44780Options options = {})
         : geometry_(frontpanelhw::Hd44780Geometry::standard(chars, lines)), model_(geometry_, rom) {
         model_.nameCgramGlyphs(driverCustomGlyph);
-        frontpanelhw::Hd44780Options options;
         options.rom = rom;
+        options.clock = [this] { return now_; };
         options.invertedMarker = marker;
         options.wait = [this](std::chrono::nanoseconds duration) {
             waited_ += duration;
@@ -77,6 +77,8 @@ public:
     ModelExpanderPort& port() { return *port_; }
     /** The GPIO lines (GPIO wiring only). */
     ModelLineOutput& lines() { return *lines_; }
+    /** Moves the driver's clock (retries, resyncs) on; the model's time moves with the bus. */
+    void advanceClock(std::chrono::milliseconds duration) { now_ += duration; }
     /** Everything the driver waited for itself. */
     std::chrono::nanoseconds waited() const { return waited_; }
 
@@ -119,6 +121,7 @@ private:
     frontpanelhw::Hd44780Geometry geometry_;
     Hd44780Model model_;
     std::chrono::nanoseconds waited_{0};
+    std::chrono::steady_clock::time_point now_{std::chrono::hours(1)};
     ModelExpanderPort* port_ = nullptr;
     ModelLineOutput* lines_ = nullptr;
     std::unique_ptr<frontpanelhw::Hd44780Display> display_;

@@ -41,10 +41,26 @@ Hd44780Model::Hd44780Model(frontpanelhw::Hd44780Geometry const& geometry,
       instructionTime_(atOscillator(kInstructionAt270kHz, oscillatorHz)),
       clearOrHomeTime_(atOscillator(kClearOrHomeAt270kHz, oscillatorHz)),
       busyUntil_(kPowerOn) {
+    powerCycle();
+}
+
+void Hd44780Model::powerCycle() {
+    busyUntil_ = now_ + kPowerOn;
+    eightBit_ = true;
+    powerOnInit_ = true;
+    powerOnFunctionSets_ = 0;
+    highNibble_.reset();
     // What RAM holds at power-on is undefined; a pattern that is never a blank makes a driver
-    // that forgets to clear show up.
+    // that forgets to clear or to load its glyphs again show up.
     ddram_.fill(0xFF);
     cgram_.fill(0x1F);
+    addressCounter_ = 0;
+    addressInCgram_ = false;
+    increment_ = true;
+    twoLines_ = false;
+    displayOn_ = false;
+    cursorOn_ = false;
+    blinkOn_ = false;
 }
 
 void Hd44780Model::advance(std::chrono::nanoseconds duration) { now_ += duration; }

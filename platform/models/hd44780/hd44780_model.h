@@ -47,6 +47,9 @@ public:
     void expanderByte(std::uint8_t byte, frontpanelhw::ExpanderPinMap const& pins);
     /** Time passes. */
     void advance(std::chrono::nanoseconds duration);
+    /** The module loses power and gets it back (a replug, a brown-out, ESD): power-on state,
+     *  RAM undefined, busy for the power-on time. */
+    void powerCycle();
 
     /** What went against the datasheet so far, one line each. */
     std::vector<std::string> const& violations() const { return violations_; }
