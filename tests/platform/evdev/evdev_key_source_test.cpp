@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -279,8 +280,13 @@ struct ReappearingDevice {
     bool present = true;
     int attempts = 0;
 
-    InputEventPipe& plugIn() {
+    /** What the device of each pipe calls itself (EVIOCGID and name of a real one). */
+    std::vector<std::string> identities;
+    std::map<int, std::string> identityOf;  // by open descriptor
+
+    InputEventPipe& plugIn(std::string identity = "keypad") {
         pipes.push_back(std::make_unique<InputEventPipe>());
+        identities.push_back(std::move(identity));
         present = true;
         return *pipes.back();
     }
@@ -290,9 +296,48 @@ struct ReappearingDevice {
             errno = ENOENT;
             return -1;
         }
-        return pipes[next++]->releaseReadEnd();
+        int const descriptor = pipes[next]->releaseReadEnd();
+        identityOf[descriptor] = identities[next++];
+        return descriptor;
     }
 };
+
+// After a replug another device took the path: it is refused before it is grabbed, with one
+// warning however often it is tried, and the first device is taken back when it returns.
+TEST(EvdevKeySourceTest, ReopenRefusesAnotherDeviceAtTheSamePath) {
+    yxfp_test::LogCapture const log;
+    ReappearingDevice device;
+    InputEventPipe& keypad = device.plugIn("keypad");
+    auto now = std::chrono::steady_clock::time_point(1h);
+    EvdevOptions options;
+    options.reopen = true;
+    options.clock = [&now] { return now; };
+    options.identify = [&device](int descriptor) { return device.identityOf[descriptor]; };
+    EvdevKeySource source([&device] { return device.open(); }, options);
+    keypad.closeWriteEnd();
+    EXPECT_EQ(drainKeySource(source), Events{"closed"});
+
+    InputEventPipe& mouse = device.plugIn("mouse");
+    mouse.key(KEY_UP, 1);
+    now += 500ms;
+    EXPECT_EQ(drainKeySource(source), Events{});
+    EXPECT_EQ(source.waitDescriptor(), -1);
+    for (int i = 0; i < 3; ++i) {
+        device.plugIn("mouse");
+        now += 500ms;
+        EXPECT_EQ(drainKeySource(source), Events{});
+    }
+    std::size_t refusals = 0;
+    for (auto const& record : log.records()) {
+        refusals += record.message.find("is now another device") != std::string::npos ? 1 : 0;
+    }
+    EXPECT_EQ(refusals, 1U);
+
+    InputEventPipe& back = device.plugIn("keypad");
+    back.key(KEY_DOWN, 1);
+    now += 500ms;
+    EXPECT_EQ(drainKeySource(source), Events{"press down"});
+}
 
 TEST(EvdevKeySourceTest, DeviceThatReappearsIsOpenedAgainWithoutBusyLooping) {
     ReappearingDevice device;

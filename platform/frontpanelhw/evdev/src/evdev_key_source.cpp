@@ -130,6 +130,7 @@ private:
         bool isDevice = false;
         try {
             isDevice = detail::checkInputDescriptor(descriptor, name_);
+            checkIdentity(descriptor, isDevice);
             if (isDevice && options_.grab) {
                 detail::grabInputDevice(descriptor, name_);
             }
@@ -159,6 +160,23 @@ private:
         }
         descriptor_ = descriptor;
         isDevice_ = isDevice;
+    }
+
+    /** Remembers the first device's identity; refuses another device at the same path.
+     *  @throws InputDeviceError when the descriptor is another device than the first. */
+    void checkIdentity(int descriptor, bool isDevice) {
+        std::string const identity = options_.identify ? options_.identify(descriptor)
+                                     : isDevice        ? detail::readInputIdentity(descriptor)
+                                                       : std::string();
+        if (!identity_) {
+            identity_ = identity;
+            return;
+        }
+        if (identity.empty() || identity_->empty() || identity == *identity_) {
+            return;
+        }
+        throw InputDeviceError(name_ + " is now another device (" + identity + ", was " +
+                               *identity_ + "); waiting for the first one to come back");
     }
 
     /** Waits up to `wait` for the descriptor and reads what it has; false when nothing came.
@@ -208,8 +226,12 @@ private:
         try {
             adopt(descriptor);
             logLine(kInfo, name_ + " is back");
+            lastRefusal_.clear();
         } catch (InputDeviceError const& error) {
-            logLine(kWarning, error.what());
+            if (error.what() != lastRefusal_) {  // once, not at every try
+                logLine(kWarning, error.what());
+                lastRefusal_ = error.what();
+            }
         }
     }
 
@@ -229,6 +251,8 @@ private:
     bool isDevice_ = false;
     bool repeats_ = false;
     TimePoint nextReopen_{};
+    std::optional<std::string> identity_;  // of the first device opened
+    std::string lastRefusal_;
     std::deque<KeyEvent> pending_;
 };
 

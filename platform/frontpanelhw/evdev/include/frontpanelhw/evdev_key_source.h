@@ -61,6 +61,12 @@ struct EvdevOptions {
      *  an input device that repeats (EV_REP), and for a pipe or file once a repeat came through.
      *  False: dropped (the panel runtime repeats held keys itself). */
     std::optional<bool> deviceRepeats;
+    /** How a reopened device is told from another that took its path after a replug: a text
+     *  that names the device behind a descriptor, empty when it cannot tell. Empty function:
+     *  EVIOCGID (bus, vendor, product, version) and EVIOCGNAME for input devices. A reopen
+     *  that finds another device refuses it before grabbing (logged once) and tries again
+     *  later. */
+    std::function<std::string(int descriptor)> identify;
     /** The name in messages; empty: the path (or "descriptor N"). */
     std::string name;
     /** The time for reopen retries; empty: std::chrono::steady_clock. */
