@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -121,48 +122,48 @@ TEST(EvdevKeySourceTest, KeysOutsideTheMapAreIgnored) {
     EXPECT_EQ(drainKeySource(*source), Events{"press down"});
 }
 
-// A recorded device replayed through a pipe: each of the kernel's repeats presses the key once
-// more, and from then on the source says it repeats, so the runtime does not add its own.
-TEST(EvdevKeySourceTest, EachKernelRepeatPressesTheKeyOnAPipe) {
-    InputEventPipe pipe;
-    auto const source = sourceOn(pipe);
-    EXPECT_TRUE(source->capabilities().releases);
-    EXPECT_FALSE(source->capabilities().repeats);
-    pipe.key(KEY_UP, 1);
-    pipe.key(KEY_UP, 2);
-    pipe.key(KEY_UP, 2);
-    pipe.key(KEY_UP, 2);
-    pipe.key(KEY_UP, 0);
-    EXPECT_EQ(drainKeySource(*source),
-              (Events{"press up", "repeat up", "repeat up", "repeat up", "release up"}));
-    EXPECT_TRUE(source->capabilities().repeats);
-}
+/** What a source on a pipe makes of a key held through two kernel repeats and a stray repeat
+ *  after its release, with `deviceRepeats` as given. */
+struct RepeatRun {
+    Events events;
+    bool repeatsBefore;  // capabilities().repeats before the key
+    bool repeatsAfter;   // and after it
+};
 
-TEST(EvdevKeySourceTest, DeviceRepeatsAreDroppedWhenSwitchedOff) {
+RepeatRun holdThroughRepeats(std::optional<bool> deviceRepeats) {
     InputEventPipe pipe;
     EvdevOptions options;
-    options.deviceRepeats = false;
+    options.deviceRepeats = deviceRepeats;
     auto const source = sourceOn(pipe, options);
-    pipe.key(KEY_UP, 1);
-    pipe.key(KEY_UP, 2);
-    pipe.key(KEY_UP, 0);
-    EXPECT_EQ(drainKeySource(*source), (Events{"press up", "release up"}));
-    EXPECT_FALSE(source->capabilities().repeats);
-}
-
-TEST(EvdevKeySourceTest, DeviceRepeatsArePassedOnWhenAskedFor) {
-    InputEventPipe pipe;
-    EvdevOptions options;
-    options.deviceRepeats = true;
-    auto const source = sourceOn(pipe, options);
-    EXPECT_TRUE(source->capabilities().repeats);
+    bool const before = source->capabilities().repeats;
     pipe.key(KEY_UP, 1);
     pipe.key(KEY_UP, 2);
     pipe.key(KEY_UP, 2);
     pipe.key(KEY_UP, 0);
     pipe.key(KEY_UP, 2);  // a repeat of a key not held any more
-    EXPECT_EQ(drainKeySource(*source),
-              (Events{"press up", "repeat up", "repeat up", "release up"}));
+    Events events = drainKeySource(*source);
+    return {events, before, source->capabilities().repeats};
+}
+
+// A recorded device replayed through a pipe: each of the kernel's repeats presses the key once
+// more, and from then on the source says it repeats, so the runtime does not add its own.
+TEST(EvdevKeySourceTest, EachKernelRepeatPressesTheKeyOnAPipe) {
+    RepeatRun const run = holdThroughRepeats(std::nullopt);
+    EXPECT_EQ(run.events, (Events{"press up", "repeat up", "repeat up", "release up"}));
+    EXPECT_FALSE(run.repeatsBefore);
+    EXPECT_TRUE(run.repeatsAfter);
+}
+
+TEST(EvdevKeySourceTest, DeviceRepeatsAreDroppedWhenSwitchedOff) {
+    RepeatRun const run = holdThroughRepeats(false);
+    EXPECT_EQ(run.events, (Events{"press up", "release up"}));
+    EXPECT_FALSE(run.repeatsAfter);
+}
+
+TEST(EvdevKeySourceTest, DeviceRepeatsArePassedOnWhenAskedFor) {
+    RepeatRun const run = holdThroughRepeats(true);
+    EXPECT_EQ(run.events, (Events{"press up", "repeat up", "repeat up", "release up"}));
+    EXPECT_TRUE(run.repeatsBefore);
 }
 
 TEST(EvdevKeySourceTest, PanelKeyOfTwoCodesIsHeldWhileEitherIs) {
