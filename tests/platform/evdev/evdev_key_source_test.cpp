@@ -17,6 +17,7 @@
 #include "platform_capture.h"
 #include <fcntl.h>
 #include <linux/input.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -376,6 +377,56 @@ TEST(EvdevKeySourceTest, DeviceThatReappearsIsOpenedAgainWithoutBusyLooping) {
     EXPECT_GE(source.waitDescriptor(), 0);
     second.closeWriteEnd();
     EXPECT_EQ(drainKeySource(source), (Events{"release left", "closed"}));
+}
+
+// Waiting for input fails (here: poll(2) refuses any descriptor while RLIMIT_NOFILE is 0).
+// The source backs off instead of retrying at once, warns once, and after several failures in
+// a row stops: held keys released, closed, and the reason in error().
+TEST(EvdevKeySourceTest, PollThatKeepsFailingBacksOffAndStopsWithAnError) {
+    yxfp_test::LogCapture const log;
+    InputEventPipe pipe;
+    auto now = std::chrono::steady_clock::time_point(1h);
+    EvdevOptions options;
+    options.clock = [&now] { return now; };
+    auto const source = sourceOn(pipe, options);
+    pipe.key(KEY_UP, 1);
+    EXPECT_EQ(drainKeySource(*source), Events{"press up"});
+
+    struct NoDescriptorsAllowed {
+        rlimit previous{};
+        NoDescriptorsAllowed() {
+            ::getrlimit(RLIMIT_NOFILE, &previous);
+            rlimit none = previous;
+            none.rlim_cur = 0;
+            ::setrlimit(RLIMIT_NOFILE, &none);
+        }
+        ~NoDescriptorsAllowed() { ::setrlimit(RLIMIT_NOFILE, &previous); }
+    };
+    Events events;
+    {
+        NoDescriptorsAllowed const limit;
+        for (long ms = 0; ms <= 3000 && events.empty(); ++ms) {
+            now = std::chrono::steady_clock::time_point(1h) + std::chrono::milliseconds(ms);
+            for (int call = 0; call < 3 && events.empty(); ++call) {
+                events = drainKeySource(*source);
+            }
+        }
+    }
+    EXPECT_EQ(events, (Events{"release up", "closed"}));
+    EXPECT_NE(source->error().find("waiting for input failed"), std::string::npos)
+        << source->error();
+    EXPECT_NE(source->error().find("8 times in a row"), std::string::npos) << source->error();
+    EXPECT_EQ(source->waitDescriptor(), -1);
+    std::size_t warnings = 0;
+    std::size_t errors = 0;
+    for (auto const& record : log.records()) {
+        warnings += record.level == 4 ? 1 : 0;
+        errors += record.level == 3 ? 1 : 0;
+    }
+    EXPECT_EQ(warnings, 1U);
+    EXPECT_EQ(errors, 1U);
+    // 10 + 20 + 40 + 80 + 160 + 320 + 640 ms of pauses came before the eighth failure.
+    EXPECT_EQ(now - std::chrono::steady_clock::time_point(1h), std::chrono::milliseconds(1270));
 }
 
 TEST(EvdevKeySourceTest, WithoutReopenAClosedPathStaysClosed) {

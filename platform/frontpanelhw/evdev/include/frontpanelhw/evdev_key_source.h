@@ -114,6 +114,11 @@ public:
     std::optional<std::chrono::milliseconds> wakeWithin() const override;
     /** Releases always; repeats as EvdevOptions::deviceRepeats says. */
     KeySourceCapabilities capabilities() const override;
+    /** Why the source stopped for good, empty while it has not: waiting for input (poll(2))
+     *  failed for a reason other than a signal several times in a row, with growing pauses
+     *  (10 ms doubling to 1 s) between the tries; the source then released its keys and
+     *  reported closed. */
+    std::string error() const;
 
 private:
     class Impl;
