@@ -1,0 +1,33 @@
+// What the libgpiod 1.x and 2.x adapters share: messages and edge times.
+#include "gpiod_shared.h"
+
+#include <cerrno>
+#include <system_error>
+
+namespace frontpanelhw::detail {
+
+std::string chipOpenMessage(std::string const& chip, int error) {
+    switch (error) {
+        case ENOENT:
+        case ENODEV:
+            return "GPIO chip '" + chip +
+                   "' does not exist: gpiodetect lists the chips (e.g. gpiochip0)";
+        case EACCES:
+        case EPERM:
+            return "no permission to open GPIO chip '" + chip +
+                   "': run as root or give your user access to /dev/gpiochip* (a 'gpio' group "
+                   "or a udev rule)";
+        default:
+            return "cannot open GPIO chip '" + chip + "': " + std::system_category().message(error);
+    }
+}
+
+std::chrono::steady_clock::time_point edgeTime(std::chrono::nanoseconds stamp) {
+    auto const now = std::chrono::steady_clock::now();
+    std::chrono::steady_clock::time_point const time{
+        std::chrono::duration_cast<std::chrono::steady_clock::duration>(stamp)};
+    bool const plausible = time <= now && now - time < std::chrono::seconds(10);
+    return plausible ? time : now;
+}
+
+}  // namespace frontpanelhw::detail
