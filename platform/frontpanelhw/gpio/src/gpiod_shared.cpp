@@ -1,6 +1,8 @@
 // What the libgpiod 1.x and 2.x adapters share: messages and edge times.
 #include "gpiod_shared.h"
 
+#include <frontpanelhw/hd44780_bus.h>
+
 #include <cerrno>
 #include <system_error>
 
@@ -19,6 +21,17 @@ std::string chipOpenMessage(std::string const& chip, int error) {
                    "or a udev rule)";
         default:
             return "cannot open GPIO chip '" + chip + "': " + std::system_category().message(error);
+    }
+}
+
+void checkModuleLines(std::string const& chip, std::vector<unsigned> const& offsets) {
+    for (std::size_t i = 0; i < offsets.size(); ++i) {
+        for (std::size_t j = i + 1; j < offsets.size(); ++j) {
+            if (offsets[i] == offsets[j]) {
+                throw Hd44780BusError("GPIO chip " + chip + ": line " + std::to_string(offsets[i]) +
+                                      " is given to two module pins");
+            }
+        }
     }
 }
 

@@ -2,11 +2,16 @@
 
 #include <chrono>
 #include <string>
+#include <vector>
 
 namespace frontpanelhw::detail {
 
 /** The message for a GPIO chip that cannot be opened, saying what to do. */
 std::string chipOpenMessage(std::string const& chip, int error);
+
+/** Checks that the module's lines on `chip` are all different.
+ *  @throws Hd44780BusError naming a line given to two module pins. */
+void checkModuleLines(std::string const& chip, std::vector<unsigned> const& offsets);
 
 /** The time of an edge the kernel stamped `stamp` after its clock's epoch. The kernel stamps
  *  with the monotonic clock (the steady clock) since Linux 5.7 and with the real-time clock

@@ -6,6 +6,7 @@
 #include <string>
 #include <system_error>
 
+#include "../gpiod_shared.h"
 #include <gpiod.h>
 
 namespace frontpanelhw {
@@ -21,15 +22,7 @@ public:
     explicit GpiodLines(GpioLineConfig const& config) : chipName_(config.chip) {
         std::array<unsigned, kLineCount> offsets = {config.rs, config.enable, config.d4,
                                                     config.d5, config.d6,     config.d7};
-        for (unsigned i = 0; i < kLineCount; ++i) {
-            for (unsigned j = i + 1; j < kLineCount; ++j) {
-                if (offsets[i] == offsets[j]) {
-                    throw Hd44780BusError("GPIO chip " + chipName_ + ": line " +
-                                          std::to_string(offsets[i]) +
-                                          " is given to two module pins");
-                }
-            }
-        }
+        detail::checkModuleLines(chipName_, {offsets.begin(), offsets.end()});
         chip_ = ::gpiod_chip_open_lookup(chipName_.c_str());
         if (chip_ == nullptr) {
             throw Hd44780BusError("cannot open GPIO chip " + chipName_ + ": " + reason(errno));
