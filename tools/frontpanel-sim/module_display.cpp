@@ -5,7 +5,6 @@
 #include <frontpanelhw/hd44780_i2c.h>
 
 #include <array>
-#include <csignal>
 #include <thread>
 #include <utility>
 
@@ -94,7 +93,6 @@ public:
         auto const geometry =
             frontpanelhw::Hd44780Geometry::standard(screen.getChars(), screen.getLines());
         auto port = frontpanelhw::openExpanderPort(option.path, option.address);
-        std::signal(SIGPIPE, SIG_IGN);
         frontpanelhw::Hd44780Options options;
         options.rom = option.rom;
         // Really wait: a key script hooks the toolkit's sleeps away, the module must not be.
