@@ -8,6 +8,20 @@
 
 namespace frontpanelhw::detail {
 
+std::string errorText(int error) { return std::generic_category().message(error); }
+
+std::optional<GpioEdge> BatchedEdgeSource::readEdge() {
+    if (waiting_.empty()) {
+        collect(waiting_);
+    }
+    if (waiting_.empty()) {
+        return std::nullopt;
+    }
+    GpioEdge const edge = waiting_.front();
+    waiting_.pop_front();
+    return edge;
+}
+
 std::string chipOpenMessage(std::string const& chip, int error) {
     switch (error) {
         case ENOENT:

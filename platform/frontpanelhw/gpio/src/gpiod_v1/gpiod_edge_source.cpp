@@ -32,7 +32,7 @@ int biasFlags(GpioBias bias) {
 
 /** Edges of requested lines of one chip; all line descriptors wait in one epoll set, so that
  *  the key source has a single descriptor to wait on. */
-class GpiodEdgeSource final : public IGpioEdgeSource {
+class GpiodEdgeSource final : public BatchedEdgeSource {
 public:
     GpiodEdgeSource(std::string const& chip, std::vector<unsigned> const& offsets, GpioBias bias,
                     std::string const& consumer)
@@ -56,18 +56,6 @@ public:
     ~GpiodEdgeSource() override { release(); }
 
     int descriptor() const override { return epoll_; }
-
-    std::optional<GpioEdge> readEdge() override {
-        if (waiting_.empty()) {
-            collect();
-        }
-        if (waiting_.empty()) {
-            return std::nullopt;
-        }
-        GpioEdge const edge = waiting_.front();
-        waiting_.pop_front();
-        return edge;
-    }
 
     bool level(unsigned offset) override {
         for (auto const& line : lines_) {
@@ -127,7 +115,7 @@ private:
         }
     }
 
-    void collect() {
+    void collect(std::deque<GpioEdge>& edges) override {
         epoll_event ready[8];
         int const count = ::epoll_wait(epoll_, ready, 8, 0);
         int const error = errno;
@@ -148,10 +136,9 @@ private:
                                        name_ +
                                        " failed: " + std::system_category().message(readError));
             }
-            waiting_.push_back(GpioEdge{line.offset,
-                                        event.event_type == GPIOD_LINE_EVENT_RISING_EDGE,
-                                        edgeTime(std::chrono::seconds(event.ts.tv_sec) +
-                                                 std::chrono::nanoseconds(event.ts.tv_nsec))});
+            edges.push_back(GpioEdge{line.offset, event.event_type == GPIOD_LINE_EVENT_RISING_EDGE,
+                                     edgeTime(std::chrono::seconds(event.ts.tv_sec) +
+                                              std::chrono::nanoseconds(event.ts.tv_nsec))});
         }
     }
 
@@ -174,7 +161,6 @@ private:
     gpiod_chip* chip_ = nullptr;
     int epoll_ = -1;
     std::vector<Line> lines_;
-    std::deque<GpioEdge> waiting_;
 };
 
 }  // namespace

@@ -32,8 +32,6 @@ gpiod_line_bias biasOf(GpioBias bias) {
     return GPIOD_LINE_BIAS_AS_IS;
 }
 
-std::string reason(int error) { return std::system_category().message(error); }
-
 /** The message for a request of `offsets` that failed with `error`. */
 std::string requestMessage(GpiodV2Request const& lines, std::string const& chip,
                            std::vector<unsigned> const& offsets, int error) {
@@ -54,10 +52,10 @@ std::string requestMessage(GpiodV2Request const& lines, std::string const& chip,
                    "': free it (gpioinfo shows who holds it) or choose another line";
         }
     }
-    return "cannot request GPIO lines of " + chip + ": " + reason(error);
+    return "cannot request GPIO lines of " + chip + ": " + errorText(error);
 }
 
-class GpiodEdgeSource final : public IGpioEdgeSource {
+class GpiodEdgeSource final : public BatchedEdgeSource {
 public:
     GpiodEdgeSource(std::string const& chip, std::vector<unsigned> const& offsets, GpioBias bias,
                     std::string const& consumer)
@@ -87,34 +85,22 @@ public:
 
     int descriptor() const override { return ::gpiod_line_request_get_fd(lines_->request()); }
 
-    std::optional<GpioEdge> readEdge() override {
-        if (waiting_.empty()) {
-            collect();
-        }
-        if (waiting_.empty()) {
-            return std::nullopt;
-        }
-        GpioEdge const edge = waiting_.front();
-        waiting_.pop_front();
-        return edge;
-    }
-
     bool level(unsigned offset) override {
         gpiod_line_value const value = ::gpiod_line_request_get_value(lines_->request(), offset);
         if (value == GPIOD_LINE_VALUE_ERROR) {
             throw InputDeviceError("cannot read GPIO line " + std::to_string(offset) + " of " +
-                                   name_ + ": " + reason(errno));
+                                   name_ + ": " + errorText(errno));
         }
         return value == GPIOD_LINE_VALUE_ACTIVE;
     }
 
 private:
-    void collect() {
+    void collect(std::deque<GpioEdge>& edges) override {
         // Reading blocks while nothing waits: look first, without waiting.
         int const ready = ::gpiod_line_request_wait_edge_events(lines_->request(), 0);
         if (ready < 0) {
             throw InputDeviceError("waiting for GPIO events of " + name_ +
-                                   " failed: " + reason(errno));
+                                   " failed: " + errorText(errno));
         }
         if (ready == 0) {
             return;
@@ -122,12 +108,13 @@ private:
         int const count =
             ::gpiod_line_request_read_edge_events(lines_->request(), buffer_, kEventsPerRead);
         if (count < 0) {
-            throw InputDeviceError("reading GPIO events of " + name_ + " failed: " + reason(errno));
+            throw InputDeviceError("reading GPIO events of " + name_ +
+                                   " failed: " + errorText(errno));
         }
         for (int i = 0; i < count; ++i) {
             gpiod_edge_event* event =
                 ::gpiod_edge_event_buffer_get_event(buffer_, static_cast<unsigned long>(i));
-            waiting_.push_back(GpioEdge{
+            edges.push_back(GpioEdge{
                 ::gpiod_edge_event_get_line_offset(event),
                 ::gpiod_edge_event_get_event_type(event) == GPIOD_EDGE_EVENT_RISING_EDGE,
                 edgeTime(std::chrono::nanoseconds(
@@ -138,7 +125,6 @@ private:
     std::string name_;
     std::unique_ptr<GpiodV2Request> lines_;
     gpiod_edge_event_buffer* buffer_ = nullptr;
-    std::deque<GpioEdge> waiting_;
 };
 
 }  // namespace

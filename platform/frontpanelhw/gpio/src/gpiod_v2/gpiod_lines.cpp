@@ -15,10 +15,6 @@ namespace frontpanelhw {
 
 namespace {
 
-constexpr unsigned kLineCount = 6;  // RS, E, D4-D7, in the order of the hd44780_lines bits
-
-std::string reason(int error) { return std::generic_category().message(error); }
-
 class GpiodLines : public IHd44780LineOutput {
 public:
     explicit GpiodLines(GpioLineConfig const& config) : chipName_(config.chip) {
@@ -35,23 +31,23 @@ public:
                                                           "yxfrontpanel");
         if (lines_->chip() == nullptr) {
             throw Hd44780BusError("cannot open GPIO chip " + chipName_ + ": " +
-                                  reason(lines_->error()));
+                                  detail::errorText(lines_->error()));
         }
         if (lines_->requestFailed()) {
             throw Hd44780BusError("cannot request output lines of GPIO chip " + chipName_ + ": " +
-                                  reason(lines_->error()));
+                                  detail::errorText(lines_->error()));
         }
     }
 
     void setLevels(std::uint8_t levels) override {
-        std::array<gpiod_line_value, kLineCount> values{};
-        for (unsigned i = 0; i < kLineCount; ++i) {
+        std::array<gpiod_line_value, detail::kModuleLineCount> values{};
+        for (unsigned i = 0; i < detail::kModuleLineCount; ++i) {
             values[i] =
                 ((levels >> i) & 1U) != 0 ? GPIOD_LINE_VALUE_ACTIVE : GPIOD_LINE_VALUE_INACTIVE;
         }
         if (::gpiod_line_request_set_values(lines_->request(), values.data()) != 0) {
             throw Hd44780BusError("setting the lines of GPIO chip " + chipName_ +
-                                  " failed: " + reason(errno));
+                                  " failed: " + detail::errorText(errno));
         }
     }
 
