@@ -249,6 +249,7 @@ TEST(Hd44780DisplayTest, ATransferFailingAnywhereInAFrameIsRepairedByTheNextDraw
         rig.port().failAfter(failAt);
         EXPECT_FALSE(rig.display().draw(middle)) << "failing at byte " << failAt;
         rig.port().stopFailing();
+        rig.advanceClock(std::chrono::milliseconds(250));  // the first retry is due
         ASSERT_TRUE(rig.display().draw(after));
         ASSERT_EQ(rig.screen(), Hd44780Rig::meant(after)) << "failing at byte " << failAt;
         ASSERT_EQ(rig.model().cursorCell(), (Cell{{0, 2}})) << "failing at byte " << failAt;
@@ -269,6 +270,7 @@ TEST(Hd44780DisplayTest, RepeatedFailuresLogOneErrorAndThenDebugLines) {
     auto const frame = frameOf(16, {u"a", u"b"});
     for (int attempt = 0; attempt < 3; ++attempt) {
         EXPECT_FALSE(rig.display().draw(frame));
+        rig.advanceClock(std::chrono::seconds(1));
     }
     auto const records = log.records();
     ASSERT_EQ(records.size(), 3U);
@@ -287,7 +289,86 @@ TEST(Hd44780DisplayTest, ARequestedRedrawInitialisesAgain) {
     auto const waited = rig.waited();
     rig.display().requestRedraw();
     expectShows(rig, frame);
-    EXPECT_GE(rig.waited() - waited, std::chrono::milliseconds(40)) << "initialised again";
+    EXPECT_GE(rig.waited() - waited, std::chrono::microseconds(4100)) << "initialised again";
+    EXPECT_LT(rig.waited() - waited, std::chrono::milliseconds(40)) << "no power-on wait again";
+}
+
+// A module that is gone: one try, then draws fail at once without touching the bus until the
+// retry time, which doubles with each failure up to its limit; retries skip the power-on wait.
+TEST(Hd44780DisplayTest, AMissingModuleIsTriedAgainWithBackoffAndNoPowerOnWait) {
+    using std::chrono::milliseconds;
+    yxfp_test::LogCapture const log;
+    frontpanelhw::Hd44780Options options;
+    options.recovery.firstRetry = milliseconds(100);
+    options.recovery.longestRetry = milliseconds(400);
+    Hd44780Rig rig(16, 2, Hd44780Rom::A00, InvertedCellMarker::UnderlineCursor, Hd44780Wiring::I2c,
+                   options);
+    auto const frame = frameOf(16, {u"05.00 V", u"192.168.1.100"});
+    expectShows(rig, frame);
+    rig.display().requestRedraw();
+    rig.port().failAfter(0);
+    EXPECT_FALSE(rig.display().draw(frame));
+    std::vector<long> triedAt;  // ms after the first failure
+    for (long ms = 1; ms <= 1600; ++ms) {
+        rig.advanceClock(milliseconds(1));
+        auto const transfers = rig.port().transfers();
+        auto const waited = rig.waited();
+        EXPECT_FALSE(rig.display().draw(frame));
+        if (rig.port().transfers() != transfers) {
+            triedAt.push_back(ms);
+            EXPECT_LT(rig.waited() - waited, milliseconds(40)) << "retry at " << ms << " ms";
+        }
+    }
+    EXPECT_EQ(triedAt, (std::vector<long>{100, 300, 700, 1100, 1500}));
+    rig.port().stopFailing();
+    rig.advanceClock(milliseconds(400));
+    expectShows(rig, frame);
+}
+
+// The module lost power while it was away: after the retry it is initialised again and its
+// custom glyphs are loaded again (CGRAM is undefined after power-on).
+TEST(Hd44780DisplayTest, AModuleBackFromAPowerLossGetsItsCustomGlyphsAgain) {
+    Hd44780Rig rig(20, 4, Hd44780Rom::A00);
+    auto frame = frameOf(20, {u"Output", u"Network", u"Display", u"System"});
+    frame.setLineContent(0, 19, u"\x1E");
+    frame.setLineContent(3, 19, u"\x1F");
+    frame.setLineContent(2, 8, u"\xDB\xDB\xB0\xB0 20\xF8");
+    expectShows(rig, frame);
+    rig.display().requestRedraw();  // a draw that reaches the bus
+    rig.port().failAfter(0);
+    EXPECT_FALSE(rig.display().draw(frame));
+    rig.model().powerCycle();
+    rig.port().stopFailing();
+    rig.advanceClock(std::chrono::seconds(1));
+    rig.model().advance(std::chrono::milliseconds(50));
+    expectShows(rig, frame);
+}
+
+// Noise or ESD scrambled the controller without any transport error: with a resync interval
+// the driver initialises again and redraws; without one (the default) it does not.
+TEST(Hd44780DisplayTest, APeriodicResyncRepairsAScrambledModuleWhenSwitchedOn) {
+    for (bool const resync : {false, true}) {
+        frontpanelhw::Hd44780Options options;
+        if (resync) {
+            options.recovery.resyncInterval = std::chrono::seconds(10);
+        }
+        Hd44780Rig rig(16, 2, Hd44780Rom::A00, InvertedCellMarker::UnderlineCursor,
+                       Hd44780Wiring::I2c, options);
+        auto const frame = frameOf(16, {u"Out 1  05.00 V", u"S/N YX-2026/07"});
+        expectShows(rig, frame);
+        rig.model().powerCycle();
+        rig.model().advance(std::chrono::milliseconds(50));
+        rig.advanceClock(std::chrono::seconds(9));
+        ASSERT_TRUE(rig.display().draw(frame));
+        EXPECT_NE(rig.screen(), Hd44780Rig::meant(frame)) << "not yet due";
+        rig.advanceClock(std::chrono::seconds(1));
+        ASSERT_TRUE(rig.display().draw(frame));
+        if (resync) {
+            EXPECT_EQ(rig.screen(), Hd44780Rig::meant(frame));
+        } else {
+            EXPECT_NE(rig.screen(), Hd44780Rig::meant(frame)) << "no resync by default";
+        }
+    }
 }
 
 TEST(Hd44780DisplayTest, GpioWiringWaitsForEveryInstructionItself) {
@@ -319,6 +400,38 @@ TEST(Hd44780DisplayTest, BacklightFollowsTheSwitch) {
 TEST(Hd44780DisplayTest, ConstructorRefusesAMissingTransport) {
     EXPECT_THROW(frontpanelhw::Hd44780Display(nullptr, Hd44780Geometry::standard(16, 2)),
                  std::invalid_argument);
+}
+
+}  // namespace
+
+namespace {
+
+// The worst case per frame that docs/displays.md states: a full redraw of a 20x4 module with
+// every line changed and seven custom glyphs to load, over I2C, is at most 964 expander bytes in
+// 10 transfers (22 ms at 400 kHz, 88 ms at 100 kHz) and 6.7 ms of waits.
+TEST(Hd44780DisplayTest, AFullRedrawStaysWithinTheDocumentedWorstCase) {
+    Hd44780Rig rig(20, 4, Hd44780Rom::A00);
+    auto first = frameOf(20, {u"", u"", u"", u""});
+    first.setLineContent(0, 0,
+                         u"\x1E\x1F\xDB\xB0\xB1\xB2\xF8\x10\x11"
+                         u"Abcdefghijk");
+    expectShows(rig, first);
+    auto const bytes = rig.port().bytes();
+    auto const transfers = rig.port().transfers();
+    auto const waited = rig.waited();
+    rig.display().requestRedraw();
+    auto full = frameOf(
+        20, {u"", u"09876543210987654321", u"abcdefghijklmnopqrst", u"ABCDEFGHIJKLMNOPQRST"});
+    full.setLineContent(0, 0,
+                        u"\x10\x11\xDB\xB0\xB1\xB2\xF8\x1E\x1F"
+                        u"Zbcdefghijk");
+    expectShows(rig, full);
+    EXPECT_LE(rig.port().bytes() - bytes, 964U);
+    EXPECT_LE(rig.port().transfers() - transfers, 10U);
+    EXPECT_LE(rig.waited() - waited, std::chrono::microseconds(6700));
+    EXPECT_LE(yxfp_test::i2cBusTime(rig.port().transfers() - transfers, rig.port().bytes() - bytes,
+                                    100000),
+              std::chrono::milliseconds(88));
 }
 
 }  // namespace

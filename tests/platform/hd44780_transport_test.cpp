@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -13,6 +14,7 @@
 #include <vector>
 
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -204,6 +206,47 @@ TEST(ExpanderPortTest, AFifoCarriesTheBytesToItsReader) {
     EXPECT_EQ(::read(reader, received, sizeof received), 3);
     EXPECT_EQ(received[0], 0x3C);
     EXPECT_EQ(received[2], 0x2C);
+    port.reset();
+    ::close(reader);
+}
+
+// The reader of a capture FIFO goes away: the write fails with a message, the process gets no
+// SIGPIPE (its default action would end it), and once a reader is back the port writes again.
+TEST(ExpanderPortTest, AFifoWhoseReaderLeftFailsWithoutSigpipeAndWorksWhenItIsBack) {
+    struct DefaultSigpipe {
+        DefaultSigpipe() { previous = std::signal(SIGPIPE, SIG_DFL); }
+        ~DefaultSigpipe() { std::signal(SIGPIPE, previous); }
+        void (*previous)(int);
+    } const defaultAction;
+    TempDir const dir;
+    std::string const path = dir.file("fifo");
+    ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+    int reader = ::open(path.c_str(), O_RDONLY | O_NONBLOCK);
+    ASSERT_GE(reader, 0);
+    auto port = frontpanelhw::openExpanderPort(path, 0x27);
+    std::uint8_t const bytes[] = {0x3C, 0x38};
+    port->write(bytes, sizeof bytes);
+    ::close(reader);
+
+    try {
+        port->write(bytes, sizeof bytes);
+        ADD_FAILURE() << "writing without a reader succeeded";
+    } catch (frontpanelhw::Hd44780BusError const& error) {
+        EXPECT_NE(std::string(error.what()).find("reader went away"), std::string::npos)
+            << error.what();
+    }
+    sigset_t pending;
+    sigpending(&pending);
+    EXPECT_EQ(sigismember(&pending, SIGPIPE), 0) << "a SIGPIPE is left pending";
+    EXPECT_THROW(port->write(bytes, sizeof bytes), frontpanelhw::Hd44780BusError)
+        << "still no reader";
+
+    reader = ::open(path.c_str(), O_RDONLY | O_NONBLOCK);
+    ASSERT_GE(reader, 0);
+    port->write(bytes, sizeof bytes);
+    std::uint8_t received[8] = {};
+    EXPECT_EQ(::read(reader, received, sizeof received), 2);
+    EXPECT_EQ(received[1], 0x38);
     port.reset();
     ::close(reader);
 }

@@ -6,7 +6,9 @@
 #include <frontpanelhw/hd44780_gpio.h>
 #include <frontpanelhw/hd44780_i2c.h>
 
+#include <array>
 #include <chrono>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -16,6 +18,19 @@
 #include "hd44780_model.h"
 
 namespace yxfp_test {
+
+using yxfp_model::Hd44780Model;
+using yxfp_model::i2cBusTime;
+using yxfp_model::ModelExpanderPort;
+using yxfp_model::ModelLineOutput;
+using yxfp_model::renderModel;
+
+/** The character of the driver's custom glyph with this bitmap, U+FFFD for none: the model
+ *  reads back what the driver meant to draw into CGRAM. */
+inline char32_t driverCustomGlyph(std::array<std::uint8_t, 8> const& rows) {
+    auto const* custom = frontpanelhw::findHd44780CustomGlyph(rows);
+    return custom != nullptr ? custom->character : char32_t{0xFFFD};
+}
 
 /** How the rig wires the display to its controller model. */
 enum class Hd44780Wiring { I2c, Gpio };
@@ -28,10 +43,11 @@ public:
     Hd44780Rig(
         unsigned chars, unsigned lines, frontpanelhw::Hd44780Rom rom,
         frontpanelhw::InvertedCellMarker marker = frontpanelhw::InvertedCellMarker::UnderlineCursor,
-        Hd44780Wiring wiring = Hd44780Wiring::I2c)
+        Hd44780Wiring wiring = Hd44780Wiring::I2c, frontpanelhw::Hd44780Options options = {})
         : geometry_(frontpanelhw::Hd44780Geometry::standard(chars, lines)), model_(geometry_, rom) {
-        frontpanelhw::Hd44780Options options;
+        model_.nameCgramGlyphs(driverCustomGlyph);
         options.rom = rom;
+        options.clock = [this] { return now_; };
         options.invertedMarker = marker;
         options.wait = [this](std::chrono::nanoseconds duration) {
             waited_ += duration;
@@ -61,6 +77,8 @@ public:
     ModelExpanderPort& port() { return *port_; }
     /** The GPIO lines (GPIO wiring only). */
     ModelLineOutput& lines() { return *lines_; }
+    /** Moves the driver's clock (retries, resyncs) on; the model's time moves with the bus. */
+    void advanceClock(std::chrono::milliseconds duration) { now_ += duration; }
     /** Everything the driver waited for itself. */
     std::chrono::nanoseconds waited() const { return waited_; }
 
@@ -103,9 +121,29 @@ private:
     frontpanelhw::Hd44780Geometry geometry_;
     Hd44780Model model_;
     std::chrono::nanoseconds waited_{0};
+    std::chrono::steady_clock::time_point now_{std::chrono::hours(1)};
     ModelExpanderPort* port_ = nullptr;
     ModelLineOutput* lines_ = nullptr;
     std::unique_ptr<frontpanelhw::Hd44780Display> display_;
+};
+
+/** Hands every frame to a module and keeps the last one, to compare with what it shows. */
+class TeeDisplay : public frontpanelhw::IDisplay {
+public:
+    explicit TeeDisplay(frontpanelhw::IDisplay& module)
+        : module_(module), last_(module.getChars(), module.getLines()) {}
+    unsigned getLines() const override { return module_.getLines(); }
+    unsigned getChars() const override { return module_.getChars(); }
+    bool draw(frontpanelhw::drawing::DisplayBuffer const& buffer) override {
+        last_ = buffer;
+        return module_.draw(buffer);
+    }
+    /** The last frame drawn. */
+    frontpanelhw::drawing::DisplayBuffer const& last() const { return last_; }
+
+private:
+    frontpanelhw::IDisplay& module_;
+    frontpanelhw::drawing::DisplayBuffer last_;
 };
 
 /** UTF-8 of a line of glyphs, for readable failure messages. */

@@ -16,26 +16,8 @@ namespace {
 
 using frontpanelhw::Hd44780Rom;
 using frontpanelhw::PanelKey;
-using frontpanelhw::drawing::DisplayBuffer;
 using yxfp_test::Hd44780Rig;
-
-/** Hands every frame to the module and keeps the last one for comparison. */
-class TeeDisplay : public frontpanelhw::IDisplay {
-public:
-    explicit TeeDisplay(frontpanelhw::IDisplay& module)
-        : module_(module), last_(module.getChars(), module.getLines()) {}
-    unsigned getLines() const override { return module_.getLines(); }
-    unsigned getChars() const override { return module_.getChars(); }
-    bool draw(DisplayBuffer const& buffer) override {
-        last_ = buffer;
-        return module_.draw(buffer);
-    }
-    DisplayBuffer const& last() const { return last_; }
-
-private:
-    frontpanelhw::IDisplay& module_;
-    DisplayBuffer last_;
-};
+using yxfp_test::TeeDisplay;
 
 struct ModuleCase {
     unsigned chars;

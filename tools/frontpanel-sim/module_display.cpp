@@ -5,7 +5,6 @@
 #include <frontpanelhw/hd44780_i2c.h>
 
 #include <array>
-#include <csignal>
 #include <thread>
 #include <utility>
 
@@ -48,14 +47,19 @@ public:
         : screen_(screen),
           model_(frontpanelhw::Hd44780Geometry::standard(screen.getChars(), screen.getLines()),
                  rom) {
+        // The module shows the driver's custom glyphs as the characters they draw.
+        model_.nameCgramGlyphs([](std::array<std::uint8_t, 8> const& rows) {
+            auto const* custom = frontpanelhw::findHd44780CustomGlyph(rows);
+            return custom != nullptr ? custom->character : char32_t{0xFFFD};
+        });
         frontpanelhw::ExpanderBusOptions const busOptions;
         frontpanelhw::Hd44780Options options;
         options.rom = rom;
         options.wait = [this](std::chrono::nanoseconds duration) { model_.advance(duration); };
         module_ = std::make_unique<frontpanelhw::Hd44780Display>(
             std::make_unique<frontpanelhw::ExpanderHd44780Bus>(
-                std::make_unique<yxfp_test::ModelExpanderPort>(model_, busOptions.pins,
-                                                               busOptions.maxBusHz),
+                std::make_unique<yxfp_model::ModelExpanderPort>(model_, busOptions.pins,
+                                                                busOptions.maxBusHz),
                 busOptions),
             model_.geometry(), std::move(options));
     }
@@ -80,7 +84,7 @@ public:
 
 private:
     frontpanelhw::IDisplay& screen_;
-    yxfp_test::Hd44780Model model_;
+    yxfp_model::Hd44780Model model_;
     std::unique_ptr<frontpanelhw::Hd44780Display> module_;
 };
 
@@ -91,7 +95,6 @@ public:
         auto const geometry =
             frontpanelhw::Hd44780Geometry::standard(screen.getChars(), screen.getLines());
         auto port = frontpanelhw::openExpanderPort(option.path, option.address);
-        std::signal(SIGPIPE, SIG_IGN);
         frontpanelhw::Hd44780Options options;
         options.rom = option.rom;
         // Really wait: a key script hooks the toolkit's sleeps away, the module must not be.

@@ -9,7 +9,6 @@
 #include <frontpanelhw/graphic/panel_bus.h>
 #include <frontpanelhw/graphic/st7920_display.h>
 
-#include <csignal>
 #include <stdexcept>
 #include <utility>
 
@@ -72,7 +71,6 @@ public:
                      std::function<void(std::chrono::nanoseconds)> const& wait)
         : screen_(screen) {
         auto bus = openBus(option);
-        std::signal(SIGPIPE, SIG_IGN);
         unsigned const chars = screen.getChars();
         unsigned const lines = screen.getLines();
         if (option.chip == GraphicModuleOption::Chip::St7920) {

@@ -14,8 +14,8 @@ namespace frontpanelsim {
 /** Opens the module of `option` (its bus, the GPIO lines given) and returns a display that
  *  draws each frame on `screen` (which must outlive it) and on the module, with `screen`'s
  *  cells drawn with `font`. The module's driver waits through `wait`, by default really (a
- *  key script hooks the toolkit's sleeps away, the module's must not be). SIGPIPE is ignored from
- * then on, so that a FIFO whose reader went away fails a draw instead of ending the program.
+ *  key script hooks the toolkit's sleeps away, the module's must not be). A FIFO whose reader went
+ *  away fails a draw instead of ending the program (the bus writes with SIGPIPE blocked).
  *  @throws std::exception with a message naming the device and the reason when the bus or a
  *  line cannot be opened, an OLED on an SPI device has no D/C line, or the cells do not fit. */
 std::unique_ptr<frontpanelhw::IDisplay> makeGraphicModuleDisplay(

@@ -5,6 +5,8 @@
 #include <utility>
 
 #include <fcntl.h>
+#include <pthread.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -80,11 +82,41 @@ std::string const& DeviceFile::description() const { return description_; }
 
 void DeviceFile::setDescription(std::string description) { description_ = std::move(description); }
 
+namespace {
+
+/** Writes to a FIFO with SIGPIPE blocked for the calling thread: a reader that went away gives
+ *  EPIPE, not the end of the process. A SIGPIPE raised by the write is taken off the thread
+ *  again; one that was pending before is left alone. */
+ssize_t writeWithoutSigpipe(int descriptor, void const* bytes, std::size_t size) {
+    sigset_t pipeSignal;
+    sigemptyset(&pipeSignal);
+    sigaddset(&pipeSignal, SIGPIPE);
+    sigset_t previous;
+    pthread_sigmask(SIG_BLOCK, &pipeSignal, &previous);
+    sigset_t pending;
+    sigpending(&pending);
+    bool const wasPending = sigismember(&pending, SIGPIPE) == 1;
+    ssize_t const written = ::write(descriptor, bytes, size);
+    int const error = errno;
+    if (written < 0 && error == EPIPE && !wasPending) {
+        timespec const noWait{0, 0};
+        while (sigtimedwait(&pipeSignal, nullptr, &noWait) < 0 && errno == EINTR) {
+        }
+    }
+    pthread_sigmask(SIG_SETMASK, &previous, nullptr);
+    errno = error;
+    return written;
+}
+
+}  // namespace
+
 void DeviceFile::write(void const* bytes, std::size_t size) {
     auto const* const first = static_cast<unsigned char const*>(bytes);
     std::size_t done = 0;
     while (done < size) {
-        ssize_t const written = ::write(descriptor_, first + done, size - done);
+        ssize_t const written = kind_ == DeviceFileKind::Fifo
+                                    ? writeWithoutSigpipe(descriptor_, first + done, size - done)
+                                    : ::write(descriptor_, first + done, size - done);
         if (written < 0 && errno == EINTR) {
             continue;
         }
@@ -92,7 +124,9 @@ void DeviceFile::write(void const* bytes, std::size_t size) {
             int const error = errno;
             bool const noAnswer = error == EREMOTEIO || error == ENXIO || error == EIO;
             fail("writing to " + description_ + " failed", error,
-                 noAnswer && kind_ == DeviceFileKind::Device ? naming_.transferHint : "");
+                 noAnswer && kind_ == DeviceFileKind::Device ? naming_.transferHint
+                 : error == EPIPE                            ? " (the reader went away)"
+                                                             : "");
         }
         if (kind_ == DeviceFileKind::Device && static_cast<std::size_t>(written) != size) {
             throw DeviceFileError("writing to " + description_ + " failed: only " +

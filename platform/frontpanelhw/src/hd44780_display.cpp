@@ -68,6 +68,10 @@ Hd44780Display::Hd44780Display(std::unique_ptr<IHd44780Bus> bus, Hd44780Geometry
         throw std::invalid_argument("Hd44780Display: no transport");
     }
     checkGeometry(geometry_);
+    if (!options_.clock) {
+        options_.clock = [] { return std::chrono::steady_clock::now(); };
+    }
+    retryAfter_ = options_.recovery.firstRetry;
     if (!options_.wait) {
         options_.wait = [](std::chrono::nanoseconds duration) {
             yxbase2::system::this_thread::sleep_for(duration);
@@ -101,6 +105,14 @@ bool Hd44780Display::setBacklight(bool on) {
 
 bool Hd44780Display::draw(drawing::DisplayBuffer const& buffer) {
     std::lock_guard<std::mutex> const lock(mutex_);
+    auto const now = options_.clock();
+    if (failing_ && now < nextTry_) {
+        return false;  // a missing module must not cost the panel thread a try on every draw
+    }
+    auto const resync = options_.recovery.resyncInterval;
+    if (resync.count() > 0 && poweredOn_ && now - lastInitialise_ >= resync) {
+        fullRedraw_ = true;
+    }
     try {
         Plan const next = plan(buffer);
         send(next);
@@ -110,6 +122,7 @@ bool Hd44780Display::draw(drawing::DisplayBuffer const& buffer) {
             logLine(6, "HD44780 display: drawing again after the transport recovered");
         }
         failing_ = false;
+        retryAfter_ = options_.recovery.firstRetry;
         return true;
     } catch (std::exception const& error) {
         // The controller may have taken half a byte; only a new initialisation is sure to
@@ -119,6 +132,8 @@ bool Hd44780Display::draw(drawing::DisplayBuffer const& buffer) {
         logLine(failing_ ? 7 : 3,
                 std::string("HD44780 display: ") + error.what() + "; the next draw starts over");
         failing_ = true;
+        nextTry_ = now + retryAfter_;
+        retryAfter_ = std::min(retryAfter_ * 2, options_.recovery.longestRetry);
         return false;
     }
 }
@@ -287,7 +302,11 @@ void Hd44780Display::send(Plan const& next) {
 
 void Hd44780Display::initialise() {
     auto const& timings = options_.timings;
-    pendingWait_ = std::max(pendingWait_, timings.powerOn);
+    if (!poweredOn_) {
+        pendingWait_ = std::max(pendingWait_, timings.powerOn);
+        poweredOn_ = true;
+    }
+    lastInitialise_ = options_.clock();
     // Three times "eight-bit interface" and then "four-bit interface" bring the controller into
     // four-bit mode from any state, also from the middle of a byte after a failed transfer.
     std::pair<std::uint8_t, std::chrono::nanoseconds> const steps[] = {
@@ -328,7 +347,8 @@ void Hd44780Display::setDdramAddress(std::uint8_t address) {
 void Hd44780Display::awaitController() {
     // The controller must have finished the previous instruction before the next nibble is
     // latched; where the bus itself is not slow enough, send what is queued and wait.
-    if (pendingWait_ > bus_->nibbleInterval()) {
+    auto const interval = bus_->nibbleInterval();
+    if (pendingWait_ > interval && !bus_->delayNextNibble(pendingWait_ - interval)) {
         bus_->flush();
         options_.wait(pendingWait_);
     }

@@ -103,6 +103,25 @@ std::chrono::nanoseconds ExpanderHd44780Bus::nibbleInterval() const {
                                     options_.maxBusHz);
 }
 
+bool ExpanderHd44780Bus::delayNextNibble(std::chrono::nanoseconds duration) {
+    // Short waits (a slow oscillator's instruction time) become bytes that change nothing on
+    // the module, so that a frame stays one transfer; longer ones are the driver's to sleep.
+    constexpr std::chrono::nanoseconds::rep kMaxIdleNibbles = 4;
+    auto const interval = nibbleInterval();
+    auto const idleNibbles = (duration.count() + interval.count() - 1) / interval.count();
+    if (idleNibbles > kMaxIdleNibbles) {
+        return false;
+    }
+    for (std::chrono::nanoseconds::rep i = 0; i < idleNibbles; ++i) {
+        if (queue_.size() + kBytesPerNibble > options_.maxTransferBytes) {
+            flush();
+        }
+        queue_.push_back(expanderByte(false, false, 0));
+        queue_.push_back(expanderByte(false, false, 0));
+    }
+    return true;
+}
+
 bool ExpanderHd44780Bus::setBacklight(bool on) {
     options_.backlightOn = on;
     if (queue_.size() + 1 > options_.maxTransferBytes) {

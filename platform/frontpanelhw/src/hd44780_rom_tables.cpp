@@ -11,6 +11,13 @@ using detail::RomGlyphTable;
 
 constexpr char32_t kBlank = 0x20;
 
+// Fills `table[first..last]` with the blank pattern.
+constexpr void fillBlank(RomGlyphTable& table, unsigned first, unsigned last) {
+    for (unsigned code = first; code <= last; ++code) {
+        table[code] = kBlank;
+    }
+}
+
 // Fills `table[first..last]` with consecutive characters starting at `character`.
 constexpr void fillRun(RomGlyphTable& table, unsigned first, unsigned last, char32_t character) {
     for (unsigned code = first; code <= last; ++code) {
@@ -27,8 +34,8 @@ constexpr void fillRow(RomGlyphTable& table, unsigned first, std::array<char32_t
 constexpr RomGlyphTable makeA00() {
     RomGlyphTable table{};  // 0x00-0x0F: CGRAM
     // Datasheet Table 4, ROM code A00, columns 0001 and 1000-1010 upper half: blank.
-    fillRun(table, 0x10, 0x1F, kBlank);
-    fillRun(table, 0x80, 0xA0, kBlank);
+    fillBlank(table, 0x10, 0x1F);
+    fillBlank(table, 0x80, 0xA0);
     // Table 4, A00, columns 0010-0111: ASCII, except the yen sign and the two arrows.
     fillRun(table, 0x20, 0x7F, 0x20);
     table[0x5C] = 0x00A5;  // ¥

@@ -461,6 +461,9 @@ private:
             }
             return;
         }
+        if (event.action == KeyEvent::Action::Repeat && repeat_.source == source) {
+            repeat_.active = false;  // the source repeats by itself after all
+        }
         if (event.action == KeyEvent::Action::Press) {
             repeat_.active = false;
             if (source != nullptr && isArrow(event.panelKey)) {

@@ -6,7 +6,9 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,6 +17,7 @@
 #include "platform_capture.h"
 #include <fcntl.h>
 #include <linux/input.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -120,30 +123,48 @@ TEST(EvdevKeySourceTest, KeysOutsideTheMapAreIgnored) {
     EXPECT_EQ(drainKeySource(*source), Events{"press down"});
 }
 
-TEST(EvdevKeySourceTest, DeviceRepeatsAreDroppedOnAPipeByDefault) {
-    InputEventPipe pipe;
-    auto const source = sourceOn(pipe);
-    EXPECT_TRUE(source->capabilities().releases);
-    EXPECT_FALSE(source->capabilities().repeats);
-    pipe.key(KEY_UP, 1);
-    pipe.key(KEY_UP, 2);
-    pipe.key(KEY_UP, 0);
-    EXPECT_EQ(drainKeySource(*source), (Events{"press up", "release up"}));
-}
+/** What a source on a pipe makes of a key held through two kernel repeats and a stray repeat
+ *  after its release, with `deviceRepeats` as given. */
+struct RepeatRun {
+    Events events;
+    bool repeatsBefore;  // capabilities().repeats before the key
+    bool repeatsAfter;   // and after it
+};
 
-TEST(EvdevKeySourceTest, DeviceRepeatsArePassedOnWhenAskedFor) {
+RepeatRun holdThroughRepeats(std::optional<bool> deviceRepeats) {
     InputEventPipe pipe;
     EvdevOptions options;
-    options.deviceRepeats = true;
+    options.deviceRepeats = deviceRepeats;
     auto const source = sourceOn(pipe, options);
-    EXPECT_TRUE(source->capabilities().repeats);
+    bool const before = source->capabilities().repeats;
     pipe.key(KEY_UP, 1);
     pipe.key(KEY_UP, 2);
     pipe.key(KEY_UP, 2);
     pipe.key(KEY_UP, 0);
     pipe.key(KEY_UP, 2);  // a repeat of a key not held any more
-    EXPECT_EQ(drainKeySource(*source),
-              (Events{"press up", "repeat up", "repeat up", "release up"}));
+    Events events = drainKeySource(*source);
+    return {events, before, source->capabilities().repeats};
+}
+
+// A recorded device replayed through a pipe: each of the kernel's repeats presses the key once
+// more, and from then on the source says it repeats, so the runtime does not add its own.
+TEST(EvdevKeySourceTest, EachKernelRepeatPressesTheKeyOnAPipe) {
+    RepeatRun const run = holdThroughRepeats(std::nullopt);
+    EXPECT_EQ(run.events, (Events{"press up", "repeat up", "repeat up", "release up"}));
+    EXPECT_FALSE(run.repeatsBefore);
+    EXPECT_TRUE(run.repeatsAfter);
+}
+
+TEST(EvdevKeySourceTest, DeviceRepeatsAreDroppedWhenSwitchedOff) {
+    RepeatRun const run = holdThroughRepeats(false);
+    EXPECT_EQ(run.events, (Events{"press up", "release up"}));
+    EXPECT_FALSE(run.repeatsAfter);
+}
+
+TEST(EvdevKeySourceTest, DeviceRepeatsArePassedOnWhenAskedFor) {
+    RepeatRun const run = holdThroughRepeats(true);
+    EXPECT_EQ(run.events, (Events{"press up", "repeat up", "repeat up", "release up"}));
+    EXPECT_TRUE(run.repeatsBefore);
 }
 
 TEST(EvdevKeySourceTest, PanelKeyOfTwoCodesIsHeldWhileEitherIs) {
@@ -261,8 +282,13 @@ struct ReappearingDevice {
     bool present = true;
     int attempts = 0;
 
-    InputEventPipe& plugIn() {
+    /** What the device of each pipe calls itself (EVIOCGID and name of a real one). */
+    std::vector<std::string> identities;
+    std::map<int, std::string> identityOf;  // by open descriptor
+
+    InputEventPipe& plugIn(std::string identity = "keypad") {
         pipes.push_back(std::make_unique<InputEventPipe>());
+        identities.push_back(std::move(identity));
         present = true;
         return *pipes.back();
     }
@@ -272,9 +298,48 @@ struct ReappearingDevice {
             errno = ENOENT;
             return -1;
         }
-        return pipes[next++]->releaseReadEnd();
+        int const descriptor = pipes[next]->releaseReadEnd();
+        identityOf[descriptor] = identities[next++];
+        return descriptor;
     }
 };
+
+// After a replug another device took the path: it is refused before it is grabbed, with one
+// warning however often it is tried, and the first device is taken back when it returns.
+TEST(EvdevKeySourceTest, ReopenRefusesAnotherDeviceAtTheSamePath) {
+    yxfp_test::LogCapture const log;
+    ReappearingDevice device;
+    InputEventPipe& keypad = device.plugIn("keypad");
+    auto now = std::chrono::steady_clock::time_point(1h);
+    EvdevOptions options;
+    options.reopen = true;
+    options.clock = [&now] { return now; };
+    options.identify = [&device](int descriptor) { return device.identityOf[descriptor]; };
+    EvdevKeySource source([&device] { return device.open(); }, options);
+    keypad.closeWriteEnd();
+    EXPECT_EQ(drainKeySource(source), Events{"closed"});
+
+    InputEventPipe& mouse = device.plugIn("mouse");
+    mouse.key(KEY_UP, 1);
+    now += 500ms;
+    EXPECT_EQ(drainKeySource(source), Events{});
+    EXPECT_EQ(source.waitDescriptor(), -1);
+    for (int i = 0; i < 3; ++i) {
+        device.plugIn("mouse");
+        now += 500ms;
+        EXPECT_EQ(drainKeySource(source), Events{});
+    }
+    std::size_t refusals = 0;
+    for (auto const& record : log.records()) {
+        refusals += record.message.find("is now another device") != std::string::npos ? 1 : 0;
+    }
+    EXPECT_EQ(refusals, 1U);
+
+    InputEventPipe& back = device.plugIn("keypad");
+    back.key(KEY_DOWN, 1);
+    now += 500ms;
+    EXPECT_EQ(drainKeySource(source), Events{"press down"});
+}
 
 TEST(EvdevKeySourceTest, DeviceThatReappearsIsOpenedAgainWithoutBusyLooping) {
     ReappearingDevice device;
@@ -312,6 +377,56 @@ TEST(EvdevKeySourceTest, DeviceThatReappearsIsOpenedAgainWithoutBusyLooping) {
     EXPECT_GE(source.waitDescriptor(), 0);
     second.closeWriteEnd();
     EXPECT_EQ(drainKeySource(source), (Events{"release left", "closed"}));
+}
+
+// Waiting for input fails (here: poll(2) refuses any descriptor while RLIMIT_NOFILE is 0).
+// The source backs off instead of retrying at once, warns once, and after several failures in
+// a row stops: held keys released, closed, and the reason in error().
+TEST(EvdevKeySourceTest, PollThatKeepsFailingBacksOffAndStopsWithAnError) {
+    yxfp_test::LogCapture const log;
+    InputEventPipe pipe;
+    auto now = std::chrono::steady_clock::time_point(1h);
+    EvdevOptions options;
+    options.clock = [&now] { return now; };
+    auto const source = sourceOn(pipe, options);
+    pipe.key(KEY_UP, 1);
+    EXPECT_EQ(drainKeySource(*source), Events{"press up"});
+
+    struct NoDescriptorsAllowed {
+        rlimit previous{};
+        NoDescriptorsAllowed() {
+            ::getrlimit(RLIMIT_NOFILE, &previous);
+            rlimit none = previous;
+            none.rlim_cur = 0;
+            ::setrlimit(RLIMIT_NOFILE, &none);
+        }
+        ~NoDescriptorsAllowed() { ::setrlimit(RLIMIT_NOFILE, &previous); }
+    };
+    Events events;
+    {
+        NoDescriptorsAllowed const limit;
+        for (long ms = 0; ms <= 3000 && events.empty(); ++ms) {
+            now = std::chrono::steady_clock::time_point(1h) + std::chrono::milliseconds(ms);
+            for (int call = 0; call < 3 && events.empty(); ++call) {
+                events = drainKeySource(*source);
+            }
+        }
+    }
+    EXPECT_EQ(events, (Events{"release up", "closed"}));
+    EXPECT_NE(source->error().find("waiting for input failed"), std::string::npos)
+        << source->error();
+    EXPECT_NE(source->error().find("8 times in a row"), std::string::npos) << source->error();
+    EXPECT_EQ(source->waitDescriptor(), -1);
+    std::size_t warnings = 0;
+    std::size_t errors = 0;
+    for (auto const& record : log.records()) {
+        warnings += record.level == 4 ? 1 : 0;
+        errors += record.level == 3 ? 1 : 0;
+    }
+    EXPECT_EQ(warnings, 1U);
+    EXPECT_EQ(errors, 1U);
+    // 10 + 20 + 40 + 80 + 160 + 320 + 640 ms of pauses came before the eighth failure.
+    EXPECT_EQ(now - std::chrono::steady_clock::time_point(1h), std::chrono::milliseconds(1270));
 }
 
 TEST(EvdevKeySourceTest, WithoutReopenAClosedPathStaysClosed) {

@@ -20,6 +20,7 @@ namespace {
 namespace log = yxbase2::system::log;
 using TimePoint = std::chrono::steady_clock::time_point;
 
+constexpr int kError = 3;
 constexpr int kWarning = 4;
 constexpr int kInfo = 6;
 constexpr int kDebug = 7;
@@ -27,6 +28,11 @@ constexpr int kDebug = 7;
 constexpr std::chrono::milliseconds kLongestWait = std::chrono::hours(24);
 // Records read at once: enough for every key of a keypad changing in one report.
 constexpr std::size_t kRecordsPerRead = 64;
+// poll(2) failing for a reason other than a signal: the waits before the next tries, doubling,
+// and how many failed tries in a row stop the source.
+constexpr std::chrono::milliseconds kFirstPollBackoff{10};
+constexpr std::chrono::milliseconds kLongestPollBackoff{1000};
+constexpr unsigned kPollFailuresToStop = 8;
 
 void logLine(int level, std::string const& text) {
     std::ostringstream message;
@@ -84,6 +90,14 @@ public:
                 return event;
             }
             auto const left = ceilMilliseconds(deadline - std::chrono::steady_clock::now());
+            if (descriptor_ >= 0 && pollFailures_ > 0 && options_.clock() < nextPoll_) {
+                if (left.count() <= 0) {
+                    return std::nullopt;  // backing off after poll failed
+                }
+                auto const wait = std::min(left, ceilMilliseconds(nextPoll_ - options_.clock()));
+                ::poll(nullptr, 0, static_cast<int>(wait.count()));
+                continue;
+            }
             if (descriptor_ >= 0) {
                 if (!readReady(left) && left.count() <= 0) {
                     return std::nullopt;
@@ -119,7 +133,12 @@ public:
         return std::nullopt;
     }
 
-    KeySourceCapabilities capabilities() const { return {true, repeats_}; }
+    // A source that has delivered the kernel's repeats repeats by itself from then on.
+    std::string const& error() const { return error_; }
+
+    KeySourceCapabilities capabilities() const {
+        return {true, repeats_ || (!options_.deviceRepeats && decoder_.sawRepeats())};
+    }
 
 private:
     /** Sets up a freshly opened descriptor. @throws InputDeviceError when it is unusable. */
@@ -127,6 +146,7 @@ private:
         bool isDevice = false;
         try {
             isDevice = detail::checkInputDescriptor(descriptor, name_);
+            checkIdentity(descriptor, isDevice);
             if (isDevice && options_.grab) {
                 detail::grabInputDevice(descriptor, name_);
             }
@@ -141,7 +161,9 @@ private:
                     }
                 }
             }
-            decoder_.setForwardRepeats(repeats_);
+            // Every repeat the kernel sends presses the key once more, also when replayed
+            // through a pipe, unless the application switched them off.
+            decoder_.setForwardRepeats(options_.deviceRepeats.value_or(true));
             decoder_.setKeyStateQuery(
                 isDevice ? detail::InputEventDecoder::KeyStateQuery(
                                [descriptor](std::vector<unsigned char>& bits) {
@@ -156,11 +178,33 @@ private:
         isDevice_ = isDevice;
     }
 
+    /** Remembers the first device's identity; refuses another device at the same path.
+     *  @throws InputDeviceError when the descriptor is another device than the first. */
+    void checkIdentity(int descriptor, bool isDevice) {
+        std::string const identity = options_.identify ? options_.identify(descriptor)
+                                     : isDevice        ? detail::readInputIdentity(descriptor)
+                                                       : std::string();
+        if (!identity_) {
+            identity_ = identity;
+            return;
+        }
+        if (identity.empty() || identity_->empty() || identity == *identity_) {
+            return;
+        }
+        throw InputDeviceError(name_ + " is now another device (" + identity + ", was " +
+                               *identity_ + "); waiting for the first one to come back");
+    }
+
     /** Waits up to `wait` for the descriptor and reads what it has; false when nothing came.
      */
     bool readReady(std::chrono::milliseconds wait) {
         pollfd ready{descriptor_, POLLIN, 0};
         int const count = ::poll(&ready, 1, static_cast<int>(wait.count()));
+        if (count < 0 && errno != EINTR) {
+            pollFailed(errno);
+            return !pending_.empty();
+        }
+        pollFailures_ = 0;
         if (count <= 0 || ready.revents == 0) {
             return false;  // a signal counts as nothing arrived; the caller's loop goes on
         }
@@ -179,6 +223,28 @@ private:
         }
         inputEnded();
         return true;
+    }
+
+    /** poll(2) failed for a reason other than a signal: back off, doubling the wait, and stop
+     *  with an error after kPollFailuresToStop failures in a row. Logs once each. */
+    void pollFailed(int error) {
+        std::string const what =
+            name_ + ": waiting for input failed: " + std::system_category().message(error);
+        if (++pollFailures_ < kPollFailuresToStop) {
+            if (pollFailures_ == 1) {
+                logLine(kWarning, what + "; trying again with growing pauses");
+            }
+            auto const backoff =
+                std::min(kFirstPollBackoff * (1U << (pollFailures_ - 1)), kLongestPollBackoff);
+            nextPoll_ = options_.clock() + backoff;
+            return;
+        }
+        error_ = what + " (" + std::to_string(pollFailures_) + " times in a row)";
+        logLine(kError, error_ + "; the input has stopped");
+        decoder_.finish(pending_);
+        pending_.push_back(KeyEvent::closed());
+        closeDescriptor();
+        canReopen_ = false;
     }
 
     void inputEnded() {
@@ -203,8 +269,12 @@ private:
         try {
             adopt(descriptor);
             logLine(kInfo, name_ + " is back");
+            lastRefusal_.clear();
         } catch (InputDeviceError const& error) {
-            logLine(kWarning, error.what());
+            if (error.what() != lastRefusal_) {  // once, not at every try
+                logLine(kWarning, error.what());
+                lastRefusal_ = error.what();
+            }
         }
     }
 
@@ -224,6 +294,11 @@ private:
     bool isDevice_ = false;
     bool repeats_ = false;
     TimePoint nextReopen_{};
+    std::optional<std::string> identity_;  // of the first device opened
+    std::string lastRefusal_;
+    unsigned pollFailures_ = 0;  // in a row
+    TimePoint nextPoll_{};
+    std::string error_;
     std::deque<KeyEvent> pending_;
 };
 
@@ -252,5 +327,7 @@ std::optional<std::chrono::milliseconds> EvdevKeySource::wakeWithin() const {
 }
 
 KeySourceCapabilities EvdevKeySource::capabilities() const { return impl_->capabilities(); }
+
+std::string EvdevKeySource::error() const { return impl_->error(); }
 
 }  // namespace frontpanelhw

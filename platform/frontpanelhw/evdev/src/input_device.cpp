@@ -3,6 +3,7 @@
 #include <frontpanelhw/input_errors.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <system_error>
 
 #include <fcntl.h>
@@ -64,6 +65,19 @@ void grabInputDevice(int descriptor, std::string const& name) {
                                "leave out the grab");
     }
     throw InputDeviceError("cannot grab " + name + ": " + std::system_category().message(error));
+}
+
+std::string readInputIdentity(int descriptor) {
+    input_id id{};
+    char name[256] = {};
+    if (::ioctl(descriptor, EVIOCGID, &id) != 0 ||
+        ::ioctl(descriptor, EVIOCGNAME(sizeof name - 1), name) < 0) {
+        return {};
+    }
+    char numbers[64];
+    std::snprintf(numbers, sizeof numbers, "bus %04x vendor %04x product %04x version %04x",
+                  id.bustype, id.vendor, id.product, id.version);
+    return std::string(numbers) + " \"" + name + "\"";
 }
 
 bool inputDeviceRepeats(int descriptor) {

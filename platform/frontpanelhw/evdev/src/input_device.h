@@ -20,6 +20,11 @@ bool checkInputDescriptor(int descriptor, std::string const& name);
 /** Grabs the input device exclusively. @throws InputDeviceError naming `name` on failure. */
 void grabInputDevice(int descriptor, std::string const& name);
 
+/** What tells an input device from another at the same path after a replug: its bus, vendor,
+ *  product and version (EVIOCGID) and its name (EVIOCGNAME), as one text; empty when the
+ *  descriptor cannot tell. */
+std::string readInputIdentity(int descriptor);
+
 /** Whether the input device repeats held keys itself (EV_REP). */
 bool inputDeviceRepeats(int descriptor);
 

@@ -123,6 +123,7 @@ void InputEventDecoder::handleKey(int code, int value, std::deque<KeyEvent>& out
         auto const key = keys_.find(code);
         if (key && forwardRepeats_ && heldCodes_.count(code) != 0) {
             out.push_back(KeyEvent::repeat(*key));
+            sawRepeats_ = true;
         }
         return;
     }

@@ -33,6 +33,8 @@ public:
     void setForwardRepeats(bool forward) { forwardRepeats_ = forward; }
     /** How to learn the device's key state after dropped events; none: release every key. */
     void setKeyStateQuery(KeyStateQuery query) { keyStateQuery_ = std::move(query); }
+    /** Whether a repeat of a held key has been passed on. */
+    bool sawRepeats() const { return sawRepeats_; }
     EncoderSteps& encoder() { return encoder_; }
 
     /** Decodes `size` bytes; appends the events to `out`. */
@@ -53,6 +55,7 @@ private:
     EncoderSteps encoder_;
     std::string name_;
     bool forwardRepeats_ = false;
+    bool sawRepeats_ = false;
     KeyStateQuery keyStateQuery_;
     std::vector<char> partial_;
     bool dropping_ = false;

@@ -70,7 +70,7 @@ GpioKeySource::GpioKeySource(std::unique_ptr<IGpioEdgeSource> edges, GpioKeyOpti
                     << " setting is probably wrong";
             log::log(kWarning, "gpio", message);
         }
-        lines_[offset] = Line{key, pressed, pressed, false, {}};
+        lines_[offset] = Line{key, pressed, false, {}, options_.clock()};
     }
 }
 
@@ -84,17 +84,31 @@ std::optional<std::chrono::milliseconds> GpioKeySource::wakeWithin() const {
     if (!pending_.empty()) {
         return std::chrono::milliseconds(0);
     }
+    if (lost_) {
+        return std::nullopt;
+    }
     std::optional<std::chrono::steady_clock::time_point> earliest;
     for (auto const& entry : lines_) {
         Line const& line = entry.second;
-        if (line.settling && (!earliest || line.lastEdge < *earliest)) {
-            earliest = line.lastEdge;
+        if (auto const check = nextCheck(line); check && (!earliest || *check < *earliest)) {
+            earliest = check;
         }
     }
     if (!earliest) {
         return std::nullopt;
     }
-    return ceilMilliseconds(*earliest + options_.debounce - options_.clock());
+    return ceilMilliseconds(*earliest - options_.clock());
+}
+
+std::optional<std::chrono::steady_clock::time_point> GpioKeySource::nextCheck(
+    Line const& line) const {
+    if (line.settling) {
+        return line.lastEdge + options_.debounce;
+    }
+    if (line.pressed) {
+        return line.lastCheck + options_.debounce;  // its release may have been dropped
+    }
+    return std::nullopt;
 }
 
 std::optional<KeyEvent> GpioKeySource::poll(std::chrono::milliseconds timeout) {
@@ -126,7 +140,6 @@ void GpioKeySource::readEdges() {
             if (line == lines_.end()) {
                 continue;
             }
-            line->second.rawPressed = edge->rising != options_.activeLow;
             line->second.settling = true;
             line->second.lastEdge = edge->time;
         }
@@ -140,17 +153,25 @@ void GpioKeySource::settle() {
         return;
     }
     auto const now = options_.clock();
-    for (auto& entry : lines_) {
-        Line& line = entry.second;
-        if (!line.settling || now - line.lastEdge < options_.debounce) {
-            continue;
+    try {
+        for (auto& [offset, line] : lines_) {
+            auto const check = nextCheck(line);
+            if (!check || now < *check) {
+                continue;
+            }
+            // The kernel keeps only the first events of a line while no one reads them, so
+            // the newest edge read may be stale: the line's level now is what counts.
+            line.settling = false;
+            line.lastCheck = now;
+            bool const pressed = edges_->level(offset) != options_.activeLow;
+            if (pressed != line.pressed) {
+                line.pressed = pressed;
+                pending_.push_back(pressed ? KeyEvent::panel(line.key)
+                                           : KeyEvent::release(line.key));
+            }
         }
-        line.settling = false;
-        if (line.rawPressed != line.pressed) {
-            line.pressed = line.rawPressed;
-            pending_.push_back(line.pressed ? KeyEvent::panel(line.key)
-                                            : KeyEvent::release(line.key));
-        }
+    } catch (InputDeviceError const& error) {
+        linesLost(error.what());
     }
 }
 

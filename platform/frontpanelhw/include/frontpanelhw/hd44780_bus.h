@@ -42,6 +42,12 @@ public:
      *  instruction needs longer. */
     virtual std::chrono::nanoseconds nibbleInterval() const = 0;
 
+    /** Lets at least `duration` pass before the next queued nibble is latched, without ending
+     *  the transfer where the transport can (an expander queues bytes that leave E low). False
+     *  when it cannot (the default): the driver then flushes and waits itself.
+     *  @throws Hd44780BusError when sending fails. */
+    virtual bool delayNextNibble(std::chrono::nanoseconds duration);
+
     /** Switches the backlight; false when this transport has no backlight control. Takes
      *  effect with the next transfer (flush() sends it at once).
      *  @throws Hd44780BusError when sending fails. */

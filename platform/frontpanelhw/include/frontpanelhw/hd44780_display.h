@@ -55,8 +55,10 @@ enum class InvertedCellMarker {
     None              // inversion is not shown at all
 };
 
-/** The waits of the controller. The defaults are the HD44780U datasheet's times (at a 270 kHz
- *  oscillator) with a margin for slower oscillators and compatible controllers. */
+/** The waits of the controller. The execution times default to the HD44780U datasheet's figures
+ *  scaled to the slowest oscillator of its range (190 kHz: 37 µs and 1.52 ms at 270 kHz become
+ *  about 53 µs and 2.2 ms), so that every module within the datasheet is safe; a module known to
+ *  run faster may use the datasheet's 250 kHz figures (40 µs, 1.64 ms). */
 struct Hd44780Timings {
     /** The wait before each initialisation starts, for the supply to settle after power-on
      *  (datasheet: > 40 ms). */
@@ -66,10 +68,25 @@ struct Hd44780Timings {
     /** The wait after the second "eight-bit interface" nibble (datasheet: > 100 µs). */
     std::chrono::nanoseconds secondInit = std::chrono::microseconds(150);
     /** The execution time of the remaining instructions and of each data write (datasheet:
-     *  37 µs). */
-    std::chrono::nanoseconds instruction = std::chrono::microseconds(40);
-    /** The execution time of clear display and return home (datasheet: 1.52 ms). */
-    std::chrono::nanoseconds clearOrHome = std::chrono::microseconds(2000);
+     *  37 µs at 270 kHz, 52.6 µs at 190 kHz). */
+    std::chrono::nanoseconds instruction = std::chrono::microseconds(53);
+    /** The execution time of clear display and return home (datasheet: 1.52 ms at 270 kHz,
+     *  2.16 ms at 190 kHz). */
+    std::chrono::nanoseconds clearOrHome = std::chrono::microseconds(2200);
+};
+
+/** How the driver gets a module back after a transport error or a disturbance. */
+struct Hd44780Recovery {
+    /** After a failed draw, draws fail at once (without touching the transport) for this long;
+     *  then one draw initialises again. Each further failure doubles the time, up to
+     *  `longestRetry`; a successful draw starts over from `firstRetry`. */
+    std::chrono::milliseconds firstRetry{250};
+    /** The longest time between two tries. */
+    std::chrono::milliseconds longestRetry{8000};
+    /** When above zero: every this long, the next draw initialises the controller again and
+     *  draws everything, for modules that show garbage after noise or ESD. Off by default: the
+     *  module goes blank for a moment each time (it may blink). */
+    std::chrono::milliseconds resyncInterval{0};
 };
 
 /** What the driver does where the module cannot show a frame as it is. */
@@ -86,6 +103,10 @@ struct Hd44780Options {
     /** Waits on the calling thread; empty means yxbase2::system::this_thread::sleep_for. Tests
      *  inject their own so that they never sleep. */
     std::function<void(std::chrono::nanoseconds)> wait;
+    /** Retries after transport errors and the optional periodic resync. */
+    Hd44780Recovery recovery;
+    /** The time for retries and resyncs; empty: std::chrono::steady_clock. */
+    std::function<std::chrono::steady_clock::time_point()> clock;
 };
 
 /** An HD44780-compatible character module (LCD, or VFD in HD44780 mode) driven in four-bit mode
@@ -114,7 +135,9 @@ public:
 
     /** Shows `buffer` (cut or padded with blanks to the module's size). Returns false when the
      *  transport failed; the error is logged (at error level once, then at debug level until a
-     *  draw succeeds again) and the next draw starts over with a full redraw. */
+     *  draw succeeds again) and a later draw starts over with a full redraw: the first one after
+     *  Hd44780Recovery's retry time (draws before it return false at once). Only the first
+     *  initialisation waits the power-on time; retries do not. */
     bool draw(drawing::DisplayBuffer const& buffer) override;
 
     /** Makes the next draw initialise the controller and draw everything. */
@@ -149,6 +172,10 @@ private:
     mutable std::mutex mutex_;
     bool fullRedraw_ = true;
     bool failing_ = false;
+    bool poweredOn_ = false;  // the power-on wait has been waited once
+    std::chrono::milliseconds retryAfter_{0};
+    std::chrono::steady_clock::time_point nextTry_{};
+    std::chrono::steady_clock::time_point lastInitialise_{};
     std::vector<std::uint8_t> shown_;  // module code of each cell, line by line
     std::array<Slot, 8> slots_{};      // what each CGRAM slot holds
     unsigned long frameNumber_ = 0;

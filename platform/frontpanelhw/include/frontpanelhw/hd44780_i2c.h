@@ -34,7 +34,11 @@ inline constexpr std::uint8_t kDefaultExpanderAddress = 0x27;
  *  ioctl, for capturing the byte stream. The descriptor is closed with the port.
  *  @throws Hd44780BusError naming the path and the reason when it cannot be opened (missing,
  *  no permission, not an I2C adapter, address refused) or is another kind of file. A FIFO
- *  without a reader is refused at once rather than waited for. */
+ *  without a reader is refused at once rather than waited for.
+ *  After a failed write the port closes its descriptor and opens the path again on the next
+ *  write (an unplugged USB I2C adapter, a FIFO whose reader left, works again once back). A
+ *  FIFO whose reader went away gives a failed write, never SIGPIPE (it is blocked for the
+ *  writing thread while it writes). */
 FRONTPANELHW_EXPORT std::unique_ptr<IExpanderPort> openExpanderPort(std::string const& path,
                                                                     std::uint8_t address);
 
@@ -90,6 +94,8 @@ public:
     void writeNibble(bool data, std::uint8_t nibble) override;
     void flush() override;
     std::chrono::nanoseconds nibbleInterval() const override;
+    /** Queues idle bytes (E low) for waits of up to four nibble intervals. */
+    bool delayNextNibble(std::chrono::nanoseconds duration) override;
     bool setBacklight(bool on) override;
 
     /** The expander byte that puts these levels on the pins. */

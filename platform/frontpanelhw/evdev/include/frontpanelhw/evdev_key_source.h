@@ -55,10 +55,18 @@ struct EvdevOptions {
     bool reopen = false;
     /** With `reopen`: the time between two tries to open the path (500 ms by default). */
     std::chrono::milliseconds reopenInterval{500};
-    /** Whether the device's own key repeats are passed on as Action::Repeat (and reported in
-     *  capabilities(), so the panel runtime does not repeat as well). Unset: yes for an input
-     *  device that repeats (EV_REP), no for a pipe or file; when no, they are dropped. */
+    /** Whether the device's own key repeats (EV_KEY value 2) are passed on, each as one
+     *  Action::Repeat that presses the key again, and reported in capabilities() so that the
+     *  panel runtime does not repeat as well. Unset: passed on; capabilities() says repeats for
+     *  an input device that repeats (EV_REP), and for a pipe or file once a repeat came through.
+     *  False: dropped (the panel runtime repeats held keys itself). */
     std::optional<bool> deviceRepeats;
+    /** How a reopened device is told from another that took its path after a replug: a text
+     *  that names the device behind a descriptor, empty when it cannot tell. Empty function:
+     *  EVIOCGID (bus, vendor, product, version) and EVIOCGNAME for input devices. A reopen
+     *  that finds another device refuses it before grabbing (logged once) and tries again
+     *  later. */
+    std::function<std::string(int descriptor)> identify;
     /** The name in messages; empty: the path (or "descriptor N"). */
     std::string name;
     /** The time for reopen retries; empty: std::chrono::steady_clock. */
@@ -106,6 +114,11 @@ public:
     std::optional<std::chrono::milliseconds> wakeWithin() const override;
     /** Releases always; repeats as EvdevOptions::deviceRepeats says. */
     KeySourceCapabilities capabilities() const override;
+    /** Why the source stopped for good, empty while it has not: waiting for input (poll(2))
+     *  failed for a reason other than a signal several times in a row, with growing pauses
+     *  (10 ms doubling to 1 s) between the tries; the source then released its keys and
+     *  reported closed. */
+    std::string error() const;
 
 private:
     class Impl;

@@ -72,9 +72,12 @@ struct GpioKeyOptions {
  *  to two keys or a text without any key. */
 FRONTPANELHW_EXPORT GpioKeyOptions parseGpioKeyLines(std::string_view text);
 
-/** Panel keys from buttons on GPIO lines. It waits for the lines' edges (no polling) and
- *  reports a press or release once a line has kept its new level for the debounce time, so a
- *  bounce burst gives one press. Presses and releases are reported (capabilities().releases),
+/** Panel keys from buttons on GPIO lines. It waits for the lines' edges and, once the debounce
+ *  time has passed after the last edge of a line, reads the line's level and reports a press
+ *  or release when it changed, so a bounce burst gives one press. The level decides, not the
+ *  newest edge: the kernel keeps only 16 events per line while the panel thread is busy. While
+ *  a key is held its line is read again every debounce time, so a key whose release edges were
+ *  all dropped is released. Presses and releases are reported (capabilities().releases),
  *  so the panel runtime repeats held keys. A key held when the source starts is taken as the
  *  line's resting level and logged as a hint to check `activeLow`. When the lines can no longer
  *  be read, held keys are released and KeyEvent::closed() is returned once; after that `poll`
@@ -106,12 +109,13 @@ public:
 private:
     struct Line {
         PanelKey key;
-        bool pressed;     // the debounced state, as reported
-        bool rawPressed;  // the level of the newest edge
-        bool settling;    // an edge came and the debounce time has not passed yet
+        bool pressed;   // the debounced state, as reported
+        bool settling;  // an edge came and the debounce time has not passed yet
         std::chrono::steady_clock::time_point lastEdge;
+        std::chrono::steady_clock::time_point lastCheck;  // when its level was last read
     };
 
+    std::optional<std::chrono::steady_clock::time_point> nextCheck(Line const& line) const;
     void readEdges();
     void settle();
     void linesLost(char const* why);

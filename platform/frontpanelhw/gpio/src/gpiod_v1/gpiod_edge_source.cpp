@@ -1,4 +1,5 @@
-#include "gpiod_edge_source.h"
+// Edges of GPIO lines through libgpiod's 1.x API (Debian 12's libgpiod-dev 1.6).
+#include "../gpiod_edge_source.h"
 
 #include <cerrno>
 #include <cstdint>
@@ -6,6 +7,7 @@
 #include <deque>
 #include <system_error>
 
+#include "../gpiod_shared.h"
 #include <gpiod.h>
 #include <sys/epoll.h>
 #include <unistd.h>
@@ -13,8 +15,6 @@
 namespace frontpanelhw::detail {
 
 namespace {
-
-using TimePoint = std::chrono::steady_clock::time_point;
 
 int biasFlags(GpioBias bias) {
     switch (bias) {
@@ -30,25 +30,9 @@ int biasFlags(GpioBias bias) {
     return 0;
 }
 
-std::string chipOpenMessage(std::string const& chip, int error) {
-    switch (error) {
-        case ENOENT:
-        case ENODEV:
-            return "GPIO chip '" + chip +
-                   "' does not exist: gpiodetect lists the chips (e.g. gpiochip0)";
-        case EACCES:
-        case EPERM:
-            return "no permission to open GPIO chip '" + chip +
-                   "': run as root or give your user access to /dev/gpiochip* (a 'gpio' group "
-                   "or a udev rule)";
-        default:
-            return "cannot open GPIO chip '" + chip + "': " + std::system_category().message(error);
-    }
-}
-
 /** Edges of requested lines of one chip; all line descriptors wait in one epoll set, so that
  *  the key source has a single descriptor to wait on. */
-class GpiodEdgeSource final : public IGpioEdgeSource {
+class GpiodEdgeSource final : public BatchedEdgeSource {
 public:
     GpiodEdgeSource(std::string const& chip, std::vector<unsigned> const& offsets, GpioBias bias,
                     std::string const& consumer)
@@ -72,18 +56,6 @@ public:
     ~GpiodEdgeSource() override { release(); }
 
     int descriptor() const override { return epoll_; }
-
-    std::optional<GpioEdge> readEdge() override {
-        if (waiting_.empty()) {
-            collect();
-        }
-        if (waiting_.empty()) {
-            return std::nullopt;
-        }
-        GpioEdge const edge = waiting_.front();
-        waiting_.pop_front();
-        return edge;
-    }
 
     bool level(unsigned offset) override {
         for (auto const& line : lines_) {
@@ -143,7 +115,7 @@ private:
         }
     }
 
-    void collect() {
+    void collect(std::deque<GpioEdge>& edges) override {
         epoll_event ready[8];
         int const count = ::epoll_wait(epoll_, ready, 8, 0);
         int const error = errno;
@@ -164,19 +136,10 @@ private:
                                        name_ +
                                        " failed: " + std::system_category().message(readError));
             }
-            waiting_.push_back(GpioEdge{
-                line.offset, event.event_type == GPIOD_LINE_EVENT_RISING_EDGE, timeOf(event.ts)});
+            edges.push_back(GpioEdge{line.offset, event.event_type == GPIOD_LINE_EVENT_RISING_EDGE,
+                                     edgeTime(std::chrono::seconds(event.ts.tv_sec) +
+                                              std::chrono::nanoseconds(event.ts.tv_nsec))});
         }
-    }
-
-    /** The kernel stamps edges with the monotonic clock (the steady clock) since Linux 5.7 and
-     *  with the real-time clock before; a stamp far from now is replaced by now. */
-    static TimePoint timeOf(timespec const& stamp) {
-        auto const now = std::chrono::steady_clock::now();
-        TimePoint const time{std::chrono::duration_cast<std::chrono::steady_clock::duration>(
-            std::chrono::seconds(stamp.tv_sec) + std::chrono::nanoseconds(stamp.tv_nsec))};
-        bool const plausible = time <= now && now - time < std::chrono::seconds(10);
-        return plausible ? time : now;
     }
 
     void release() {
@@ -198,7 +161,6 @@ private:
     gpiod_chip* chip_ = nullptr;
     int epoll_ = -1;
     std::vector<Line> lines_;
-    std::deque<GpioEdge> waiting_;
 };
 
 }  // namespace

@@ -8,22 +8,38 @@
 #include <array>
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
-namespace yxfp_test {
+namespace yxfp_model {
+
+/** The slowest oscillator of the HD44780U's range (datasheet: 190 kHz to 350 kHz with the
+ *  recommended resistor); the execution times grow by 270 kHz / f from the datasheet's figures. */
+inline constexpr unsigned kSlowestOscillatorHz = 190000;
+
+/** Names the character a CGRAM bitmap (eight rows, bit 4 the leftmost dot) draws, or U+FFFD. */
+using CgramNamer = std::function<char32_t(std::array<std::uint8_t, 8> const&)>;
 
 /** An HD44780U controller as its pins see it, for tests and the simulator: it takes the level
  *  changes of RS, RW, E and D4-D7 (from a PCF8574 byte stream or from GPIO lines), latches on the
  *  falling edge of E, runs the instructions of the datasheet in eight- and four-bit mode (display
  *  and character RAM, address counter, entry mode, display control, cursor) and checks the
- *  timing: a nibble latched while the controller is still busy, a read strobe, a display shift
- *  or an address outside the RAM is recorded as a violation. Time passes only through
- *  advance(). Starts as at power-on (eight-bit mode, busy for 40 ms). */
+ *  timing at the given oscillator frequency: a nibble latched while the controller is still
+ *  busy, a read strobe, a display shift or an address outside the RAM is recorded as a
+ *  violation. What a code shows comes from the model's own copy of the datasheet's character
+ *  ROM tables. Time passes only through advance(). Starts as at power-on (eight-bit mode, busy
+ *  for 40 ms). */
 class Hd44780Model {
 public:
-    Hd44780Model(frontpanelhw::Hd44780Geometry const& geometry, frontpanelhw::Hd44780Rom rom);
+    Hd44780Model(frontpanelhw::Hd44780Geometry const& geometry, frontpanelhw::Hd44780Rom rom,
+                 unsigned oscillatorHz = kSlowestOscillatorHz);
+
+    /** Says which character each CGRAM bitmap draws (without one, every CGRAM cell reads as
+     *  U+FFFD): a custom glyph is the application's drawing, not the controller's. */
+    void nameCgramGlyphs(CgramNamer namer) { cgramNamer_ = std::move(namer); }
 
     /** The pins now carry these levels; a falling edge of E latches the nibble. */
     void setPins(bool rs, bool rw, bool enable, std::uint8_t nibble);
@@ -31,6 +47,9 @@ public:
     void expanderByte(std::uint8_t byte, frontpanelhw::ExpanderPinMap const& pins);
     /** Time passes. */
     void advance(std::chrono::nanoseconds duration);
+    /** The module loses power and gets it back (a replug, a brown-out, ESD): power-on state,
+     *  RAM undefined, busy for the power-on time. */
+    void powerCycle();
 
     /** What went against the datasheet so far, one line each. */
     std::vector<std::string> const& violations() const { return violations_; }
@@ -41,9 +60,9 @@ public:
     std::uint8_t code(unsigned column, unsigned line) const;
     /** The bitmap of CGRAM slot `slot` (0-7), eight rows of five bits. */
     std::array<std::uint8_t, 8> glyphRows(unsigned slot) const;
-    /** What the module shows at (column, line): the ROM glyph as its nearest Unicode character,
-     *  a CGRAM slot as the character of the custom glyph with its bitmap (U+FFFD for a bitmap
-     *  that is none of them), a blank while the display is off. */
+    /** What the module shows at (column, line): the ROM pattern as its nearest Unicode
+     *  character, a CGRAM slot as the character the CGRAM namer gives its bitmap, a blank while
+     *  the display is off. */
     char32_t glyph(unsigned column, unsigned line) const;
     /** One line of glyphs. */
     std::u32string line(unsigned line) const;
@@ -70,6 +89,9 @@ private:
 
     frontpanelhw::Hd44780Geometry geometry_;
     frontpanelhw::Hd44780Rom rom_;
+    std::chrono::nanoseconds instructionTime_;  // most instructions and data writes
+    std::chrono::nanoseconds clearOrHomeTime_;  // clear display, return home
+    CgramNamer cgramNamer_;
     std::chrono::nanoseconds now_{0};
     std::chrono::nanoseconds busyUntil_;
     std::vector<std::string> violations_;
@@ -141,4 +163,4 @@ std::chrono::nanoseconds i2cBusTime(unsigned long transfers, unsigned long bytes
 /** Renders what the model shows as text: one line per module line, its glyphs as UTF-8. */
 std::string renderModel(Hd44780Model const& model);
 
-}  // namespace yxfp_test
+}  // namespace yxfp_model

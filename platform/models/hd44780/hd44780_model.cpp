@@ -1,22 +1,28 @@
 #include "hd44780_model.h"
 
-#include <frontpanelhw/code_page.h>
-
 #include <sstream>
 
-namespace yxfp_test {
+#include "hd44780_model_rom.h"
+
+namespace yxfp_model {
 
 namespace {
 
 using namespace std::chrono_literals;
 
-// Execution times of the HD44780U datasheet (Table 6, oscillator at 270 kHz) and the waits of
-// its initialisation by instruction (Figure 24).
+// The waits of the initialisation by instruction (datasheet Figure 24) and the execution times
+// of Table 6, given there for an oscillator at 270 kHz.
 constexpr std::chrono::nanoseconds kPowerOn = 40ms;
 constexpr std::chrono::nanoseconds kFirstFunctionSet = 4100us;
 constexpr std::chrono::nanoseconds kSecondFunctionSet = 100us;
-constexpr std::chrono::nanoseconds kInstruction = 37us;
-constexpr std::chrono::nanoseconds kClearOrHome = 1520us;
+constexpr std::chrono::nanoseconds kInstructionAt270kHz = 37us;
+constexpr std::chrono::nanoseconds kClearOrHomeAt270kHz = 1520us;
+constexpr unsigned kTableOscillatorHz = 270000;
+
+// An execution time of Table 6 at another oscillator frequency (the time counts clock cycles).
+std::chrono::nanoseconds atOscillator(std::chrono::nanoseconds at270kHz, unsigned hz) {
+    return std::chrono::nanoseconds(at270kHz.count() * kTableOscillatorHz / hz);
+}
 
 std::string hex(unsigned value) {
     std::ostringstream text;
@@ -29,12 +35,32 @@ bool bitSet(std::uint8_t byte, unsigned pin) { return ((byte >> pin) & 1U) != 0;
 }  // namespace
 
 Hd44780Model::Hd44780Model(frontpanelhw::Hd44780Geometry const& geometry,
-                           frontpanelhw::Hd44780Rom rom)
-    : geometry_(geometry), rom_(rom), busyUntil_(kPowerOn) {
+                           frontpanelhw::Hd44780Rom rom, unsigned oscillatorHz)
+    : geometry_(geometry),
+      rom_(rom),
+      instructionTime_(atOscillator(kInstructionAt270kHz, oscillatorHz)),
+      clearOrHomeTime_(atOscillator(kClearOrHomeAt270kHz, oscillatorHz)),
+      busyUntil_(kPowerOn) {
+    powerCycle();
+}
+
+void Hd44780Model::powerCycle() {
+    busyUntil_ = now_ + kPowerOn;
+    eightBit_ = true;
+    powerOnInit_ = true;
+    powerOnFunctionSets_ = 0;
+    highNibble_.reset();
     // What RAM holds at power-on is undefined; a pattern that is never a blank makes a driver
-    // that forgets to clear show up.
+    // that forgets to clear or to load its glyphs again show up.
     ddram_.fill(0xFF);
     cgram_.fill(0x1F);
+    addressCounter_ = 0;
+    addressInCgram_ = false;
+    increment_ = true;
+    twoLines_ = false;
+    displayOn_ = false;
+    cursorOn_ = false;
+    blinkOn_ = false;
 }
 
 void Hd44780Model::advance(std::chrono::nanoseconds duration) { now_ += duration; }
@@ -100,7 +126,7 @@ void Hd44780Model::busyFor(std::chrono::nanoseconds duration) { busyUntil_ = now
 void Hd44780Model::execute(bool rs, std::uint8_t byte) {
     if (rs) {
         writeData(byte);
-        busyFor(kInstruction);
+        busyFor(instructionTime_);
     } else {
         instruction(byte);
     }
@@ -136,7 +162,7 @@ void Hd44780Model::moveAddressCounter(bool increment) {
 }
 
 void Hd44780Model::instruction(std::uint8_t byte) {
-    std::chrono::nanoseconds executionTime = kInstruction;
+    std::chrono::nanoseconds executionTime = instructionTime_;
     if (byte & 0x80) {  // set DDRAM address
         // An address outside the lines shows nowhere; a wrong address shows up on the screen.
         addressCounter_ = static_cast<std::uint8_t>(byte & 0x7F);
@@ -150,7 +176,7 @@ void Hd44780Model::instruction(std::uint8_t byte) {
             ++powerOnFunctionSets_;
             executionTime = powerOnFunctionSets_ == 1   ? kFirstFunctionSet
                             : powerOnFunctionSets_ == 2 ? kSecondFunctionSet
-                                                        : kInstruction;
+                                                        : instructionTime_;
         }
         if (!eightBit) {
             powerOnInit_ = false;
@@ -176,13 +202,13 @@ void Hd44780Model::instruction(std::uint8_t byte) {
     } else if (byte & 0x02) {  // return home
         addressCounter_ = 0;
         addressInCgram_ = false;
-        executionTime = kClearOrHome;
+        executionTime = clearOrHomeTime_;
     } else if (byte & 0x01) {  // clear display
         ddram_.fill(0x20);
         addressCounter_ = 0;
         addressInCgram_ = false;
         increment_ = true;
-        executionTime = kClearOrHome;
+        executionTime = clearOrHomeTime_;
     }
     busyFor(executionTime);
 }
@@ -205,10 +231,9 @@ char32_t Hd44780Model::glyph(unsigned column, unsigned line) const {
     }
     std::uint8_t const shown = code(column, line);
     if (shown < 0x10) {
-        auto const* custom = frontpanelhw::findHd44780CustomGlyph(glyphRows(shown & 7U));
-        return custom != nullptr ? custom->character : char32_t{0xFFFD};
+        return cgramNamer_ ? cgramNamer_(glyphRows(shown & 7U)) : char32_t{0xFFFD};
     }
-    return frontpanelhw::hd44780RomGlyph(rom_, shown);
+    return romPattern(rom_, shown);
 }
 
 std::u32string Hd44780Model::line(unsigned line) const {
@@ -232,53 +257,4 @@ std::optional<std::pair<unsigned, unsigned>> Hd44780Model::cursorCell() const {
     return std::nullopt;
 }
 
-ModelExpanderPort::ModelExpanderPort(Hd44780Model& model, frontpanelhw::ExpanderPinMap const& pins,
-                                     unsigned busHz)
-    : model_(model), pins_(pins), busHz_(busHz) {}
-
-void ModelExpanderPort::failAfter(std::size_t bytes) { failAfter_ = bytes; }
-
-void ModelExpanderPort::stopFailing() { failAfter_.reset(); }
-
-void ModelExpanderPort::write(std::uint8_t const* bytes, std::size_t size) {
-    ++transfers_;
-    model_.advance(i2cBusTime(1, 0, busHz_));
-    for (std::size_t i = 0; i < size; ++i) {
-        if (failAfter_ && *failAfter_ == 0) {
-            throw frontpanelhw::Hd44780BusError("test port: the transfer failed");
-        }
-        if (failAfter_) {
-            --*failAfter_;
-        }
-        ++bytes_;
-        stream_.push_back(bytes[i]);
-        model_.advance(i2cBusTime(0, 1, busHz_));
-        model_.expanderByte(bytes[i], pins_);
-    }
-}
-
-void ModelLineOutput::setLevels(std::uint8_t levels) {
-    using namespace frontpanelhw::hd44780_lines;
-    ++changes_;
-    model_.setPins((levels & kRs) != 0, false, (levels & kEnable) != 0,
-                   static_cast<std::uint8_t>((levels >> kDataShift) & 0x0F));
-}
-
-std::chrono::nanoseconds i2cBusTime(unsigned long transfers, unsigned long bytes, unsigned busHz) {
-    // Start, address byte with its acknowledge, stop: 11 bit times per transfer.
-    unsigned long long const bits = transfers * 11ULL + bytes * 9ULL;
-    return std::chrono::nanoseconds(static_cast<long long>(bits * 1000000000ULL / busHz));
-}
-
-std::string renderModel(Hd44780Model const& model) {
-    std::string text;
-    for (unsigned line = 0; line < model.geometry().lines; ++line) {
-        for (char32_t const glyph : model.line(line)) {
-            text += frontpanelhw::toUtf8(glyph);
-        }
-        text += '\n';
-    }
-    return text;
-}
-
-}  // namespace yxfp_test
+}  // namespace yxfp_model

@@ -6,38 +6,28 @@
 #include <string>
 #include <system_error>
 
+#include "../gpiod_shared.h"
 #include <gpiod.h>
 
 namespace frontpanelhw {
 
 namespace {
 
-constexpr unsigned kLineCount = 6;  // RS, E, D4-D7, in the order of the hd44780_lines bits
-
-std::string reason(int error) { return std::generic_category().message(error); }
-
 class GpiodLines : public IHd44780LineOutput {
 public:
     explicit GpiodLines(GpioLineConfig const& config) : chipName_(config.chip) {
-        std::array<unsigned, kLineCount> offsets = {config.rs, config.enable, config.d4,
-                                                    config.d5, config.d6,     config.d7};
-        for (unsigned i = 0; i < kLineCount; ++i) {
-            for (unsigned j = i + 1; j < kLineCount; ++j) {
-                if (offsets[i] == offsets[j]) {
-                    throw Hd44780BusError("GPIO chip " + chipName_ + ": line " +
-                                          std::to_string(offsets[i]) +
-                                          " is given to two module pins");
-                }
-            }
-        }
+        std::array<unsigned, detail::kModuleLineCount> offsets = {
+            config.rs, config.enable, config.d4, config.d5, config.d6, config.d7};
+        detail::checkModuleLines(chipName_, {offsets.begin(), offsets.end()});
         chip_ = ::gpiod_chip_open_lookup(chipName_.c_str());
         if (chip_ == nullptr) {
-            throw Hd44780BusError("cannot open GPIO chip " + chipName_ + ": " + reason(errno));
+            throw Hd44780BusError("cannot open GPIO chip " + chipName_ + ": " +
+                                  detail::errorText(errno));
         }
-        if (::gpiod_chip_get_lines(chip_, offsets.data(), kLineCount, &bulk_) != 0) {
+        if (::gpiod_chip_get_lines(chip_, offsets.data(), detail::kModuleLineCount, &bulk_) != 0) {
             fail("cannot get lines of GPIO chip ");
         }
-        std::array<int, kLineCount> const low{};
+        std::array<int, detail::kModuleLineCount> const low{};
         if (::gpiod_line_request_bulk_output(&bulk_, "yxfrontpanel", low.data()) != 0) {
             fail("cannot request output lines of GPIO chip ");
         }
@@ -52,13 +42,13 @@ public:
     GpiodLines& operator=(GpiodLines const&) = delete;
 
     void setLevels(std::uint8_t levels) override {
-        std::array<int, kLineCount> values{};
-        for (unsigned i = 0; i < kLineCount; ++i) {
+        std::array<int, detail::kModuleLineCount> values{};
+        for (unsigned i = 0; i < detail::kModuleLineCount; ++i) {
             values[i] = static_cast<int>((levels >> i) & 1U);
         }
         if (::gpiod_line_set_value_bulk(&bulk_, values.data()) != 0) {
             throw Hd44780BusError("setting the lines of GPIO chip " + chipName_ +
-                                  " failed: " + reason(errno));
+                                  " failed: " + detail::errorText(errno));
         }
     }
 
@@ -66,7 +56,7 @@ private:
     [[noreturn]] void fail(std::string const& what) {
         int const error = errno;
         ::gpiod_chip_close(chip_);
-        throw Hd44780BusError(what + chipName_ + ": " + reason(error));
+        throw Hd44780BusError(what + chipName_ + ": " + detail::errorText(error));
     }
 
     std::string chipName_;
