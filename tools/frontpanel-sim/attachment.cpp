@@ -32,7 +32,8 @@ Attachments attachmentsFor(SimOptions const& options) {
         attachments.push_back(std::make_unique<RemoteAttachment>(options.listen));
     }
     if (options.web) {
-        attachments.push_back(std::make_unique<WebAttachment>(*options.web, options.webToken));
+        attachments.push_back(
+            std::make_unique<WebAttachment>(*options.web, options.webToken, options.webHosts));
     }
     if (!options.inputs.empty()) {
         attachments.push_back(std::make_unique<InputDevices>(options.inputs));

@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "attachment.h"
 #include "endpoint.h"
@@ -18,7 +19,8 @@ namespace frontpanelsim {
  *  error ("frontpanel-sim: web panel on http://HOST:PORT/"). */
 class WebAttachment : public Attachment {
 public:
-    WebAttachment(Endpoint endpoint, std::string accessToken);
+    /** Serves at `endpoint` with `accessToken` (may be empty) and the further `hostNames`. */
+    WebAttachment(Endpoint endpoint, std::string accessToken, std::vector<std::string> hostNames);
     ~WebAttachment() override;
 
     /** @throws std::runtime_error when the address cannot be served (or the program was built
@@ -31,6 +33,7 @@ public:
 private:
     Endpoint endpoint_;
     std::string accessToken_;
+    std::vector<std::string> hostNames_;
 #if YXFP_HAS_WEB
     // Only where the runtime has the web panel: elsewhere it lacks even the destructor.
     std::unique_ptr<yxfrontpanel::runtime::WebPanelServer> server_;
