@@ -39,6 +39,7 @@ protected:
         yxfrontpanel::runtime::PanelOptions panelOptions;
         // A clock moved by hand has no frame rate to keep: every screen is drawn at once.
         panelOptions.framesPerSecond = clock ? 0 : 1000;
+        panelOptions.idleTimeout = idleTimeout;
         panel = std::make_unique<yxfrontpanel::runtime::Panel>(display, panelOptions, clock);
         tree = yxfrontpanel::MenuTreeFactory().create(panel->provider());
         for (char16_t const* name : {u"Alpha", u"Beta", u"Gamma", u"Delta", u"Epsilon"}) {
@@ -46,6 +47,9 @@ protected:
         }
         tree->setLocal(true);
         panel->setRoot(*tree);
+        if (homeScreen) {
+            panel->setHomeScreen(homeScreen);
+        }
         server = std::make_unique<WebPanelServer>(*panel, options);
         runner = std::thread([this] { panel->run(); });
     }
@@ -107,6 +111,10 @@ protected:
         }
         return false;
     }
+
+    /** Set before `start`: the panel's idle timeout and home screen. */
+    std::chrono::milliseconds idleTimeout{0};
+    yxfrontpanel::runtime::Panel::HomeScreen homeScreen;
 
     yxfp_test::LogCapture logs;  // keeps the server's log lines out of the output
     frontpanelhw::MemoryDisplay display{20, 4};

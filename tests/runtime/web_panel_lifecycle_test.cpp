@@ -46,16 +46,35 @@ TEST_F(WebPanelLifecycleTest, ThousandServersComeAndGoWhileThePanelRuns) {
     EXPECT_TRUE(waitForFrame(*page, kFirstFrame));
 }
 
-// The idle panel redrawing the same screen sends it to a page once.
+// The idle home screen, drawn again after every turn with posted work, reaches a page once.
 TEST_F(WebPanelLifecycleTest, IdenticalFramesAreSentOnce) {
-    start();
+    auto clock = std::make_shared<ManualClock>();
+    idleTimeout = std::chrono::seconds{1};
+    homeScreen = [](yxfrontpanel::IDrawingProvider const& provider) {
+        frontpanelhw::drawing::DisplayLine line;
+        line.appendText(u"Home", 4, false);
+        frontpanelhw::drawing::DisplayBuffer screen(20, 4);
+        screen.setDisplayLine(0, line);
+        provider.draw(screen);
+    };
+    start({}, clock);
     auto page = openPage();
     ASSERT_TRUE(waitForFrame(*page, kFirstFrame));
-    for (int redraw = 0; redraw < 20; ++redraw) {
-        panel->post([this] { panel->provider().draw(panel->shownFrame()); });
+    clock->advance(std::chrono::seconds{2});
+    std::string const home = R"({"type":"frame","chars":20,"lines":4,"local":true,"text":[)"
+                             R"("Home                ",")" +
+                             std::string(20, ' ') + R"(",")" + std::string(20, ' ') + R"(",")" +
+                             std::string(20, ' ') + R"("],"inverted":[[],[],[],[]]})";
+    ASSERT_TRUE(waitForFrame(*page, home));
+    for (int turn = 0; turn < 20; ++turn) {
+        std::promise<void> served;
+        panel->post([&served] { served.set_value(); });
+        served.get_future().wait();
     }
-    panel->pressKey(frontpanelhw::PanelKey::Down);
-    EXPECT_EQ(page->receiveText(), kCursorOnBeta);
+    panel->pressKey(frontpanelhw::PanelKey::Down);  // leaves the home screen
+    auto const next = page->receiveText();
+    ASSERT_TRUE(next);
+    EXPECT_NE(*next, home);
 }
 
 // A page that stops reading is dropped once it has taken no frame for the bound while newer
