@@ -4,6 +4,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <fstream>
 #include <stdexcept>
 
 namespace frontpanelctl {
@@ -21,7 +22,35 @@ std::chrono::milliseconds parseTimeout(std::string const& text) {
     return std::chrono::milliseconds{std::llround(seconds * 1000.0)};
 }
 
+// Longer than any token a server accepts; a file beyond it is not a token file.
+constexpr std::size_t kMaxTokenFileBytes = 4096;
+
 }  // namespace
+
+void resolveToken(CtlOptions& options, char const* environmentToken) {
+    if (!options.tokenFile.empty()) {
+        std::ifstream file(options.tokenFile, std::ios::binary);
+        if (!file) {
+            throw UsageError("cannot read the token file '" + options.tokenFile + "'");
+        }
+        std::string text(kMaxTokenFileBytes + 1, '\0');
+        file.read(text.data(), static_cast<std::streamsize>(text.size()));
+        text.resize(static_cast<std::size_t>(file.gcount()));
+        if (text.size() > kMaxTokenFileBytes) {
+            throw UsageError("the token file '" + options.tokenFile + "' is longer than " +
+                             std::to_string(kMaxTokenFileBytes) + " bytes");
+        }
+        std::size_t const end = text.find_first_of("\r\n");
+        options.token = text.substr(0, end);
+        if (options.token.empty()) {
+            throw UsageError("the token file '" + options.tokenFile + "' holds no token");
+        }
+        return;
+    }
+    if (options.token.empty() && environmentToken != nullptr) {
+        options.token = environmentToken;
+    }
+}
 
 CtlOptions parseCtlOptions(std::vector<std::string> const& arguments) {
     CtlOptions options;
@@ -40,6 +69,11 @@ CtlOptions parseCtlOptions(std::vector<std::string> const& arguments) {
             options.screen = true;
         } else if (name == "--token") {
             options.token = reader.takeValue();
+            options.warnings.emplace_back(
+                "--token shows the token in the process list; --token-file FILE or the "
+                "environment variable YXFP_TOKEN keep it private");
+        } else if (name == "--token-file") {
+            options.tokenFile = reader.takeValue();
         } else if (name == "--timeout") {
             options.timeout = parseTimeout(reader.takeValue());
         } else if (name.rfind('-', 0) == 0 && name.size() > 1) {
@@ -53,6 +87,9 @@ CtlOptions parseCtlOptions(std::vector<std::string> const& arguments) {
             options.address = argument;
             addressSeen = true;
         }
+    }
+    if (!options.token.empty() && !options.tokenFile.empty()) {
+        throw UsageError("give --token or --token-file, not both");
     }
     if (!options.help && !addressSeen) {
         throw UsageError("no address: give HOST:PORT or unix:PATH (see --help)");
@@ -74,7 +111,10 @@ std::string ctlUsage() {
            "Options (before the address):\n"
            "  --screen          after the commands, print the panel's screen as\n"
            "                    frontpanel-sim --print does\n"
-           "  --token TOKEN     authenticate with SYSTem:AUTH first\n"
+           "  --token-file FILE authenticate with SYSTem:AUTH first, with the first line\n"
+           "                    of FILE as the token (or set YXFP_TOKEN)\n"
+           "  --token TOKEN     the same with TOKEN; other users can see it in the\n"
+           "                    process list\n"
            "  --timeout SECS    wait at most SECS for each response (default 5)\n"
            "  -h, --help        show this text\n"
            "\n"

@@ -12,10 +12,12 @@
 
 namespace frontpanelctl {
 
-LineConnection::LineConnection(std::string const& address, std::chrono::milliseconds timeout)
-    : address_(address), timeout_(timeout), fd_(-1) {
+LineConnection::LineConnection(std::string const& address, std::chrono::milliseconds timeout,
+                               std::size_t maxLineBytes)
+    : address_(address), timeout_(timeout), maxLineBytes_(maxLineBytes), fd_(-1) {
     try {
-        fd_ = yxfrontpanel::runtime::connectTo(yxfrontpanel::runtime::parseEndpoint(address));
+        fd_ = yxfrontpanel::runtime::connectTo(yxfrontpanel::runtime::parseEndpoint(address),
+                                               timeout);
     } catch (std::exception const& error) {
         throw ConnectionError(error.what());
     }
@@ -46,6 +48,10 @@ std::string LineConnection::readLine() {
             std::string line = buffer_.substr(0, newline);
             buffer_.erase(0, newline + 1);
             return line;
+        }
+        if (buffer_.size() > maxLineBytes_) {
+            throw ConnectionError(address_ + " sent a line longer than " +
+                                  std::to_string(maxLineBytes_) + " bytes");
         }
         pollfd ready{fd_, POLLIN, 0};
         int const waited = ::poll(&ready, 1, static_cast<int>(timeout_.count()));

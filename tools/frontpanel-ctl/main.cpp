@@ -1,4 +1,5 @@
 // frontpanel-ctl: sends command lines to a front panel's command server and prints the answers.
+#include <cstdlib>
 #include <iostream>
 #include <string>
 #include <vector>
@@ -11,9 +12,13 @@ int main(int argc, char** argv) {
     CtlOptions options;
     try {
         options = parseCtlOptions(std::vector<std::string>(argv + 1, argv + argc));
+        resolveToken(options, std::getenv("YXFP_TOKEN"));
     } catch (UsageError const& error) {
         std::cerr << "frontpanel-ctl: " << error.what() << '\n';
         return 2;
+    }
+    for (auto const& warning : options.warnings) {
+        std::cerr << "frontpanel-ctl: warning: " << warning << '\n';
     }
     if (options.help) {
         std::cout << ctlUsage();

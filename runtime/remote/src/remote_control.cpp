@@ -44,4 +44,8 @@ std::vector<std::string> RemoteControl::addresses() const {
 
 std::size_t RemoteControl::clientCount() const { return server_ ? server_->clientCount() : 0; }
 
+std::optional<std::string> RemoteControl::failure() const {
+    return server_ ? server_->failure() : std::nullopt;
+}
+
 }  // namespace yxfrontpanel::runtime

@@ -1,14 +1,18 @@
 #include <yxfrontpanel/runtime/remote_endpoint.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <cstring>
 #include <stdexcept>
 #include <string>
 #include <system_error>
+#include <vector>
 
 #include "socket_address.h"
+#include <fcntl.h>
 #include <netdb.h>
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -20,6 +24,39 @@ namespace {
 std::invalid_argument badEndpoint(std::string_view text, char const* why) {
     return std::invalid_argument("not an address: \"" + std::string(text) + "\" (" + why +
                                  "; expected HOST:PORT, [IPV6]:PORT or unix:PATH)");
+}
+
+/** Waits for a non-blocking connect on `fd`; 0 when connected, else the error (ETIMEDOUT when
+ *  `deadline` passed first). */
+int waitForConnect(int fd, bool limited, std::chrono::steady_clock::time_point deadline) {
+    while (true) {
+        int wait = -1;
+        if (limited) {
+            auto const left = std::chrono::ceil<std::chrono::milliseconds>(
+                deadline - std::chrono::steady_clock::now());
+            if (left.count() <= 0) {
+                return ETIMEDOUT;
+            }
+            wait = static_cast<int>(std::min<std::chrono::milliseconds::rep>(left.count(), 60000));
+        }
+        pollfd entry{fd, POLLOUT, 0};
+        int const ready = ::poll(&entry, 1, wait);
+        if (ready < 0 && errno == EINTR) {
+            continue;
+        }
+        if (ready < 0) {
+            return errno;
+        }
+        if (ready == 0) {
+            continue;  // the loop's check of the deadline decides
+        }
+        int result = 0;
+        socklen_t length = sizeof(result);
+        if (::getsockopt(fd, SOL_SOCKET, SO_ERROR, &result, &length) != 0) {
+            return errno;
+        }
+        return result;
+    }
 }
 
 }  // namespace
@@ -71,20 +108,34 @@ Endpoint parseEndpoint(std::string_view text) {
     return endpoint;
 }
 
-int connectTo(Endpoint const& endpoint) {
-    SocketAddress const address = resolve(endpoint, false);
-    int const fd = ::socket(address.family(), SOCK_STREAM | SOCK_CLOEXEC, 0);
-    if (fd < 0) {
-        throw std::system_error(errno, std::generic_category(),
-                                "cannot create a socket for " + endpoint.toString());
-    }
-    if (::connect(fd, address.get(), address.length) != 0) {
-        int const error = errno;
+int connectTo(Endpoint const& endpoint, std::chrono::milliseconds timeout) {
+    std::vector<SocketAddress> const addresses = resolveAll(endpoint, false);
+    bool const limited = timeout.count() > 0;
+    auto const deadline = std::chrono::steady_clock::now() + timeout;
+    int error = ECONNREFUSED;
+    for (auto const& address : addresses) {
+        int const fd = ::socket(address.family(), SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+        if (fd < 0) {
+            error = errno;
+            continue;
+        }
+        int status = ::connect(fd, address.get(), address.length);
+        if (status != 0 && errno == EINPROGRESS) {
+            status = waitForConnect(fd, limited, deadline);
+        } else if (status != 0) {
+            status = errno;
+        }
+        if (status == 0 && ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) & ~O_NONBLOCK) == 0) {
+            return fd;
+        }
+        error = status != 0 ? status : errno;
         ::close(fd);
-        throw std::system_error(error, std::generic_category(),
-                                "cannot connect to " + endpoint.toString());
+        if (error == ETIMEDOUT) {
+            break;  // the time was for all addresses together
+        }
     }
-    return fd;
+    throw std::system_error(error, std::generic_category(),
+                            "cannot connect to " + endpoint.toString());
 }
 
 }  // namespace yxfrontpanel::runtime

@@ -1,4 +1,5 @@
 #include <yxbase2/log.h>
+#include <yxfrontpanel/runtime/connection_policy.h>
 #include <yxfrontpanel/runtime/remote_endpoint.h>
 #include <yxfrontpanel/runtime/remote_server.h>
 
@@ -36,7 +37,10 @@ constexpr char const* kLogCategory = "libYxFrontPanelRuntime.remote";
 constexpr int kLogWarning = 4;
 constexpr int kLogInfo = 6;
 constexpr int kListenBacklog = 16;
-constexpr std::size_t kReadChunk = std::size_t{64} * 1024;
+// One read's worth: small enough that the lines of one read, parsed, fit in the half of a
+// client's pending-memory quota that is left when reading stops, unless the lines are made of
+// the tiniest commands (then the client is disconnected: that is no instrument program).
+constexpr std::size_t kReadChunk = 4096;
 // The kernel's share of a client's unsent responses. Without a limit, loopback connections grow
 // their buffers to megabytes, and a client that does not read would hold that much before the
 // server's own output limit is even reached.
@@ -109,20 +113,47 @@ private:
     Descriptor fd_;
 };
 
+/** A parsed line waiting for the executor, with what it costs. */
+struct PendingLine {
+    scpi::ParsedLine line;
+    std::size_t cost = 0;  // see `lineCost`
+};
+
+/** The memory a parsed line holds, in bytes: its text's bytes plus a fixed charge for each
+ *  command, mnemonic, parameter and distinct shared path. An upper estimate, so that a quota of
+ *  these units bounds the real memory. */
+std::size_t lineCost(scpi::ParsedLine const& line, std::size_t textBytes) {
+    std::size_t cost = sizeof(PendingLine) + textBytes;
+    scpi::SharedPath::element_type const* previous = nullptr;
+    for (auto const& command : line.commands) {
+        cost += sizeof(scpi::Command) + command.mnemonics.size() * sizeof(std::string) +
+                command.parameters.size() * sizeof(scpi::Parameter);
+        if (command.path && command.path.get() != previous) {
+            cost += 2 * sizeof(void*) * 4 + command.path->size() * sizeof(std::string);
+            previous = command.path.get();
+        }
+    }
+    return cost;
+}
+
 /** What the I/O thread and the executor's thread share for one client. */
 struct ClientWork {
     std::mutex mutex;
-    std::deque<scpi::ParsedLine> pending;  // parsed lines waiting for the executor
-    bool scheduled = false;                // a task for this client is posted or running
-    bool refused = false;                  // the executor refused a task: it has stopped
-    bool closed = false;                   // the client is gone: drop its work
-    std::string output;                    // response lines ready to send
+    std::deque<PendingLine> pending;  // parsed lines waiting for the executor
+    std::size_t pendingCost = 0;      // the sum of their costs
+    bool scheduled = false;           // a task for this client is posted or running
+    bool refused = false;             // the executor refused a task: it has stopped
+    bool closed = false;              // the client is gone: drop its work
+    std::string output;               // response lines ready to send
 
     // The executor's thread only, except the session's error queue, which has a lock of its own
     // and takes the I/O thread's "line too long" errors.
     scpi::Session session;
     std::optional<scpi::ParsedLine> current;  // a line whose rest waits for the next turn
     std::size_t next = 0;
+
+    /** Nothing waits for or runs on the executor. With `mutex` held. */
+    bool idle() const { return pending.empty() && !scheduled; }
 };
 
 /** Everything a task needs; shared so that tasks outlive the server safely. */
@@ -154,13 +185,21 @@ void serveClient(std::shared_ptr<TaskContext> const& context,
             if (work->closed || work->pending.empty()) {
                 break;
             }
-            work->current = std::move(work->pending.front());
+            work->current = std::move(work->pending.front().line);
+            work->pendingCost -= work->pending.front().cost;
             work->pending.pop_front();
             work->next = 0;
         }
         responses.clear();
-        scpi::RunResult const result =
-            context->table->run(*work->current, work->next, work->session, responses);
+        scpi::RunResult result{work->current->commands.size(), false};
+        try {
+            result = context->table->run(*work->current, work->next, work->session, responses);
+        } catch (...) {
+            // The table turns handlers' exceptions into errors; this is anything else (out of
+            // memory): the line ends here and the client stays served.
+            work->session.errors.push(
+                scpi::ErrorEntry{scpi::ErrorCode::ExecutionError, "the line failed"});
+        }
         for (auto const& response : responses) {
             output += response;
             output += '\n';
@@ -190,14 +229,21 @@ void serveClient(std::shared_ptr<TaskContext> const& context,
 
 /** A client as the I/O thread sees it. */
 struct Connection {
+    Connection(std::size_t listener, ConnectionDeadline deadline)
+        : listener(listener), deadline(deadline) {}
+
     Descriptor fd;
+    std::size_t listener;  // its listener's index (and quota id)
     std::string peer;
     std::string input;
-    bool discarding = false;  // inside a line that was too long: skip up to its newline
+    bool discarding = false;  // inside a line that was too long: skip up to its end
+    bool inputEnded = false;  // the client shut its sending side: answer, then close
+    bool endedInsideLine = false;
     std::string output;
     std::size_t outputSent = 0;
     bool authenticated = false;
     std::optional<IClock::TimePoint> closeAt;  // after a failed authentication
+    ConnectionDeadline deadline;
     std::shared_ptr<ClientWork> work = std::make_shared<ClientWork>();
 };
 
@@ -205,7 +251,24 @@ struct Listener {
     Descriptor fd;
     Endpoint endpoint;
     std::string address;  // as bound, with the picked port
+    std::size_t quota = 0;
+    AcceptPause pause;
+    dev_t device = 0;  // a Unix socket file's identity, so that only our own file is removed
+    ino_t inode = 0;
 };
+
+/** Whether a server answers on the Unix socket `path` (a live one, not a stale file). */
+bool unixSocketAnswers(SocketAddress const& address) {
+    Descriptor probe(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    if (probe.get() < 0) {
+        return false;
+    }
+    if (::connect(probe.get(), address.get(), address.length) == 0) {
+        return true;
+    }
+    // A full backlog (EAGAIN) is a live server too; ECONNREFUSED is a file nobody listens on.
+    return errno == EAGAIN || errno == EINPROGRESS;
+}
 
 }  // namespace
 
@@ -215,10 +278,12 @@ public:
          RemoteServerOptions options)
         : options_(std::move(options)),
           clock_(options_.clock ? options_.clock : std::make_shared<SteadyClock>()),
-          context_(std::make_shared<TaskContext>()) {
+          context_(std::make_shared<TaskContext>()),
+          quota_(options_.policy) {
         if (!table || !executor) {
             throw std::invalid_argument("a command server needs a command table and an executor");
         }
+        checkAccessToken(options_.accessToken, options_.policy);
         context_->table = std::move(table);
         context_->executor = std::move(executor);
         context_->waker = std::make_shared<Waker>();
@@ -231,7 +296,13 @@ public:
     ~Impl() {
         stop();
         for (auto const& listener : listeners_) {
-            if (listener.endpoint.kind == Endpoint::Kind::Unix) {
+            if (listener.endpoint.kind != Endpoint::Kind::Unix) {
+                continue;
+            }
+            // Only the file this server made: another server may have replaced it since.
+            struct stat status {};
+            if (::lstat(listener.endpoint.path.c_str(), &status) == 0 &&
+                status.st_dev == listener.device && status.st_ino == listener.inode) {
                 ::unlink(listener.endpoint.path.c_str());
             }
         }
@@ -271,6 +342,7 @@ public:
             disconnect(connection, "the server stopped");
         }
         connections_.clear();
+        clientCount_.store(0);
         for (auto& listener : listeners_) {
             listener.fd.reset();
         }
@@ -286,17 +358,45 @@ public:
 
     std::size_t clientCount() const { return clientCount_.load(); }
 
+    std::optional<std::string> failure() const {
+        std::lock_guard<std::mutex> const lock(failureMutex_);
+        return failure_;
+    }
+
+    std::size_t pendingBytes() const { return pendingBytes_.load(); }
+    std::size_t peakPendingBytes() const { return peakPendingBytes_.load(); }
+
 private:
-    static Listener listen(Endpoint const& endpoint) {
-        SocketAddress address = resolve(endpoint, true);
+    Listener listen(Endpoint const& endpoint) {
+        std::vector<SocketAddress> const addresses = resolveAll(endpoint, true);
+        std::system_error lastError(std::make_error_code(std::errc::address_not_available),
+                                    "cannot listen on " + endpoint.toString());
+        for (auto const& address : addresses) {
+            try {
+                return listenOn(endpoint, address);
+            } catch (std::system_error const& error) {
+                lastError = error;
+            }
+        }
+        throw lastError;
+    }
+
+    Listener listenOn(Endpoint const& endpoint, SocketAddress const& address) {
         Descriptor fd(::socket(address.family(), SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
         if (fd.get() < 0) {
             throw systemError("cannot create a socket for " + endpoint.toString());
         }
-        if (endpoint.kind == Endpoint::Kind::Unix) {
-            // Replace a socket file left by a server that died, but never any other file.
+        bool const isUnix = endpoint.kind == Endpoint::Kind::Unix;
+        if (isUnix) {
+            // Replace a socket file left by a server that died, but never any other file, and
+            // never the socket of a server that still answers on it.
             struct stat status {};
             if (::lstat(endpoint.path.c_str(), &status) == 0 && S_ISSOCK(status.st_mode)) {
+                if (unixSocketAnswers(address)) {
+                    throw std::system_error(std::make_error_code(std::errc::address_in_use),
+                                            "cannot listen on " + endpoint.toString() +
+                                                ": a running server answers on it");
+                }
                 ::unlink(endpoint.path.c_str());
             }
         } else {
@@ -309,11 +409,25 @@ private:
         if (::bind(fd.get(), address.get(), address.length) != 0) {
             throw systemError("cannot listen on " + endpoint.toString());
         }
-        if (::listen(fd.get(), kListenBacklog) != 0) {
+        Listener listener{std::move(fd), endpoint, endpoint.toString(),
+                          quota_.addListener(isUnix ? ListenerKind::Local : ListenerKind::Network),
+                          AcceptPause(options_.policy)};
+        if (isUnix) {
+            struct stat status {};
+            if (::chmod(endpoint.path.c_str(), static_cast<mode_t>(options_.unixSocketMode)) != 0 ||
+                ::lstat(endpoint.path.c_str(), &status) != 0) {
+                int const error = errno;
+                ::unlink(endpoint.path.c_str());
+                throw std::system_error(error, std::generic_category(),
+                                        "cannot set the mode of " + endpoint.toString());
+            }
+            listener.device = status.st_dev;
+            listener.inode = status.st_ino;
+        }
+        if (::listen(listener.fd.get(), kListenBacklog) != 0) {
             throw systemError("cannot listen on " + endpoint.toString());
         }
-        Listener listener{std::move(fd), endpoint, endpoint.toString()};
-        if (endpoint.kind == Endpoint::Kind::Tcp) {
+        if (!isUnix) {
             SocketAddress bound;
             bound.length = sizeof(bound.storage);
             ::getsockname(listener.fd.get(), bound.get(), &bound.length);
@@ -323,20 +437,36 @@ private:
         return listener;
     }
 
+    void fail(std::string const& reason) {
+        logRecord(kLogWarning, "command server stopped serving: " + reason);
+        {
+            std::lock_guard<std::mutex> const lock(failureMutex_);
+            failure_ = reason;
+        }
+        if (options_.onFailure) {
+            options_.onFailure(reason);
+        }
+    }
+
     void loop() {
         std::vector<pollfd> fds;
         while (!stopping_) {
+            IClock::TimePoint const now = clock_->now();
             fds.clear();
             fds.push_back(pollfd{context_->waker->fd(), POLLIN, 0});
             for (auto const& listener : listeners_) {
-                fds.push_back(pollfd{listener.fd.get(), POLLIN, 0});
+                // A paused listener stays out of the set (a negative descriptor is skipped).
+                fds.push_back(
+                    pollfd{listener.pause.paused(now) ? -1 : listener.fd.get(), POLLIN, 0});
             }
             for (auto& connection : connections_) {
                 fds.push_back(pollfd{connection.fd.get(), events(connection), 0});
             }
-            if (::poll(fds.data(), fds.size(), timeout()) < 0 && errno != EINTR) {
-                logRecord(kLogWarning, std::string("command server: poll failed: ") +
-                                           std::generic_category().message(errno));
+            if (::poll(fds.data(), fds.size(), pollTimeout(nextDeadline(), *clock_)) < 0) {
+                if (errno == EINTR) {
+                    continue;
+                }
+                fail(std::string("poll failed: ") + std::generic_category().message(errno));
                 return;
             }
             if ((fds[0].revents & POLLIN) != 0) {
@@ -364,33 +494,46 @@ private:
                     clientCount_.store(connections_.size());
                 }
             }
+            updatePending();
         }
     }
 
+    void updatePending() {
+        std::size_t total = 0;
+        for (auto& connection : connections_) {
+            std::lock_guard<std::mutex> const lock(connection.work->mutex);
+            total += connection.work->pendingCost;
+        }
+        pendingBytes_.store(total);
+    }
+
     short events(Connection& connection) const {
+        bool const unsent = connection.outputSent < connection.output.size();
+        if (connection.closeAt) {
+            // Nothing more is read; only the error line and the client's hanging up matter.
+            return static_cast<short>(POLLRDHUP | (unsent ? POLLOUT : 0));
+        }
         short events = 0;
         std::lock_guard<std::mutex> const lock(connection.work->mutex);
-        if (!connection.closeAt && connection.work->pending.size() < options_.maxPendingLines) {
+        if (!connection.inputEnded && connection.work->pendingCost < options_.maxPendingBytes / 2) {
             events |= POLLIN;
         }
-        if (connection.outputSent < connection.output.size() || !connection.work->output.empty()) {
+        if (unsent || !connection.work->output.empty()) {
             events |= POLLOUT;
         }
         return events;
     }
 
-    int timeout() const {
-        std::optional<IClock::TimePoint> earliest;
+    std::optional<IClock::TimePoint> nextDeadline() const {
+        std::optional<IClock::TimePoint> next;
+        for (auto const& listener : listeners_) {
+            next = earliest(next, listener.pause.resumeAt());
+        }
         for (auto const& connection : connections_) {
-            if (connection.closeAt && (!earliest || *connection.closeAt < *earliest)) {
-                earliest = connection.closeAt;
-            }
+            next = earliest(next, connection.closeAt);
+            next = earliest(next, connection.deadline.next());
         }
-        if (!earliest || !clock_->movesByItself()) {
-            return -1;
-        }
-        auto const left = std::chrono::ceil<std::chrono::milliseconds>(*earliest - clock_->now());
-        return static_cast<int>(std::clamp<std::chrono::milliseconds::rep>(left.count(), 0, 60000));
+        return next;
     }
 
     void accept(Listener& listener) {
@@ -399,22 +542,33 @@ private:
         Descriptor fd(
             ::accept4(listener.fd.get(), peer.get(), &peer.length, SOCK_NONBLOCK | SOCK_CLOEXEC));
         if (fd.get() < 0) {
-            return;  // the client gave up already, or descriptors ran out: it may try again
+            int const error = errno;
+            if (listener.pause.failed(error, clock_->now())) {
+                logRecord(kLogWarning, "command server: cannot accept on " + listener.address +
+                                           ": " + std::generic_category().message(error) +
+                                           "; pausing the listener");
+            }
+            return;  // otherwise the client gave up already
         }
         std::string const name = peerName(fd.get(), peer, listener);
-        if (connections_.size() >= options_.maxClients) {
+        if (!quota_.admit(listener.quota)) {
             logRecord(kLogWarning, "command server: refused " + name + " on " + listener.address +
-                                       ": already " + std::to_string(options_.maxClients) +
+                                       ": already " + std::to_string(quota_.limit(listener.quota)) +
                                        " clients");
             return;
         }
         ::setsockopt(fd.get(), SOL_SOCKET, SO_SNDBUF, &kSocketSendBuffer,
                      sizeof(kSocketSendBuffer));
-        Connection connection;
+        if (listener.endpoint.kind == Endpoint::Kind::Tcp) {
+            applyTcpOptions(fd.get(), options_.policy);
+        }
+        bool const loginRequired = !options_.accessToken.empty();
+        Connection& connection = connections_.emplace_back(
+            static_cast<std::size_t>(&listener - listeners_.data()),
+            ConnectionDeadline(options_.policy, clock_->now(), loginRequired));
         connection.fd = std::move(fd);
         connection.peer = name;
-        connection.authenticated = options_.accessToken.empty();
-        connections_.push_back(std::move(connection));
+        connection.authenticated = !loginRequired;
         clientCount_.store(connections_.size());
         logRecord(kLogInfo, "command server: " + name + " connected on " + listener.address);
     }
@@ -433,15 +587,21 @@ private:
                std::to_string(credentials.uid) + ")";
     }
 
+    /** Takes the responses the executor has ready; returns whether nothing waits for or runs
+     *  on the executor, as of the same moment (so that "idle with nothing to send" is never
+     *  concluded while responses are on their way). */
+    static bool collect(Connection& connection, bool& refused) {
+        std::lock_guard<std::mutex> const lock(connection.work->mutex);
+        connection.output += connection.work->output;
+        connection.work->output.clear();
+        refused = refused || connection.work->refused;
+        return connection.work->idle();
+    }
+
     /** Serves one client after poll; false when it is gone. */
     bool serve(Connection& connection, short revents) {
         bool refused = false;
-        {
-            std::lock_guard<std::mutex> const lock(connection.work->mutex);
-            connection.output += connection.work->output;
-            connection.work->output.clear();
-            refused = connection.work->refused;
-        }
+        bool idle = collect(connection, refused);
         if (refused) {
             return disconnect(connection, "the panel stopped taking commands");
         }
@@ -450,26 +610,54 @@ private:
                                               std::to_string(options_.maxOutputBytes) +
                                               " bytes waiting)");
         }
-        if ((revents & (POLLIN | POLLHUP | POLLERR)) != 0 && !connection.closeAt &&
-            !read(connection)) {
+        IClock::TimePoint const now = clock_->now();
+        if (connection.closeAt) {
+            if ((revents & (POLLHUP | POLLERR | POLLRDHUP)) != 0) {
+                return disconnect(connection, "authentication failed; it hung up");
+            }
+        } else if ((revents & (POLLIN | POLLHUP | POLLERR)) != 0 && !connection.inputEnded) {
+            if (!read(connection, now)) {
+                return false;
+            }
+            idle = collect(connection, refused);
+        } else if ((revents & (POLLHUP | POLLERR)) != 0) {
+            // Input ended before and now the connection is gone both ways: nothing can be sent.
+            return disconnect(connection, "it closed the connection");
+        }
+        if (!write(connection, now)) {
             return false;
         }
-        if (!write(connection)) {
-            return false;
-        }
-        if (connection.closeAt && clock_->now() >= *connection.closeAt) {
+        if (connection.closeAt && now >= *connection.closeAt) {
             return disconnect(connection, "authentication failed");
+        }
+        if (connection.inputEnded && idle && connection.output.empty()) {
+            return disconnect(connection, connection.endedInsideLine
+                                              ? "it closed the connection inside a line"
+                                              : "it closed the connection");
+        }
+        if (!connection.closeAt && !connection.inputEnded) {
+            ConnectionExpiry const expiry = connection.deadline.expired(now);
+            if (expiry != ConnectionExpiry::None && (expiry != ConnectionExpiry::Idle || idle)) {
+                return disconnect(connection, describeExpiry(expiry, options_.policy));
+            }
         }
         return true;
     }
 
-    bool read(Connection& connection) {
+    bool read(Connection& connection, IClock::TimePoint now) {
         char buffer[kReadChunk];
         ssize_t const count = ::recv(connection.fd.get(), buffer, sizeof(buffer), 0);
         if (count == 0) {
-            return disconnect(connection, connection.input.empty() && !connection.discarding
-                                              ? "it closed the connection"
-                                              : "it closed the connection inside a line");
+            // The client shut its sending side: its last line counts even without a line end,
+            // and every answer is still sent before the connection closes.
+            connection.inputEnded = true;
+            connection.endedInsideLine = !connection.input.empty() || connection.discarding;
+            if (!connection.discarding && !connection.input.empty()) {
+                std::string line = std::move(connection.input);
+                connection.input.clear();
+                return handleLine(connection, line);
+            }
+            return true;
         }
         if (count < 0) {
             if (errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR) {
@@ -478,10 +666,12 @@ private:
             return disconnect(
                 connection, std::string("read failed: ") + std::generic_category().message(errno));
         }
+        connection.deadline.activity(now);
         std::string_view data(buffer, static_cast<std::size_t>(count));
         while (!data.empty() && !connection.closeAt) {
-            std::size_t const newline = data.find('\n');
-            std::string_view const piece = data.substr(0, newline);
+            // CR, LF and CR LF each end a line (the LF of a CR LF ends an empty one).
+            std::size_t const end = data.find_first_of("\r\n");
+            std::string_view const piece = data.substr(0, end);
             if (!connection.discarding) {
                 connection.input.append(piece);
                 if (connection.input.size() > options_.maxLineBytes) {
@@ -492,10 +682,10 @@ private:
                         "line longer than " + std::to_string(options_.maxLineBytes) + " bytes"});
                 }
             }
-            if (newline == std::string_view::npos) {
+            if (end == std::string_view::npos) {
                 break;
             }
-            data.remove_prefix(newline + 1);
+            data.remove_prefix(end + 1);
             if (connection.discarding) {
                 connection.discarding = false;
                 continue;
@@ -509,21 +699,36 @@ private:
         return true;
     }
 
-    /** Parses one line here, so the panel's thread only runs it. */
+    /** Parses one line here, so the panel's thread only runs it; false when the client was
+     *  disconnected (over its quota). */
     bool handleLine(Connection& connection, std::string const& line) {
-        scpi::ParsedLine parsed = scpi::parseLine(line);
+        if (line.empty()) {
+            return true;
+        }
+        scpi::ParsedLine parsed = scpi::parseLine(line, options_.parseLimits);
         if (!authenticate(connection, parsed)) {
             return true;
         }
         if (parsed.commands.empty() && !parsed.error) {
             return true;
         }
+        std::size_t const cost = lineCost(parsed, line.size());
         bool post = false;
+        std::size_t pending = 0;
         {
             std::lock_guard<std::mutex> const lock(connection.work->mutex);
-            connection.work->pending.push_back(std::move(parsed));
+            connection.work->pending.push_back(PendingLine{std::move(parsed), cost});
+            connection.work->pendingCost += cost;
+            pending = connection.work->pendingCost;
             post = !connection.work->scheduled;
             connection.work->scheduled = true;
+        }
+        if (pending > peakPendingBytes_.load()) {
+            peakPendingBytes_.store(pending);
+        }
+        if (pending > options_.maxPendingBytes) {
+            return disconnect(connection, "its commands waiting for the panel passed " +
+                                              std::to_string(options_.maxPendingBytes) + " bytes");
         }
         if (post && !schedule(context_, connection.work)) {
             return disconnect(connection, "the panel stopped taking commands");
@@ -539,7 +744,7 @@ private:
         for (auto command = commands.begin(); command != commands.end();) {
             bool const isAuth = scpi::matches("SYSTem:AUTH", *command);
             if (!isAuth && !connection.authenticated) {
-                failure = "access token required before " + command->header();
+                failure = "access token required before " + scpi::escapeDetail(command->header());
                 break;
             }
             if (!isAuth) {
@@ -548,12 +753,14 @@ private:
             }
             if (!options_.accessToken.empty()) {
                 bool const right = command->parameters.size() == 1 &&
-                                   tokensEqual(command->parameters[0].text, options_.accessToken);
+                                   tokenMatches(command->parameters[0].text, options_.accessToken,
+                                                options_.policy.maxTokenBytes);
                 if (!right) {
                     failure = "wrong access token";
                     break;
                 }
                 connection.authenticated = true;
+                connection.deadline.loggedIn();
             }
             command = commands.erase(command);
         }
@@ -571,17 +778,8 @@ private:
         return false;
     }
 
-    /** Compares without stopping at the first difference, so the time taken tells nothing
-     *  about how much of a guess was right. */
-    static bool tokensEqual(std::string const& given, std::string const& expected) {
-        unsigned char difference = given.size() == expected.size() ? 0 : 1;
-        for (std::size_t i = 0; i < given.size(); ++i) {
-            difference |= static_cast<unsigned char>(given[i] ^ expected[i % expected.size()]);
-        }
-        return difference == 0;
-    }
-
-    bool write(Connection& connection) {
+    bool write(Connection& connection, IClock::TimePoint now) {
+        bool progressed = false;
         while (connection.outputSent < connection.output.size()) {
             ssize_t const sent =
                 ::send(connection.fd.get(), connection.output.data() + connection.outputSent,
@@ -594,6 +792,10 @@ private:
                                                   std::generic_category().message(errno));
             }
             connection.outputSent += static_cast<std::size_t>(sent);
+            progressed = true;
+        }
+        if (progressed) {
+            connection.deadline.activity(now);
         }
         if (connection.outputSent == connection.output.size()) {
             connection.output.clear();
@@ -603,11 +805,15 @@ private:
     }
 
     /** Logs and closes; always false, for `return disconnect(...)`. */
-    static bool disconnect(Connection& connection, std::string const& why) {
+    bool disconnect(Connection& connection, std::string const& why) {
         {
             std::lock_guard<std::mutex> const lock(connection.work->mutex);
             connection.work->closed = true;
             connection.work->pending.clear();
+            connection.work->pendingCost = 0;
+        }
+        if (connection.fd.get() >= 0) {
+            quota_.release(listeners_[connection.listener].quota);
         }
         connection.fd.reset();
         logRecord(kLogInfo, "command server: " + connection.peer + " disconnected: " + why);
@@ -617,13 +823,18 @@ private:
     RemoteServerOptions options_;
     std::shared_ptr<IClock> clock_;
     std::shared_ptr<TaskContext> context_;
+    ConnectionQuota quota_;
     std::vector<Listener> listeners_;
     std::list<Connection> connections_;
     std::atomic<std::size_t> clientCount_{0};
+    std::atomic<std::size_t> pendingBytes_{0};
+    std::atomic<std::size_t> peakPendingBytes_{0};
     std::atomic<bool> stopping_{false};
     std::mutex startMutex_;
     std::thread thread_;
     std::size_t advanceListener_ = 0;
+    mutable std::mutex failureMutex_;
+    std::optional<std::string> failure_;
 };
 
 RemoteServer::RemoteServer(std::shared_ptr<scpi::CommandTable const> table, Executor executor,
@@ -639,5 +850,11 @@ void RemoteServer::stop() { impl_->stop(); }
 std::vector<std::string> RemoteServer::addresses() const { return impl_->addresses(); }
 
 std::size_t RemoteServer::clientCount() const { return impl_->clientCount(); }
+
+std::optional<std::string> RemoteServer::failure() const { return impl_->failure(); }
+
+std::size_t RemoteServer::pendingBytes() const { return impl_->pendingBytes(); }
+
+std::size_t RemoteServer::peakPendingBytes() const { return impl_->peakPendingBytes(); }
 
 }  // namespace yxfrontpanel::runtime

@@ -122,7 +122,9 @@ bool nodesMatch(std::vector<Pattern::Node> const& nodes, std::size_t node,
     return nodes[node].optional && nodesMatch(nodes, node + 1, mnemonics, mnemonic);
 }
 
-bool patternMatches(Pattern const& pattern, Command const& command) {
+/** `full` is `command.fullPath()`, computed once by the caller. */
+bool patternMatches(Pattern const& pattern, Command const& command,
+                    std::vector<std::string> const& full) {
     if (pattern.query != command.query) {
         return false;
     }
@@ -130,13 +132,12 @@ bool patternMatches(Pattern const& pattern, Command const& command) {
         return command.common && !command.mnemonics.empty() &&
                upper(command.mnemonics.front()) == pattern.common;
     }
-    return nodesMatch(pattern.nodes, 0, command.mnemonics, 0);
+    return nodesMatch(pattern.nodes, 0, full, 0);
 }
 
 Command fromRoot(Command const& command) {
     Command rooted = command;
-    rooted.mnemonics.erase(rooted.mnemonics.begin(),
-                           rooted.mnemonics.begin() + static_cast<long>(command.inherited));
+    rooted.path.reset();
     rooted.inherited = 0;
     return rooted;
 }
@@ -187,9 +188,10 @@ double Request::number(std::size_t index) const {
 
 long Request::integer(std::size_t index) const {
     double const value = number(index);
-    if (std::floor(value) != value ||
-        value < static_cast<double>(std::numeric_limits<long>::min()) ||
-        value > static_cast<double>(std::numeric_limits<long>::max())) {
+    // The range as powers of two, which doubles hold exactly: the long's maximum rounds up to
+    // 2^63 as a double, which would pass a `value > max` check and overflow the cast.
+    double const limit = std::ldexp(1.0, std::numeric_limits<long>::digits);
+    if (std::floor(value) != value || value < -limit || value >= limit) {
         throw Error(ErrorCode::DataTypeError, "not a whole number: " + parameter(index).text);
     }
     return static_cast<long>(value);
@@ -208,7 +210,7 @@ bool Request::restDeferred() const { return deferred_; }
 
 bool matches(std::string_view pattern, Command const& command) {
     std::optional<Pattern> const parsed = parsePattern(pattern);
-    return parsed && patternMatches(*parsed, command);
+    return parsed && patternMatches(*parsed, command, command.fullPath());
 }
 
 CommandTable::CommandTable() = default;
@@ -242,8 +244,10 @@ void CommandTable::add(std::string_view pattern, Handler handler, unsigned minPa
 void CommandTable::execute(Request& request) const {
     Command const& command = request.command();
     auto const find = [this](Command const& wanted) {
-        return std::find_if(entries_.begin(), entries_.end(),
-                            [&](Entry const& e) { return patternMatches(e.pattern, wanted); });
+        std::vector<std::string> const full = wanted.fullPath();
+        return std::find_if(entries_.begin(), entries_.end(), [&](Entry const& e) {
+            return patternMatches(e.pattern, wanted, full);
+        });
     };
     auto entry = find(command);
     if (entry == entries_.end() && command.inherited > 0) {
@@ -265,6 +269,10 @@ void CommandTable::execute(Request& request) const {
         throw;
     } catch (std::exception const& e) {
         throw Error(ErrorCode::ExecutionError, e.what());
+    } catch (...) {
+        // Anything else a handler throws is an execution error too, so the client's line
+        // finishes and its session stays usable.
+        throw Error(ErrorCode::ExecutionError, "the command failed");
     }
 }
 

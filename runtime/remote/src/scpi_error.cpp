@@ -6,6 +6,72 @@
 
 namespace yxfrontpanel::runtime::scpi {
 
+namespace {
+
+/** The length of the valid UTF-8 sequence at `text[pos]`, or 0 when it is not one (overlong
+ *  forms, surrogates and code points above U+10FFFF included). */
+std::size_t utf8Sequence(std::string_view text, std::size_t pos) {
+    auto const byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+    unsigned char const lead = byte(pos);
+    std::size_t length = 0;
+    unsigned char low = 0x80;
+    unsigned char high = 0xBF;
+    if (lead >= 0xC2 && lead <= 0xDF) {
+        length = 2;
+    } else if (lead >= 0xE0 && lead <= 0xEF) {
+        length = 3;
+        low = lead == 0xE0 ? 0xA0 : 0x80;
+        high = lead == 0xED ? 0x9F : 0xBF;
+    } else if (lead >= 0xF0 && lead <= 0xF4) {
+        length = 4;
+        low = lead == 0xF0 ? 0x90 : 0x80;
+        high = lead == 0xF4 ? 0x8F : 0xBF;
+    } else {
+        return 0;
+    }
+    if (pos + length > text.size()) {
+        return 0;
+    }
+    for (std::size_t i = 1; i < length; ++i) {
+        unsigned char const c = byte(pos + i);
+        unsigned char const min = i == 1 ? low : 0x80;
+        unsigned char const max = i == 1 ? high : 0xBF;
+        if (c < min || c > max) {
+            return 0;
+        }
+    }
+    return length;
+}
+
+}  // namespace
+
+std::string escapeDetail(std::string_view text) {
+    static char const hex[] = "0123456789ABCDEF";
+    std::string result;
+    result.reserve(text.size());
+    for (std::size_t pos = 0; pos < text.size();) {
+        auto const c = static_cast<unsigned char>(text[pos]);
+        if (c >= 0x20 && c < 0x7F) {
+            if (c == '\\') {
+                result += '\\';
+            }
+            result += static_cast<char>(c);
+            ++pos;
+            continue;
+        }
+        if (std::size_t const length = c >= 0x80 ? utf8Sequence(text, pos) : 0; length > 0) {
+            result.append(text.substr(pos, length));
+            pos += length;
+            continue;
+        }
+        result += "\\x";
+        result += hex[c >> 4];
+        result += hex[c & 0x0F];
+        ++pos;
+    }
+    return result;
+}
+
 std::string errorText(ErrorCode code) {
     switch (code) {
         case ErrorCode::NoError:
@@ -32,6 +98,8 @@ std::string errorText(ErrorCode code) {
             return "Command protected";
         case ErrorCode::DataOutOfRange:
             return "Data out of range";
+        case ErrorCode::TooMuchData:
+            return "Too much data";
         case ErrorCode::IllegalParameterValue:
             return "Illegal parameter value";
         case ErrorCode::QueueOverflow:
@@ -46,7 +114,7 @@ std::string ErrorEntry::format() const {
     std::string text = errorText(code);
     if (!detail.empty()) {
         text += ';';
-        text += detail;
+        text += escapeDetail(detail);
     }
     return std::to_string(static_cast<int>(code)) + ',' + quoted(text);
 }

@@ -31,7 +31,7 @@ public:
     }
 
     /** Reads the header into `command`; `rooted` tells whether it started with ':'. */
-    std::optional<ErrorEntry> readHeader(Command& command, bool& rooted) {
+    std::optional<ErrorEntry> readHeader(Command& command, bool& rooted, std::size_t maxMnemonics) {
         rooted = false;
         // A colon before a common command is tolerated: clients join commands with ";:".
         if (line_[pos_] == ':' && pos_ + 1 < line_.size() && line_[pos_ + 1] == '*') {
@@ -64,6 +64,11 @@ public:
             while (pos_ < line_.size() && isMnemonicChar(line_[pos_])) {
                 ++pos_;
             }
+            if (command.mnemonics.size() >= maxMnemonics) {
+                return ErrorEntry{
+                    ErrorCode::TooMuchData,
+                    "more than " + std::to_string(maxMnemonics) + " mnemonics in a header"};
+            }
             command.mnemonics.emplace_back(line_.substr(start, pos_ - start));
             if (pos_ < line_.size() && line_[pos_] == ':') {
                 ++pos_;
@@ -73,7 +78,7 @@ public:
         }
     }
 
-    std::optional<ErrorEntry> readParameters(Command& command) {
+    std::optional<ErrorEntry> readParameters(Command& command, std::size_t maxParameters) {
         skipBlanks();
         if (atCommandEnd()) {
             return std::nullopt;
@@ -106,6 +111,10 @@ public:
                         ErrorCode::MissingParameter,
                         "empty parameter " + std::to_string(command.parameters.size() + 1)};
                 }
+            }
+            if (command.parameters.size() >= maxParameters) {
+                return ErrorEntry{ErrorCode::TooMuchData,
+                                  "more than " + std::to_string(maxParameters) + " parameters"};
             }
             command.parameters.push_back(std::move(parameter));
             if (atCommandEnd()) {
@@ -162,20 +171,39 @@ bool Parameter::operator==(Parameter const& other) const {
 
 std::string Command::header() const {
     std::string text;
-    for (auto const& mnemonic : mnemonics) {
+    for (auto const& mnemonic : fullPath()) {
         text += (text.empty() ? "" : ":") + mnemonic;
     }
     return query ? text + '?' : text;
 }
 
-ParsedLine parseLine(std::string_view line) {
+std::vector<std::string> Command::fullPath() const {
+    std::vector<std::string> result;
+    if (path) {
+        result.reserve(path->size() + mnemonics.size());
+        result.insert(result.end(), path->begin(), path->end());
+    }
+    result.insert(result.end(), mnemonics.begin(), mnemonics.end());
+    return result;
+}
+
+ParsedLine parseLine(std::string_view line, ParseLimits const& limits) {
     if (!line.empty() && line.back() == '\r') {
         line.remove_suffix(1);
     }
     ParsedLine parsed;
-    std::vector<std::string> path;  // the path that a relative header continues
+    SharedPath path;  // the path that a relative header continues; shared, never copied per command
     std::size_t pos = 0;
+    std::size_t seen = 0;  // commands on the line so far, empty ones included
+    auto tooMuch = [&parsed](std::string detail) {
+        parsed.error = ErrorEntry{ErrorCode::TooMuchData, std::move(detail)};
+        return parsed;
+    };
     while (pos <= line.size()) {
+        if (++seen > limits.maxCommands) {
+            return tooMuch("more than " + std::to_string(limits.maxCommands) +
+                           " commands on one line");
+        }
         CommandReader reader(line, pos);
         reader.skipBlanks();
         if (reader.atCommandEnd()) {
@@ -184,20 +212,35 @@ ParsedLine parseLine(std::string_view line) {
         }
         Command command;
         bool rooted = false;
-        std::optional<ErrorEntry> error = reader.readHeader(command, rooted);
+        std::optional<ErrorEntry> error = reader.readHeader(command, rooted, limits.maxMnemonics);
         if (!error) {
-            error = reader.readParameters(command);
+            error = reader.readParameters(command, limits.maxParameters);
         }
         if (error) {
             parsed.error = std::move(error);
             return parsed;
         }
         if (!command.common) {
-            if (!rooted && !path.empty()) {
-                command.mnemonics.insert(command.mnemonics.begin(), path.begin(), path.end());
-                command.inherited = path.size();
+            if (!rooted && path && !path->empty()) {
+                command.path = path;
+                command.inherited = path->size();
             }
-            path.assign(command.mnemonics.begin(), command.mnemonics.end() - 1);
+            if (command.inherited + command.mnemonics.size() > limits.maxMnemonics) {
+                return tooMuch("more than " + std::to_string(limits.maxMnemonics) +
+                               " mnemonics in a header");
+            }
+            if (command.mnemonics.size() > 1) {
+                // The next relative header continues this one's path without its last mnemonic.
+                auto next = std::make_shared<std::vector<std::string>>();
+                next->reserve(command.inherited + command.mnemonics.size() - 1);
+                if (command.path) {
+                    next->insert(next->end(), command.path->begin(), command.path->end());
+                }
+                next->insert(next->end(), command.mnemonics.begin(), command.mnemonics.end() - 1);
+                path = std::move(next);
+            } else if (rooted || !command.path) {
+                path.reset();
+            }
         }
         parsed.commands.push_back(std::move(command));
         pos = reader.position() + 1;
@@ -209,7 +252,7 @@ ParsedParameters parseParameters(std::string_view text) {
     CommandReader reader(text, 0);
     Command command;
     ParsedParameters parsed;
-    parsed.error = reader.readParameters(command);
+    parsed.error = reader.readParameters(command, ParseLimits{}.maxParameters);
     parsed.parameters = std::move(command.parameters);
     return parsed;
 }

@@ -11,7 +11,7 @@
 
 namespace yxfrontpanel::runtime {
 
-SocketAddress resolve(Endpoint const& endpoint, bool passive) {
+std::vector<SocketAddress> resolveAll(Endpoint const& endpoint, bool passive) {
     SocketAddress address;
     if (endpoint.kind == Endpoint::Kind::Unix) {
         sockaddr_un unixAddress{};
@@ -19,7 +19,7 @@ SocketAddress resolve(Endpoint const& endpoint, bool passive) {
         std::strncpy(unixAddress.sun_path, endpoint.path.c_str(), sizeof(unixAddress.sun_path) - 1);
         std::memcpy(&address.storage, &unixAddress, sizeof(unixAddress));
         address.length = sizeof(unixAddress);
-        return address;
+        return {address};
     }
     addrinfo hints{};
     hints.ai_family = AF_UNSPEC;
@@ -33,10 +33,21 @@ SocketAddress resolve(Endpoint const& endpoint, bool passive) {
             std::make_error_code(std::errc::host_unreachable),
             "cannot resolve " + endpoint.toString() + ": " + ::gai_strerror(status));
     }
-    std::memcpy(&address.storage, found->ai_addr, found->ai_addrlen);
-    address.length = found->ai_addrlen;
+    std::vector<SocketAddress> result;
+    for (addrinfo const* entry = found; entry != nullptr; entry = entry->ai_next) {
+        if (entry->ai_addrlen > sizeof(address.storage)) {
+            continue;
+        }
+        std::memcpy(&address.storage, entry->ai_addr, entry->ai_addrlen);
+        address.length = entry->ai_addrlen;
+        result.push_back(address);
+    }
     ::freeaddrinfo(found);
-    return address;
+    if (result.empty()) {
+        throw std::system_error(std::make_error_code(std::errc::host_unreachable),
+                                "cannot resolve " + endpoint.toString());
+    }
+    return result;
 }
 
 std::string describe(SocketAddress const& address, std::string const& unixName) {

@@ -3,6 +3,7 @@
 #include <yxfrontpanel/runtime/remote_endpoint.h>
 
 #include <string>
+#include <vector>
 
 #include <sys/socket.h>
 
@@ -18,9 +19,10 @@ struct SocketAddress {
     int family() const { return storage.ss_family; }
 };
 
-/** The socket address of `endpoint` (the first one a host name resolves to; `passive` for
- *  listening). @throws std::system_error naming the endpoint when it does not resolve. */
-SocketAddress resolve(Endpoint const& endpoint, bool passive);
+/** Every socket address `endpoint` resolves to, in the resolver's order (one for a Unix-domain
+ *  endpoint; `passive` for listening). Never empty. @throws std::system_error naming the endpoint
+ * when it does not resolve. */
+std::vector<SocketAddress> resolveAll(Endpoint const& endpoint, bool passive);
 
 /** "127.0.0.1:5025", "[::1]:5025" for an IP address; `unixName` for a Unix-domain one (whose
  *  peers have no name of their own). */

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -185,6 +186,50 @@ TEST(ErrorQueueTest, OverflowReplacesTheNewestEntry) {
 TEST(ErrorQueueTest, DetailQuotesAreDoubled) {
     EXPECT_EQ((ErrorEntry{ErrorCode::IllegalParameterValue, "no item \"x\""}.format()),
               R"(-224,"Illegal parameter value;no item ""x""")");
+}
+
+}  // namespace
+
+namespace {
+
+using namespace yxfrontpanel::runtime::scpi;
+
+TEST(CommandTableRangeTest, TwoToTheSixtyThirdIsOutOfRangeForAWholeNumber) {
+    CommandTable table;
+    Session session;
+    long count = 0;
+    table.add(
+        "TEST:COUNt", [&count](Request& request) { count = request.integer(0); }, 1, 1);
+    // 9223372036854775807 is 2^63 - 1, which a double rounds up to 2^63.
+    for (char const* line : {"TEST:COUN 9223372036854775808", "TEST:COUN 9223372036854775807",
+                             "TEST:COUN 1e19", "TEST:COUN -9.3e18"}) {
+        yxfp_test::runLine(table, session, line);
+        EXPECT_EQ(session.errors.pop().code, ErrorCode::DataTypeError) << line;
+    }
+    yxfp_test::runLine(table, session, "TEST:COUN -9223372036854775808");
+    EXPECT_EQ(session.errors.pop().code, ErrorCode::NoError);
+    EXPECT_EQ(count, std::numeric_limits<long>::min());
+}
+
+TEST(CommandTableThrowTest, AHandlerThrowingANonStandardExceptionGivesAnExecutionError) {
+    CommandTable table;
+    Session session;
+    table.add("BOOM", [](Request& /*request*/) { throw 42; });
+    std::vector<std::string> const responses = yxfp_test::runLine(table, session, "BOOM;*OPC?");
+    (void)responses;
+    ErrorEntry const error = session.errors.pop();
+    EXPECT_EQ(error.code, ErrorCode::ExecutionError);
+    EXPECT_EQ(error.format(), R"(-200,"Execution error;the command failed")");
+}
+
+TEST(ErrorEntryTest, DetailsShowControlBytesAndInvalidUtf8Escaped) {
+    ErrorEntry const entry{
+        ErrorCode::UndefinedHeader,
+        std::string("A\0B\x1b[2J\xff\xc3\xa9\xe2\x82\xac\\\xed\xa0\x80\xc0\xaf", 19)};
+    EXPECT_EQ(entry.format(),
+              "-113,\"Undefined header;A\\x00B\\x1B[2J\\xFF\xc3\xa9\xe2\x82\xac\\\\\\xED\\xA0\\x80"
+              "\\xC0\\xAF\"");
+    EXPECT_EQ(escapeDetail("plain text, \xc3\xa4"), "plain text, \xc3\xa4");
 }
 
 }  // namespace

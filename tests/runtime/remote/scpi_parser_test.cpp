@@ -162,3 +162,66 @@ TEST(ScpiParserTest, ErrorsFormatAsNumberAndQuotedText) {
 }
 
 }  // namespace
+
+namespace {
+
+using yxfrontpanel::runtime::scpi::ParseLimits;
+
+TEST(ScpiParserLimitsTest, AHeaderWithTooManyMnemonicsEndsTheLine) {
+    ParsedLine const parsed = parseLine("*CLS;A:B:C:D:E:F:G:H:I:J:K:L:M;*OPC?");
+    EXPECT_EQ(headers(parsed), (std::vector<std::string>{"*CLS"}));
+    ASSERT_TRUE(parsed.error);
+    EXPECT_EQ(parsed.error->code, ErrorCode::TooMuchData);
+    EXPECT_EQ(parseLine("A:B:C:D:E:F:G:H:I:J:K:L").commands.size(), 1U);
+}
+
+// Relative headers cannot grow the path past the limit either.
+TEST(ScpiParserLimitsTest, RelativeHeadersCountTheirInheritedPath) {
+    ParseLimits limits;
+    limits.maxMnemonics = 3;
+    ParsedLine const parsed = parseLine("A:B;C:D;E:F", limits);
+    EXPECT_EQ(headers(parsed), (std::vector<std::string>{"A:B", "A:C:D"}));
+    ASSERT_TRUE(parsed.error);
+    EXPECT_EQ(parsed.error->code, ErrorCode::TooMuchData);
+}
+
+TEST(ScpiParserLimitsTest, ALineWithTooManyCommandsKeepsTheFirstAndEndsWithOneError) {
+    std::string line = "A";
+    for (int i = 0; i < 1999; ++i) {
+        line += ";A";
+    }
+    ParsedLine const parsed = parseLine(line);
+    EXPECT_EQ(parsed.commands.size(), ParseLimits{}.maxCommands);
+    ASSERT_TRUE(parsed.error);
+    EXPECT_EQ(parsed.error->format(), R"(-223,"Too much data;more than 64 commands on one line")");
+    // Empty commands count too: ";;;;" costs the parser as much as commands do.
+    EXPECT_TRUE(parseLine(std::string(100, ';')).error);
+}
+
+TEST(ScpiParserLimitsTest, ACommandWithTooManyParametersIsRefused) {
+    ParseLimits limits;
+    limits.maxParameters = 2;
+    ParsedLine const parsed = parseLine("*CLS;X 1,2,3", limits);
+    EXPECT_EQ(parsed.commands.size(), 1U);
+    ASSERT_TRUE(parsed.error);
+    EXPECT_EQ(parsed.error->code, ErrorCode::TooMuchData);
+    EXPECT_FALSE(parseLine("X 1,2", limits).error);
+}
+
+// The forty-line attack's lines: a deep header, then many relative ones. Their path is held
+// once and shared, not copied into every command.
+TEST(ScpiParserLimitsTest, RelativeHeadersShareTheirParentPath) {
+    ParsedLine const parsed = parseLine("SOUR:VOLT:LEV 1;CURR 2;PROT 3;:SYST:ERR?;KEY UP");
+    ASSERT_FALSE(parsed.error);
+    EXPECT_EQ(headers(parsed),
+              (std::vector<std::string>{"SOUR:VOLT:LEV", "SOUR:VOLT:CURR", "SOUR:VOLT:PROT",
+                                        "SYST:ERR?", "SYST:KEY"}));
+    ASSERT_TRUE(parsed.commands[1].path);
+    EXPECT_EQ(parsed.commands[1].path.get(), parsed.commands[2].path.get());
+    EXPECT_EQ(parsed.commands[1].mnemonics, (std::vector<std::string>{"CURR"}));
+    EXPECT_EQ(parsed.commands[2].fullPath(), (std::vector<std::string>{"SOUR", "VOLT", "PROT"}));
+    EXPECT_FALSE(parsed.commands[3].path);
+    EXPECT_EQ(*parsed.commands[4].path, (std::vector<std::string>{"SYST"}));
+}
+
+}  // namespace

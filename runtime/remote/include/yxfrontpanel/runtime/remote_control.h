@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -57,6 +58,11 @@ public:
     std::vector<std::string> addresses() const;
     /** The number of connected clients. */
     std::size_t clientCount() const;
+    /** Why the server's loop ended by itself (poll failed), if it did; also reported through
+     *  `RemoteServerOptions::onFailure`. */
+    std::optional<std::string> failure() const;
+    /** The server itself (null before `start`), for its counters. */
+    RemoteServer const* server() const { return server_.get(); }
 
 private:
     Panel& panel_;

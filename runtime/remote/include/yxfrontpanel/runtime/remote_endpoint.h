@@ -2,6 +2,7 @@
 
 #include <yxfrontpanel/runtime/export.h>
 
+#include <chrono>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -36,9 +37,12 @@ struct YXFP_RUNTIME_EXPORT Endpoint {
 YXFP_RUNTIME_EXPORT Endpoint parseEndpoint(std::string_view text);
 
 /** Opens a blocking stream socket connected to `endpoint` (close-on-exec); returns its
- *  descriptor, which the caller closes.
- *  @throws std::system_error naming the endpoint when the name does not resolve or the
- *  connection is refused. */
-YXFP_RUNTIME_EXPORT int connectTo(Endpoint const& endpoint);
+ *  descriptor, which the caller closes. Every address the host name resolves to is tried in
+ *  turn (`localhost` may give ::1 before 127.0.0.1); the connection attempts together take at
+ *  most `timeout` (zero or negative: no limit).
+ *  @throws std::system_error naming the endpoint when the name does not resolve, or no address
+ *  accepts the connection in time (the last address's error; timed_out when time ran out). */
+YXFP_RUNTIME_EXPORT int connectTo(Endpoint const& endpoint,
+                                  std::chrono::milliseconds timeout = std::chrono::seconds{30});
 
 }  // namespace yxfrontpanel::runtime

@@ -1,13 +1,16 @@
 #pragma once
 
 #include <yxfrontpanel/runtime/clock.h>
+#include <yxfrontpanel/runtime/connection_policy.h>
 #include <yxfrontpanel/runtime/export.h>
 #include <yxfrontpanel/runtime/scpi_commands.h>
+#include <yxfrontpanel/runtime/scpi_parser.h>
 
 #include <chrono>
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,21 +28,35 @@ struct RemoteServerOptions {
     /** How long after a failed authentication the connection is closed; meanwhile the error
      *  line is sent and nothing more is read. 1 s by default. */
     std::chrono::milliseconds authFailureDelay{1000};
-    /** Further clients are refused (closed at once, and logged). */
-    std::size_t maxClients = 8;
+    /** Client quotas per listener (a Unix socket has its own), the login deadline, the idle
+     *  timeout, TCP keepalive, the pause on running out of descriptors and the longest token.
+     *  Clients beyond a quota are refused (closed at once, and logged). */
+    ConnectionPolicyOptions policy;
+    /** What one line may hold (commands, mnemonics per header, parameters); a line beyond
+     *  them runs the commands before the offending one, then queues "Too much data". */
+    scpi::ParseLimits parseLimits;
     /** A longer line is discarded and "Input buffer overrun" is queued. */
     std::size_t maxLineBytes = 4096;
+    /** Permissions of the Unix socket files (before the umask is applied: the mode is set
+     *  with chmod after binding). */
+    unsigned unixSocketMode = 0660;
     /** A client whose unsent responses pass this size (it sends without reading) is
      *  disconnected. */
     std::size_t maxOutputBytes = std::size_t{256} * 1024;
-    /** Lines waiting for the panel per client; beyond this the server stops reading from that
-     *  client until the panel has caught up, so a fast client cannot flood the panel. */
-    std::size_t maxPendingLines = 256;
+    /** Memory of one client's parsed commands waiting for the panel (their bytes plus a fixed
+     *  charge per command, mnemonic and parameter). Past half of it the server stops reading
+     *  from that client until the panel has caught up; a client whose lines in one read push
+     *  it past the whole of it is disconnected. */
+    std::size_t maxPendingBytes = std::size_t{512} * 1024;
     /** Most lines one turn of the panel's loop runs for one client before letting the panel
      *  serve its keys and other clients. */
     std::size_t linesPerTurn = 32;
-    /** The clock of the authentication delay; the steady clock when empty. */
+    /** The clock of the authentication delay, the login deadline, the idle timeout and the
+     *  listener's pause; the steady clock when empty. */
     std::shared_ptr<IClock> clock;
+    /** Called on the I/O thread when its loop ends because of an error (poll(2) failed), with
+     *  the reason; the server then serves nobody until it is made again. */
+    std::function<void(std::string const& reason)> onFailure;
 };
 
 /** A SCPI-style command server: accepts clients on TCP and Unix-domain sockets, reads their
@@ -59,10 +76,12 @@ public:
     using Executor = std::function<bool(std::function<void()>)>;
 
     /** Binds and listens on every address of `options.listen` (a stale Unix socket file is
-     *  replaced), but serves nobody until `start`. The table is shared with the tasks, so it
+     *  replaced; one a running server still answers on is not), but serves nobody until
+     *  `start`. The table is shared with the tasks, so it
      *  stays alive while any runs; do not change it after `start`.
-     *  @throws std::invalid_argument for an address that does not parse or an empty table or
-     *  executor; std::system_error naming the address when it cannot be bound. */
+     *  @throws std::invalid_argument for an address that does not parse, an empty table or
+     *  executor, or an access token longer than `policy.maxTokenBytes`; std::system_error
+     *  naming the address when it cannot be bound or another server answers on its socket. */
     RemoteServer(std::shared_ptr<scpi::CommandTable const> table, Executor executor,
                  RemoteServerOptions options);
     /** `stop`, then removes the Unix socket files it created. */
@@ -82,6 +101,14 @@ public:
     std::vector<std::string> addresses() const;
     /** The number of connected clients. Any thread. */
     std::size_t clientCount() const;
+    /** Why the I/O thread's loop ended by itself, if it did (see `onFailure`). Any thread. */
+    std::optional<std::string> failure() const;
+    /** The memory held by parsed lines waiting for the panel, over all clients, in the units
+     *  of `maxPendingBytes`; and the most any one client has held since the start. Any
+     *  thread; for tests and monitoring. */
+    std::size_t pendingBytes() const;
+    /** The most parsed-line memory one client has held at once since the start. */
+    std::size_t peakPendingBytes() const;
 
 private:
     class Impl;

@@ -7,6 +7,7 @@
 #include <mutex>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 namespace yxfrontpanel::runtime::scpi {
 
@@ -38,6 +39,8 @@ enum class ErrorCode : int {
     CommandProtected = -203,
     /** -222: a number outside the allowed range. */
     DataOutOfRange = -222,
+    /** -223: a line with more commands, mnemonics or parameters than the server accepts. */
+    TooMuchData = -223,
     /** -224: a value the target does not accept (unknown key, item or choice; bad address). */
     IllegalParameterValue = -224,
     /** -350: errors were lost because the queue was full. */
@@ -49,6 +52,11 @@ enum class ErrorCode : int {
 /** The standard text of `code` ("Undefined header"; "No error" for 0). Never throws except
  *  std::bad_alloc. */
 YXFP_RUNTIME_EXPORT std::string errorText(ErrorCode code);
+
+/** `text` safe to echo to a client or a log: printable ASCII and valid UTF-8 as they are, a
+ *  backslash doubled, control bytes and bytes of invalid UTF-8 as `\xNN`. Error details, which
+ *  may quote what a client sent, are written this way. */
+YXFP_RUNTIME_EXPORT std::string escapeDetail(std::string_view text);
 
 /** One entry of an error queue: the code and, optionally, a detail that names the offending
  *  header, parameter or path. */

@@ -4,6 +4,7 @@
 #include <yxfrontpanel/runtime/scpi_error.h>
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -23,15 +24,24 @@ struct YXFP_RUNTIME_EXPORT Parameter {
     bool operator==(Parameter const& other) const;
 };
 
-/** One command of a command line, with its header resolved to the full path. */
+/** A path of mnemonics that relative headers continue; shared by every command that continues
+ *  it, so that a line of many relative headers holds the path once. */
+using SharedPath = std::shared_ptr<std::vector<std::string> const>;
+
+/** One command of a command line; its full header is the inherited path, then its own
+ *  mnemonics. */
 struct YXFP_RUNTIME_EXPORT Command {
-    /** The mnemonics from the root ("SYST", "KEY") as written (case kept); for a common
-     *  command the single mnemonic with its star ("*IDN"). */
+    /** The mnemonics as written in this command's header (case kept): from the root for a
+     *  header that starts there, after `path` for one that continues the previous command's
+     *  path; for a common command the single mnemonic with its star ("*IDN"). */
     std::vector<std::string> mnemonics;
+    /** The mnemonics this header continues (null for a header from the root); shared with
+     *  the other commands of the line that continue the same path. */
+    SharedPath path;
     /** A common command (`*IDN?`, `*CLS`). */
     bool common = false;
-    /** How many leading mnemonics came from the previous command's path (0 for a header
-     *  from the root). */
+    /** How many leading mnemonics of the full header came from the previous command's path
+     *  (0 for a header from the root): the size of `path`. */
     std::size_t inherited = 0;
     /** The header ended in '?'. */
     bool query = false;
@@ -40,6 +50,21 @@ struct YXFP_RUNTIME_EXPORT Command {
 
     /** The header as written after resolution, e.g. "SYST:KEY" or "*IDN?" (for messages). */
     std::string header() const;
+    /** The full header's mnemonics from the root: `path`, then `mnemonics`. */
+    std::vector<std::string> fullPath() const;
+};
+
+/** What one command line may hold. A line beyond a limit keeps the commands before the
+ *  offending one and ends with a "Too much data" error (-223); the rest is dropped. Together
+ *  with the line length they bound the work and memory of one line: at most `maxCommands`
+ *  commands, each matched against the table with at most `maxMnemonics` mnemonics. */
+struct YXFP_RUNTIME_EXPORT ParseLimits {
+    /** Most mnemonics in one header after resolution ("SOUR:VOLT:LEV" has 3). */
+    std::size_t maxMnemonics = 12;
+    /** Most commands on one line (empty ones between ';;' count too). */
+    std::size_t maxCommands = 64;
+    /** Most parameters of one command. */
+    std::size_t maxParameters = 32;
 };
 
 /** A parsed command line: the commands up to the first error, and that error (if any). The
@@ -63,10 +88,12 @@ struct YXFP_RUNTIME_EXPORT ParsedLine {
  * header and parameters; parameters are separated by ','. Errors: a character that cannot start a
  * header or parameter (-101), a malformed header (-102), a header not followed by a blank or the
  * end
- *  (-103), an empty parameter (-109) and an unterminated string (-151).
+ *  (-103), an empty parameter (-109), an unterminated string (-151) and a line beyond `limits`
+ *  (-223).
  *
  *  Pure function: no state, any thread, never throws except std::bad_alloc. */
-YXFP_RUNTIME_EXPORT ParsedLine parseLine(std::string_view line);
+YXFP_RUNTIME_EXPORT ParsedLine parseLine(std::string_view line,
+                                         ParseLimits const& limits = ParseLimits{});
 
 /** Parameters and how reading them ended. */
 struct YXFP_RUNTIME_EXPORT ParsedParameters {
