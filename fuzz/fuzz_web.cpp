@@ -41,14 +41,16 @@ void checkRequest(std::string_view bytes, WebAccess const& access) {
             break;
         case RequestKind::Resource:
             yxfp_fuzz::check(request.method == "GET" || request.method == "HEAD", "method");
-            yxfp_fuzz::check(originAllowed("http://" + request.header("host"), access.hosts),
+            yxfp_fuzz::check(access.hosts.allowsHost(request.header("host")),
                              "resource for an allowed host only");
             break;
         case RequestKind::Upgrade:
             yxfp_fuzz::check(request.path == kSocketPath, "upgrade only on the socket path");
-            yxfp_fuzz::check(originAllowed("http://" + request.header("host"), access.hosts),
+            yxfp_fuzz::check(access.hosts.allowsHost(request.header("host")),
                              "upgrade for an allowed host only");
-            yxfp_fuzz::check(!verdict.control || tokensEqual(presentedToken(request), access.token),
+            yxfp_fuzz::check(!verdict.control ||
+                                 yxfrontpanel::runtime::tokenMatches(
+                                     presentedToken(request), access.token, access.maxTokenLength),
                              "control only with the token");
             break;
     }
@@ -95,9 +97,8 @@ extern "C" int LLVMFuzzerTestOneInput(uint8_t const* data, size_t size) {
     }
     std::string_view const input(reinterpret_cast<char const*>(data) + 1, size - 1);
     std::size_t const split = std::min<std::size_t>(data[0] * 16U, input.size());
-    WebAccess access;
-    access.hosts = allowedHosts("127.0.0.1", 8080, {"panel.lab"});
-    access.token = "s3cret";
+    WebAccess const access{yxfrontpanel::runtime::HostAllowList("127.0.0.1", 8080, {"panel.lab"}),
+                           "s3cret"};
     checkRequest(input.substr(0, split), access);
     checkFrames(input.substr(split));
     (void)parseClientMessage(std::string(input));

@@ -9,11 +9,10 @@ namespace {
 
 using namespace yxfrontpanel::runtime::detail;
 
+using yxfrontpanel::runtime::HostAllowList;
+
 WebAccess access(std::string token = {}) {
-    WebAccess result;
-    result.hosts = allowedHosts("127.0.0.1", 8080, {"Panel.Lab"});
-    result.token = std::move(token);
-    return result;
+    return WebAccess{HostAllowList("127.0.0.1", 8080, {"Panel.Lab"}), std::move(token)};
 }
 
 HttpRequest parsed(std::string const& head) {
@@ -44,15 +43,6 @@ TEST(WebRequestTest, HeadIsIncompleteUntilTheBlankLineAndTooLargePastTheLimit) {
               HeadParse::Malformed);
     EXPECT_EQ(parseRequestHead("GET / SPDY/3\r\n\r\n", 4096, request, length),
               HeadParse::Malformed);
-}
-
-TEST(WebRequestTest, AllowedHostsAreTheAddressLoopbackAndConfiguredNamesWithThePort) {
-    EXPECT_EQ(
-        allowedHosts("::1", 80, {"Panel"}),
-        (std::vector<std::string>{"localhost:80", "localhost", "127.0.0.1:80", "127.0.0.1",
-                                  "[::1]:80", "[::1]", "[::1]:80", "[::1]", "panel:80", "panel"}));
-    EXPECT_EQ(allowedHosts("0.0.0.0", 9000, {}),
-              (std::vector<std::string>{"localhost:9000", "127.0.0.1:9000", "[::1]:9000"}));
 }
 
 TEST(WebRequestTest, ForeignHostIsMisdirectedForPagesAndUpgrades) {
@@ -142,14 +132,6 @@ TEST(WebRequestTest, TokenByHeaderOrQueryComparedWholeAndLimited) {
                            guarded)
                   .status,
               400);
-}
-
-TEST(WebRequestTest, TokensEqualOnlyWhenWhollyEqual) {
-    EXPECT_TRUE(tokensEqual("s3cret", "s3cret"));
-    EXPECT_FALSE(tokensEqual("s3cre", "s3cret"));
-    EXPECT_FALSE(tokensEqual("s3cretx", "s3cret"));
-    EXPECT_FALSE(tokensEqual("S3cret", "s3cret"));
-    EXPECT_FALSE(tokensEqual("", ""));
 }
 
 TEST(WebRequestTest, ResponsesCarryTheSecurityHeadersAndACompleteBody) {

@@ -88,11 +88,6 @@ std::string percentDecoded(std::string_view text) {
     return decoded;
 }
 
-bool isHostAllowed(std::string_view host, std::vector<std::string> const& hosts) {
-    std::string const lower = lowerCase(host);
-    return std::find(hosts.begin(), hosts.end(), lower) != hosts.end();
-}
-
 RequestVerdict refused(int status, std::string reason) {
     RequestVerdict verdict;
     verdict.status = status;
@@ -167,35 +162,6 @@ HeadParse parseRequestHead(std::string_view received, std::size_t limit, HttpReq
     return HeadParse::Complete;
 }
 
-std::vector<std::string> allowedHosts(std::string const& address, std::uint16_t port,
-                                      std::vector<std::string> const& names) {
-    std::vector<std::string> bare{"localhost", "127.0.0.1", "[::1]"};
-    if (address != "0.0.0.0" && address != "::" && !address.empty()) {
-        bare.push_back(address.find(':') != std::string::npos && address.front() != '['
-                           ? "[" + address + "]"
-                           : address);
-    }
-    bare.insert(bare.end(), names.begin(), names.end());
-    std::vector<std::string> hosts;
-    for (std::string const& name : bare) {
-        std::string const lower = lowerCase(name);
-        hosts.push_back(lower + ":" + std::to_string(port));
-        if (port == 80) {
-            hosts.push_back(lower);
-        }
-    }
-    return hosts;
-}
-
-bool originAllowed(std::string_view origin, std::vector<std::string> const& hosts) {
-    for (std::string_view const scheme : {"http://", "https://"}) {
-        if (origin.substr(0, scheme.size()) == scheme) {
-            return isHostAllowed(origin.substr(scheme.size()), hosts);
-        }
-    }
-    return false;
-}
-
 std::string presentedToken(HttpRequest const& request) {
     std::string const authorization = request.header("authorization");
     if (lowerCase(authorization.substr(0, 7)) == "bearer ") {
@@ -216,21 +182,12 @@ std::string presentedToken(HttpRequest const& request) {
     return {};
 }
 
-bool tokensEqual(std::string_view presented, std::string_view expected) {
-    unsigned difference = presented.size() == expected.size() ? 0U : 1U;
-    for (std::size_t index = 0; index < presented.size(); ++index) {
-        char const other = expected.empty() ? '\0' : expected[index % expected.size()];
-        difference |= static_cast<unsigned char>(presented[index] ^ other);
-    }
-    return difference == 0 && !expected.empty();
-}
-
 RequestVerdict checkRequest(HttpRequest const& request, WebAccess const& access) {
     if (request.headerCount("host") != 1) {
         return refused(400, "no single Host header");
     }
     std::string const host = request.header("host");
-    if (!isHostAllowed(host, access.hosts)) {
+    if (!access.hosts.allowsHost(host)) {
         return refused(421, "host " + host + " is not one this panel answers to");
     }
     if (request.method != "GET" && request.method != "HEAD") {
@@ -257,8 +214,7 @@ RequestVerdict checkRequest(HttpRequest const& request, WebAccess const& access)
     }
     // Browsers always send Origin; a page from another site must not drive the panel. Programs
     // that send none cannot be led by another site; the Host check above still holds for them.
-    if (request.headerCount("origin") > 0 &&
-        !originAllowed(request.header("origin"), access.hosts)) {
+    if (request.headerCount("origin") > 0 && !access.hosts.allowsOrigin(request.header("origin"))) {
         return refused(403, "origin " + request.header("origin") + " is not a host of this panel");
     }
     std::string const token = presentedToken(request);
@@ -272,7 +228,7 @@ RequestVerdict checkRequest(HttpRequest const& request, WebAccess const& access)
     if (access.token.empty()) {
         verdict.control = true;
     } else if (!token.empty()) {
-        if (!tokensEqual(token, access.token)) {
+        if (!tokenMatches(token, access.token, access.maxTokenLength)) {
             return refused(403, "wrong token");
         }
         verdict.control = true;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <yxfrontpanel/runtime/connection_policy.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -36,20 +38,14 @@ enum class HeadParse {
 HeadParse parseRequestHead(std::string_view received, std::size_t limit, HttpRequest& request,
                            std::size_t& headLength);
 
-/** Who may reach the web panel and how: the Host names it answers to (each as `name:port` in
- *  lower case, IPv6 addresses in brackets) and the access token (empty: none). */
+/** Who may reach the web panel and how: the Host names it answers to and the access token
+ *  (empty: none). */
 struct WebAccess {
-    std::vector<std::string> hosts;
+    HostAllowList hosts;
     std::string token;
     /** Presented tokens longer than this are refused, never cut. */
-    std::size_t maxTokenLength = 256;
+    std::size_t maxTokenLength = ConnectionPolicyOptions{}.maxTokenBytes;
 };
-
-/** The Host names a server on `address`:`port` answers to: that address, `localhost`,
- *  `127.0.0.1`, `[::1]` and each of `names`, all with the port (and also without it on port
- *  80). The wildcard addresses (0.0.0.0, ::) name no host and are left out. */
-std::vector<std::string> allowedHosts(std::string const& address, std::uint16_t port,
-                                      std::vector<std::string> const& names);
 
 /** What the server does with a request. */
 enum class RequestKind {
@@ -77,15 +73,9 @@ inline constexpr std::string_view kSocketPath = "/panel";
  *  wrong one 403. A page without the token (when one is set) may only watch. */
 RequestVerdict checkRequest(HttpRequest const& request, WebAccess const& access);
 
-/** True when `origin` (an Origin header value) names one of `hosts` over http or https. */
-bool originAllowed(std::string_view origin, std::vector<std::string> const& hosts);
-
 /** The token a request presents: `Authorization: Bearer TOKEN` first, else the query's
  *  `token=` (percent-decoded); empty when none. */
 std::string presentedToken(HttpRequest const& request);
-
-/** Whether `presented` equals `expected`, in a time that depends only on their lengths. */
-bool tokensEqual(std::string_view presented, std::string_view expected);
 
 /** The reason phrase of an HTTP status this server sends. */
 std::string_view statusText(int status);

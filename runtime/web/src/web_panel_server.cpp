@@ -1,5 +1,6 @@
 #include <yxbase2/log.h>
 #include <yxfrontpanel/menu_tree.h>
+#include <yxfrontpanel/runtime/connection_policy.h>
 #include <yxfrontpanel/runtime/web_panel.h>
 
 #include <algorithm>
@@ -144,6 +145,7 @@ public:
                 "web panel: listening on " + options_.address +
                 " needs an access token; without one any page on the network could press keys");
         }
+        checkAccessToken(options_.accessToken, policy_);
         lws_set_log_level(LLL_ERR, logFromLibwebsockets);
         protocols_[0] = lws_protocols{kProtocolName, &Impl::callback, 0, 0, 0, nullptr, 0};
         protocols_[1] = lws_protocols{nullptr, nullptr, 0, 0, 0, nullptr, 0};
@@ -169,7 +171,7 @@ public:
         lws_vhost* vhost = lws_get_vhost_by_name(context_, "default");
         int const bound = vhost != nullptr ? lws_get_vhost_listen_port(vhost) : 0;
         port_ = static_cast<std::uint16_t>(bound > 0 ? bound : options_.port);
-        access_.hosts = detail::allowedHosts(options_.address, port_, options_.hostNames);
+        access_.hosts = HostAllowList(options_.address, port_, options_.hostNames);
         access_.token = options_.accessToken;
         link_->context = context_;
 
@@ -272,7 +274,9 @@ private:
 
     void adopt(lws* wsi) {
         int const sendBuffer = kSendBuffer;
-        setsockopt(lws_get_socket_fd(wsi), SOL_SOCKET, SO_SNDBUF, &sendBuffer, sizeof sendBuffer);
+        int const descriptor = lws_get_socket_fd(wsi);
+        setsockopt(descriptor, SOL_SOCKET, SO_SNDBUF, &sendBuffer, sizeof sendBuffer);
+        applyTcpOptions(descriptor, policy_);  // keepalive: a page whose host vanished is noticed
         Session& session = sessions_[wsi];
         session.peer = peerOf(wsi);
         lws_set_timeout(wsi, PENDING_TIMEOUT_USER_OK, kRequestSeconds);
@@ -447,8 +451,7 @@ private:
             case detail::ClientMessage::Kind::Token:
                 if (access_.token.empty() || session.control) {
                     ignore(session, "a token it does not need");
-                } else if (message.token.size() > access_.maxTokenLength ||
-                           !detail::tokensEqual(message.token, access_.token)) {
+                } else if (!tokenMatches(message.token, access_.token, access_.maxTokenLength)) {
                     fail(session, 1008, "wrong token");
                 } else {
                     session.control = true;
@@ -568,7 +571,8 @@ private:
     Panel& panel_;
     WebPanelOptions options_;
     std::shared_ptr<PanelLink> link_;
-    detail::WebAccess access_;
+    ConnectionPolicyOptions policy_;
+    detail::WebAccess access_{HostAllowList("127.0.0.1", 0, {}), {}};
     lws_protocols protocols_[2]{};
     lws_context* context_ = nullptr;
     std::uint16_t port_ = 0;
