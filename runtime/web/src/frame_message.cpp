@@ -63,7 +63,9 @@ ClientMessage parseClientMessage(std::string const& message) {
     if (!parsed.is_object() || parsed.size() != 1) {
         return result;
     }
-    auto const& [name, value] = *parsed.items().begin();
+    auto const member = parsed.begin();  // the key lives in the iterator, not in a copy
+    std::string const& name = member.key();
+    nlohmann::json const& value = member.value();
     if (!value.is_string()) {
         return result;
     }
