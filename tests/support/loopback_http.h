@@ -20,9 +20,16 @@ namespace yxfp_test {
  *  waits at most the given timeout, so a test never hangs. */
 class LoopbackConnection {
 public:
-    explicit LoopbackConnection(std::uint16_t port) : socket_(::socket(AF_INET, SOCK_STREAM, 0)) {
+    /** Connects to `port`; a `receiveBuffer` other than 0 sets the socket's receive buffer
+     *  (bytes) first, for tests of clients that stop reading. Requests name the host
+     *  `127.0.0.1:port` until `setHost` names another. */
+    explicit LoopbackConnection(std::uint16_t port, int receiveBuffer = 0)
+        : socket_(::socket(AF_INET, SOCK_STREAM, 0)), host_("127.0.0.1:" + std::to_string(port)) {
         if (socket_ < 0) {
             throw std::runtime_error("socket failed");
+        }
+        if (receiveBuffer > 0) {
+            ::setsockopt(socket_, SOL_SOCKET, SO_RCVBUF, &receiveBuffer, sizeof receiveBuffer);
         }
         sockaddr_in address{};
         address.sin_family = AF_INET;
@@ -36,6 +43,9 @@ public:
     ~LoopbackConnection() { ::close(socket_); }
     LoopbackConnection(LoopbackConnection const&) = delete;
     LoopbackConnection& operator=(LoopbackConnection const&) = delete;
+
+    /** The Host header of the following requests. */
+    void setHost(std::string host) { host_ = std::move(host); }
 
     /** Sends all of `bytes`; false when the peer closed. */
     bool send(std::string const& bytes) {
@@ -77,16 +87,18 @@ public:
 
     /** An HTTP/1.1 GET of `path`; returns the response head and as much body as came. */
     std::string get(std::string const& path, std::string const& extraHeaders = {}) {
-        send("GET " + path + " HTTP/1.1\r\nHost: 127.0.0.1\r\nConnection: close\r\n" +
+        send("GET " + path + " HTTP/1.1\r\nHost: " + host_ + "\r\nConnection: close\r\n" +
              extraHeaders + "\r\n");
         return readAll();
     }
 
-    /** The WebSocket opening handshake on `path`; returns the server's response head. */
-    std::string upgrade(std::string const& path, std::string const& origin = {}) {
+    /** The WebSocket opening handshake on `path` (with `extraHeaders`, each ending in CRLF);
+     *  returns the server's response head. */
+    std::string upgrade(std::string const& path, std::string const& origin = {},
+                        std::string const& extraHeaders = {}) {
         std::string request =
-            "GET " + path +
-            " HTTP/1.1\r\nHost: 127.0.0.1\r\nUpgrade: websocket\r\n"
+            "GET " + path + " HTTP/1.1\r\nHost: " + host_ + "\r\n" + extraHeaders +
+            "Upgrade: websocket\r\n"
             "Connection: Upgrade\r\nSec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\n"
             "Sec-WebSocket-Version: 13\r\n";
         if (!origin.empty()) {
@@ -179,6 +191,7 @@ private:
     }
 
     int socket_;
+    std::string host_;
     std::string buffer_;
 };
 

@@ -127,3 +127,17 @@ TEST(SimOptionsTest, HelpIsRecognisedAndExplainsEveryOption) {
 }
 
 }  // namespace
+
+namespace {
+
+// --web-host names further hosts of the web panel; it is repeatable and needs --web.
+TEST(SimOptionsTest, WebHostIsRepeatableAndNeedsWeb) {
+    auto const options =
+        parseOptions({"--web", "127.0.0.1:0", "--web-host", "panel.lab", "--web-host", "bench"});
+    EXPECT_EQ(options.webHosts, (std::vector<std::string>{"panel.lab", "bench"}));
+    EXPECT_EQ(problemWith({"--web-host", "panel.lab"}), "--web-host needs --web");
+    EXPECT_EQ(problemWith({"--web", "127.0.0.1:0", "--web-host", "a b"}),
+              "--web-host needs a host name such as panel.lab");
+}
+
+}  // namespace

@@ -93,9 +93,9 @@ async function screenByScpi(port) {
   return [...line.matchAll(/"((?:[^"]|"")*)"/g)].map((match) => match[1].replaceAll('""', '"'));
 }
 
-async function openPage(port, query = "") {
+async function openPage(port, query = "", host = "127.0.0.1") {
   const page = await browser.newPage();
-  await page.goto(`http://127.0.0.1:${port}/${query}`);
+  await page.goto(`http://${host}:${port}/${query}`);
   await page.waitForSelector("#lcd .line");
   return page;
 }
@@ -251,6 +251,34 @@ test("a read-only viewer's clicks do nothing", async () => {
     await shoot(viewer, "read-only-viewer");
     await viewer.close();
     await controller.close();
+  } finally {
+    await stopSimulator(sim);
+  }
+});
+
+test("the page works under localhost and keeps to its Content-Security-Policy", async () => {
+  const sim = await startSimulator(["--web-token", "s3cret"]);
+  try {
+    const page = await browser.newPage();
+    const problems = [];
+    page.on("console", (message) => {
+      if (message.type() === "error") {
+        problems.push(message.text());
+      }
+    });
+    page.on("pageerror", (error) => problems.push(error.message));
+    const response = await page.goto(`http://localhost:${sim.web}/?token=s3cret`);
+    assert.equal(response.headers()["x-frame-options"], "DENY");
+    assert.match(response.headers()["content-security-policy"], /default-src 'none'/);
+    await page.waitForSelector("#lcd .line");
+    // The token reaches the server in the socket's first message, not in the socket's URL.
+    await page.waitForFunction(() => document.querySelector("#role").textContent === "control");
+    await page.click('button[data-key="down"]');
+    await page.waitForFunction(() => document.querySelectorAll("#lcd .line")[1]
+      .querySelector(".inv") !== null);
+    assert.deepEqual(problems, []);
+    await shoot(page, "localhost");
+    await page.close();
   } finally {
     await stopSimulator(sim);
   }

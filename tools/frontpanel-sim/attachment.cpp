@@ -40,7 +40,8 @@ Attachments attachmentsFor(SimOptions const& options) {
 #endif
 #if YXFP_HAS_WEB && YXFP_HAS_REMOTE
     if (options.web) {
-        attachments.push_back(std::make_unique<WebAttachment>(*options.web, options.webToken));
+        attachments.push_back(
+            std::make_unique<WebAttachment>(*options.web, options.webToken, options.webHosts));
     }
 #endif
     if (!options.inputs.empty()) {

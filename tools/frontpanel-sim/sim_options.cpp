@@ -198,6 +198,12 @@ SimOptions parseOptions(std::vector<std::string> const& arguments) {
             if (options.webToken.empty()) {
                 throw UsageError("--web-token needs a token that is not empty");
             }
+        } else if (name == "--web-host") {
+            options.webHosts.push_back(reader.takeValue());
+            if (options.webHosts.back().empty() ||
+                options.webHosts.back().find_first_of(" /\t") != std::string::npos) {
+                throw UsageError("--web-host needs a host name such as panel.lab");
+            }
         } else if (name == "--input") {
             options.inputs.push_back(parseInputOption(reader.takeValue()));
         } else {
@@ -226,6 +232,9 @@ SimOptions parseOptions(std::vector<std::string> const& arguments) {
     if (!options.webToken.empty() && !options.web) {
         throw UsageError("--web-token needs --web");
     }
+    if (!options.webHosts.empty() && !options.web) {
+        throw UsageError("--web-host needs --web");
+    }
     if (options.headless && options.keyScript) {
         throw UsageError(
             "--headless runs until stopped; a key script runs headless already, "
@@ -240,7 +249,8 @@ std::string usage() {
            "                      [--headless] [--display DISPLAY] [--font FONT]\n"
            "                      [--input evdev:PATH[:...] | gpio:CHIP:LINES]...\n"
            "                      [--listen HOST:PORT|unix:PATH]...\n"
-           "                      [--web HOST:PORT [--web-token TOKEN]] [--help]\n"
+           "                      [--web HOST:PORT [--web-token TOKEN] [--web-host NAME]...]\n"
+           "                      [--help]\n"
            "\n"
            "Shows the front panel of a demo bench power supply, built with\n"
            "libYxFrontPanelToolbox, and lets you drive it with the keyboard.\n"
@@ -286,7 +296,11 @@ std::string usage() {
            "    --web HOST:PORT     serve the panel to browsers at http://HOST:PORT/\n"
            "                        (e.g. 127.0.0.1:8080; port 0 picks a free one)\n"
            "    --web-token TOKEN   only pages opened with ?token=TOKEN may press keys;\n"
-           "                        the others only watch\n"
+           "                        the others only watch; required when HOST is not a\n"
+           "                        loopback address\n"
+           "    --web-host NAME     a further host name browsers may use for the panel\n"
+           "                        (besides HOST, localhost, 127.0.0.1 and [::1]);\n"
+           "                        repeatable; requests for other names are refused\n"
            "    --help              show this help\n"
            "\n"
            "Key script words (separated by blanks or line ends; '#' starts a comment):\n" +

@@ -42,6 +42,8 @@ struct SimOptions {
     std::optional<Endpoint> web;
     /** --web-token: pages that do not present it only watch. */
     std::string webToken;
+    /** --web-host: further host names the web panel answers to. */
+    std::vector<std::string> webHosts;
     bool help = false;
 };
 

@@ -8,8 +8,11 @@
 
 namespace frontpanelsim {
 
-WebAttachment::WebAttachment(Endpoint endpoint, std::string accessToken)
-    : endpoint_(std::move(endpoint)), accessToken_(std::move(accessToken)) {}
+WebAttachment::WebAttachment(Endpoint endpoint, std::string accessToken,
+                             std::vector<std::string> hostNames)
+    : endpoint_(std::move(endpoint)),
+      accessToken_(std::move(accessToken)),
+      hostNames_(std::move(hostNames)) {}
 
 WebAttachment::~WebAttachment() = default;
 
@@ -18,6 +21,7 @@ void WebAttachment::attach(SimContext const& context) {
     options.address = endpoint_.host;
     options.port = endpoint_.port;
     options.accessToken = accessToken_;
+    options.hostNames = hostNames_;
     server_ = std::make_unique<yxfrontpanel::runtime::WebPanelServer>(context.panel, options);
     std::string const host =
         endpoint_.host.find(':') == std::string::npos ? endpoint_.host : "[" + endpoint_.host + "]";

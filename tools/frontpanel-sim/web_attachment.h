@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "attachment.h"
 #include "endpoint.h"
@@ -16,7 +17,8 @@ namespace frontpanelsim {
  *  error ("frontpanel-sim: web panel on http://HOST:PORT/"). */
 class WebAttachment : public Attachment {
 public:
-    WebAttachment(Endpoint endpoint, std::string accessToken);
+    /** Serves at `endpoint` with `accessToken` (may be empty) and the further `hostNames`. */
+    WebAttachment(Endpoint endpoint, std::string accessToken, std::vector<std::string> hostNames);
     ~WebAttachment() override;
 
     /** @throws std::runtime_error when the address cannot be served. */
@@ -28,6 +30,7 @@ public:
 private:
     Endpoint endpoint_;
     std::string accessToken_;
+    std::vector<std::string> hostNames_;
     std::unique_ptr<yxfrontpanel::runtime::WebPanelServer> server_;
 };
 

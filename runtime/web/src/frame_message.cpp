@@ -4,6 +4,8 @@
 
 #include <cstdio>
 
+#include <nlohmann/json.hpp>
+
 namespace yxfrontpanel::runtime::detail {
 
 std::string jsonString(std::string const& text) {
@@ -54,16 +56,36 @@ std::string helloMessage(bool control) {
     return std::string("{\"type\":\"hello\",\"control\":") + (control ? "true" : "false") + "}";
 }
 
-bool parseKeyMessage(std::string const& message, frontpanelhw::PanelKey& key) {
+ClientMessage parseClientMessage(std::string const& message) {
     using frontpanelhw::PanelKey;
+    ClientMessage result;
+    nlohmann::json const parsed = nlohmann::json::parse(message, nullptr, false);
+    if (!parsed.is_object() || parsed.size() != 1) {
+        return result;
+    }
+    auto const member = parsed.begin();  // the key lives in the iterator, not in a copy
+    std::string const& name = member.key();
+    nlohmann::json const& value = member.value();
+    if (!value.is_string()) {
+        return result;
+    }
+    std::string const& text = value.get_ref<std::string const&>();
+    if (name == "token") {
+        result.kind = ClientMessage::Kind::Token;
+        result.token = text;
+        return result;
+    }
+    if (name != "key") {
+        return result;
+    }
     for (PanelKey const candidate : {PanelKey::Up, PanelKey::Down, PanelKey::Left, PanelKey::Right,
                                      PanelKey::Enter, PanelKey::Back}) {
-        if (message == std::string("{\"key\":\"") + frontpanelhw::panelKeyName(candidate) + "\"}") {
-            key = candidate;
-            return true;
+        if (text == frontpanelhw::panelKeyName(candidate)) {
+            result.kind = ClientMessage::Kind::Key;
+            result.key = candidate;
         }
     }
-    return false;
+    return result;
 }
 
 }  // namespace yxfrontpanel::runtime::detail

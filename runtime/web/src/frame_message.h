@@ -18,9 +18,18 @@ std::string frameMessage(frontpanelhw::drawing::DisplayBuffer const& frame, bool
  *  {"type":"hello","control":true}. */
 std::string helloMessage(bool control);
 
-/** Reads the panel key a page's message names ({"key":"down"}) into `key`; false, leaving `key`
- *  alone, for any other message. */
-bool parseKeyMessage(std::string const& message, frontpanelhw::PanelKey& key);
+/** A message from a page, read as JSON (any valid spelling): a key press `{"key":"down"}` or
+ *  the access token `{"token":"..."}` as the first message. */
+struct ClientMessage {
+    enum class Kind { Other, Key, Token };
+    Kind kind = Kind::Other;
+    frontpanelhw::PanelKey key{};
+    std::string token;
+};
+
+/** Reads a page's message; `Kind::Other` for anything that is not a JSON object with one known
+ *  member of the right type. */
+ClientMessage parseClientMessage(std::string const& message);
 
 /** `text` as a JSON string literal, quotes included. */
 std::string jsonString(std::string const& text);

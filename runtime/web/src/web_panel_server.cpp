@@ -1,11 +1,14 @@
 #include <yxbase2/log.h>
 #include <yxfrontpanel/menu_tree.h>
+#include <yxfrontpanel/runtime/connection_policy.h>
 #include <yxfrontpanel/runtime/web_panel.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstring>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <sstream>
 #include <stdexcept>
@@ -14,8 +17,11 @@
 #include <vector>
 
 #include "frame_message.h"
+#include "http_request.h"
 #include "web_page.h"
+#include "websocket_stream.h"
 #include <libwebsockets.h>
+#include <sys/socket.h>
 
 namespace yxfrontpanel::runtime {
 
@@ -24,11 +30,23 @@ namespace {
 constexpr char const* kLogCategory = "libYxFrontPanelRuntime";
 constexpr int kWarning = 4;
 constexpr int kInfo = 6;
-// A page's messages are tiny ({"key":"enter"}); anything longer is not ours.
-constexpr std::size_t kLongestMessage = 256;
+constexpr int kDebug = 7;
+// A page's messages are tiny ({"key":"enter"}, a token); anything longer is not ours.
+constexpr std::size_t kLongestMessage = 512;
+// Request heads are a few hundred bytes; longer ones get 431.
+constexpr std::size_t kLongestHead = 4096;
+// Bytes a refused client may still send while its answer goes out before it is closed.
+constexpr std::size_t kDrainLimit = 1024 * 1024;
+// The kernel's send buffer per client: a few frames; a page that stops reading fills it soon.
+constexpr int kSendBuffer = 32 * 1024;
+// Seconds a client has for its request head (and a refused one to take its answer).
+constexpr int kRequestSeconds = 10;
+// Ignored messages logged per page; the rest are counted silently.
+constexpr unsigned kLoggedIgnoredMessages = 3;
 // How often the LOCAL/REMOTE state is compared while pages are open (a mode switch draws no
 // frame of its own).
 constexpr std::chrono::milliseconds kModeWatchPeriod{200};
+constexpr char const* kProtocolName = "yxfp-panel";
 
 void log(int level, std::string const& text) {
     std::ostringstream message;
@@ -44,33 +62,92 @@ extern "C" void logFromLibwebsockets(int /*level*/, char const* line) {
     log(kWarning, "web panel: " + text);
 }
 
-std::string header(lws* wsi, lws_token_indexes token) {
-    int const length = lws_hdr_total_length(wsi, token);
-    if (length <= 0) {
-        return {};
-    }
-    std::string value(static_cast<std::size_t>(length) + 1, '\0');
-    if (lws_hdr_copy(wsi, value.data(), length + 1, token) < 0) {
-        return {};
-    }
-    value.resize(static_cast<std::size_t>(length));
-    return value;
-}
-
 std::string peerOf(lws* wsi) {
     char name[128] = {};
     lws_get_peer_simple(wsi, name, sizeof name);
     return name;
 }
 
+bool isLoopback(std::string const& address) {
+    return address == "localhost" || address == "::1" || address == "[::1]" ||
+           address.rfind("127.", 0) == 0;
+}
+
+std::string acceptKey(std::string const& key) {
+    std::string const joined = key + "258EAFA5-E914-47DA-95CA-C5AB0DC85B11";
+    unsigned char digest[20];
+    lws_SHA1(reinterpret_cast<unsigned char const*>(joined.data()), joined.size(), digest);
+    char encoded[64] = {};
+    lws_b64_encode_string(reinterpret_cast<char const*>(digest), sizeof digest, encoded,
+                          sizeof encoded);
+    return encoded;
+}
+
+/** What the panel's thread and the server's thread share. The panel's listener and timers hold
+ *  it, so it lives until the panel lets go of them; `context` is null once the server is going,
+ *  and everything that uses the context does so under `mutex`, so a listener or timer running
+ *  while the server goes finishes before the context is destroyed. */
+struct PanelLink {
+    explicit PanelLink(Panel& panel) : panel(panel) {}
+
+    /** Panel's thread: encodes `frame` for the pages, unless none is open or it equals the last
+     *  one sent. */
+    void publish(frontpanelhw::drawing::DisplayBuffer const& frame) {
+        IMenuTree const* root = panel.root();
+        bool const local = root != nullptr && root->getLocal();
+        std::lock_guard<std::mutex> const lock(mutex);
+        if (context == nullptr || viewers.load() == 0) {
+            return;
+        }
+        std::string message = detail::frameMessage(frame, local);
+        shownLocal = local;
+        if (message == latestFrame) {
+            return;
+        }
+        latestFrame = std::move(message);
+        ++frameNumber;
+        lws_cancel_service(context);
+    }
+
+    /** Panel's thread: a mode switch draws no frame; publish the shown one when it changed. */
+    void watchMode() {
+        IMenuTree const* root = panel.root();
+        bool const local = root != nullptr && root->getLocal();
+        bool changed = false;
+        {
+            std::lock_guard<std::mutex> const lock(mutex);
+            changed = !latestFrame.empty() && local != shownLocal;
+        }
+        if (changed) {
+            publish(panel.shownFrame());
+        }
+    }
+
+    Panel& panel;
+    std::atomic<unsigned> viewers{0};
+    std::mutex mutex;
+    lws_context* context = nullptr;
+    std::string latestFrame;
+    std::uint64_t frameNumber = 0;
+    bool shownLocal = true;
+    std::size_t frameListener = 0;
+    bool listening = false;
+};
+
 }  // namespace
 
 class WebPanelServer::Impl {
 public:
-    Impl(Panel& panel, WebPanelOptions options) : panel_(panel), options_(std::move(options)) {
+    Impl(Panel& panel, WebPanelOptions options)
+        : panel_(panel), options_(std::move(options)), link_(std::make_shared<PanelLink>(panel)) {
+        if (!isLoopback(options_.address) && options_.accessToken.empty()) {
+            throw std::invalid_argument(
+                "web panel: listening on " + options_.address +
+                " needs an access token; without one any page on the network could press keys");
+        }
+        checkAccessToken(options_.accessToken, policy_);
         lws_set_log_level(LLL_ERR, logFromLibwebsockets);
-        protocols_[0] =
-            lws_protocols{"yxfp-panel", &Impl::callback, 0, kLongestMessage, 0, nullptr, 0};
+        protocols_[0] = lws_protocols{kProtocolName, &Impl::callback, 0, 0, 0, nullptr, 0};
         protocols_[1] = lws_protocols{nullptr, nullptr, 0, 0, 0, nullptr, 0};
 
         lws_context_creation_info info{};
@@ -78,8 +155,10 @@ public:
         info.iface = options_.address.c_str();
         info.protocols = protocols_;
         info.user = this;
-        info.max_http_header_data = 4096;
-        info.timeout_secs = 10;
+        info.options = LWS_SERVER_OPTION_ADOPT_APPLY_LISTEN_ACCEPT_CONFIG;
+        info.listen_accept_role = "raw-skt";
+        info.listen_accept_protocol = kProtocolName;
+        info.timeout_secs = kRequestSeconds;
         if (options_.address.find(':') == std::string::npos) {
             info.options |= LWS_SERVER_OPTION_DISABLE_IPV6;
         }
@@ -92,9 +171,19 @@ public:
         lws_vhost* vhost = lws_get_vhost_by_name(context_, "default");
         int const bound = vhost != nullptr ? lws_get_vhost_listen_port(vhost) : 0;
         port_ = static_cast<std::uint16_t>(bound > 0 ? bound : options_.port);
+        access_.hosts = HostAllowList(options_.address, port_, options_.hostNames);
+        access_.token = options_.accessToken;
+        link_->context = context_;
 
-        frameListener_ = panel_.addFrameListener(
-            [this](frontpanelhw::drawing::DisplayBuffer const& frame) { publishFrame(frame); });
+        // The panel's listeners are only touched on its thread: registered by posted work.
+        std::shared_ptr<PanelLink> const link = link_;
+        panel_.post([link] {
+            link->frameListener = link->panel.addFrameListener(
+                [link](frontpanelhw::drawing::DisplayBuffer const& frame) {
+                    link->publish(frame);
+                });
+            link->listening = true;
+        });
         thread_ = std::thread([this] {
             while (!stopping_.load()) {
                 lws_service(context_, 0);
@@ -105,58 +194,54 @@ public:
     }
 
     ~Impl() {
-        panel_.removeFrameListener(frameListener_);
         stopping_.store(true);
         lws_cancel_service(context_);
         thread_.join();
-        lws_context_destroy(context_);
-        std::lock_guard<std::mutex> const lock(mutex_);
         if (modeWatch_ != 0) {
             panel_.cancel(modeWatch_);
+            modeWatch_ = 0;
         }
+        {
+            // Waits for a listener or timer that is using the context right now.
+            std::lock_guard<std::mutex> const lock(link_->mutex);
+            link_->context = nullptr;
+        }
+        lws_context_destroy(context_);
+        std::shared_ptr<PanelLink> const link = link_;
+        panel_.post([link] {
+            if (link->listening) {
+                link->panel.removeFrameListener(link->frameListener);
+                link->listening = false;
+            }
+        });
     }
 
     Impl(Impl const&) = delete;
     Impl& operator=(Impl const&) = delete;
 
     std::uint16_t port() const { return port_; }
-    unsigned viewerCount() const { return viewers_.load(); }
+    unsigned viewerCount() const { return link_->viewers.load(); }
 
 private:
+    enum class State { Head, Socket, Closing };
+
     struct Session {
-        bool control = false;
-        bool helloSent = false;
-        std::uint64_t sentFrame = 0;
+        State state = State::Head;
         std::string received;
+        std::string outgoing;
+        detail::WebSocketReader reader{kLongestMessage};
+        bool viewer = false;
+        bool control = false;
+        bool closeAfterWrite = false;
+        // A WebSocket that sent or got a close frame: the connection ends once it is out.
+        bool hangUp = false;
+        std::uint64_t sentFrame = 0;
+        bool waiting = false;
+        IClock::TimePoint waitingSince{};
+        std::size_t drained = 0;
+        unsigned ignoredMessages = 0;
+        std::string peer;
     };
-
-    // --- panel's thread ---
-
-    void publishFrame(frontpanelhw::drawing::DisplayBuffer const& frame) {
-        IMenuTree const* root = panel_.root();
-        bool const local = root != nullptr && root->getLocal();
-        std::string message = detail::frameMessage(frame, local);
-        {
-            std::lock_guard<std::mutex> const lock(mutex_);
-            shownLocal_ = local;
-            latestFrame_ = std::move(message);
-            ++frameNumber_;
-        }
-        lws_cancel_service(context_);
-    }
-
-    void watchMode() {
-        IMenuTree const* root = panel_.root();
-        bool const local = root != nullptr && root->getLocal();
-        bool changed = false;
-        {
-            std::lock_guard<std::mutex> const lock(mutex_);
-            changed = frameNumber_ > 0 && local != shownLocal_;
-        }
-        if (changed) {
-            publishFrame(panel_.shownFrame());
-        }
-    }
 
     // --- server's thread ---
 
@@ -167,190 +252,337 @@ private:
             return 0;
         }
         switch (reason) {
-            case LWS_CALLBACK_HTTP:
-                return self->serveHttp(wsi, static_cast<char const*>(in));
-            case LWS_CALLBACK_HTTP_WRITEABLE:
-                return self->writePage(wsi);
-            case LWS_CALLBACK_FILTER_PROTOCOL_CONNECTION:
-                return self->admit(wsi) ? 0 : 1;
-            case LWS_CALLBACK_ESTABLISHED:
-                self->open(wsi);
+            case LWS_CALLBACK_RAW_ADOPT:
+                self->adopt(wsi);
                 return 0;
-            case LWS_CALLBACK_SERVER_WRITEABLE:
-                return self->writeFrame(wsi);
-            case LWS_CALLBACK_RECEIVE:
+            case LWS_CALLBACK_RAW_RX:
                 return self->receive(wsi, static_cast<char const*>(in), length);
-            case LWS_CALLBACK_CLOSED:
-                self->close(wsi);
+            case LWS_CALLBACK_RAW_WRITEABLE:
+                return self->writeable(wsi);
+            case LWS_CALLBACK_RAW_CLOSE:
+                self->closed(wsi);
                 return 0;
             case LWS_CALLBACK_EVENT_WAIT_CANCELLED:
                 if (!self->stopping_.load()) {
-                    lws_callback_on_writable_all_protocol(self->context_, &self->protocols_[0]);
+                    self->newFrame();
                 }
                 return 0;
             default:
-                return lws_callback_http_dummy(wsi, reason, nullptr, in, length);
-        }
-    }
-
-    int serveHttp(lws* wsi, char const* path) {
-        if (path == nullptr || std::strcmp(path, "/") != 0) {
-            if (lws_return_http_status(wsi, HTTP_STATUS_NOT_FOUND, nullptr) != 0) {
-                return -1;
-            }
-            return lws_http_transaction_completed(wsi) != 0 ? -1 : 0;
-        }
-        std::string_view const page = detail::webPage();
-        unsigned char buffer[LWS_PRE + 512];
-        unsigned char* start = buffer + LWS_PRE;
-        unsigned char* position = start;
-        unsigned char* end = buffer + sizeof buffer - 1;
-        if (lws_add_http_common_headers(wsi, HTTP_STATUS_OK, "text/html; charset=utf-8",
-                                        page.size(), &position, end) != 0 ||
-            lws_add_http_header_by_name(
-                wsi, reinterpret_cast<unsigned char const*>("cache-control:"),
-                reinterpret_cast<unsigned char const*>("no-store"), 8, &position, end) != 0 ||
-            lws_finalize_write_http_header(wsi, start, &position, end) != 0) {
-            return 1;
-        }
-        lws_callback_on_writable(wsi);
-        return 0;
-    }
-
-    static int writePage(lws* wsi) {
-        std::string_view const page = detail::webPage();
-        std::vector<unsigned char> buffer(LWS_PRE + page.size());
-        std::memcpy(buffer.data() + LWS_PRE, page.data(), page.size());
-        if (lws_write(wsi, buffer.data() + LWS_PRE, page.size(), LWS_WRITE_HTTP_FINAL) !=
-            static_cast<int>(page.size())) {
-            return 1;
-        }
-        return lws_http_transaction_completed(wsi) != 0 ? -1 : 0;
-    }
-
-    bool admit(lws* wsi) {
-        std::string const peer = peerOf(wsi);
-        if (viewers_.load() >= options_.maxViewers) {
-            log(kWarning, "web panel: refused " + peer + ": already " +
-                              std::to_string(options_.maxViewers) + " viewers");
-            return false;
-        }
-        std::string const origin = header(wsi, WSI_TOKEN_ORIGIN);
-        std::string const host = header(wsi, WSI_TOKEN_HOST);
-        // Browsers always send Origin; a page served by another host must not drive the panel.
-        // Programs that send none cannot be led by another site, so they are let in.
-        if (!origin.empty() && origin != "http://" + host && origin != "https://" + host) {
-            log(kWarning, "web panel: refused " + peer + ": origin " + origin +
-                              " is not the served host " + host);
-            return false;
-        }
-        return true;
-    }
-
-    void open(lws* wsi) {
-        Session session;
-        char buffer[256] = {};
-        char const* token = lws_get_urlarg_by_name(wsi, "token=", buffer, sizeof buffer);
-        session.control =
-            options_.accessToken.empty() || (token != nullptr && options_.accessToken == token);
-        sessions_[wsi] = std::move(session);
-        unsigned const count = ++viewers_;
-        log(kInfo, "web panel: " + peerOf(wsi) + " connected" +
-                       (sessions_[wsi].control ? "" : " (read-only viewer)"));
-        if (count == 1) {
-            std::lock_guard<std::mutex> const lock(mutex_);
-            modeWatch_ = panel_.every(kModeWatchPeriod, [this] { watchMode(); });
-        }
-        lws_callback_on_writable(wsi);
-    }
-
-    void close(lws* wsi) {
-        if (sessions_.erase(wsi) == 0) {
-            return;
-        }
-        log(kInfo, "web panel: " + peerOf(wsi) + " disconnected");
-        if (--viewers_ == 0) {
-            std::lock_guard<std::mutex> const lock(mutex_);
-            panel_.cancel(modeWatch_);
-            modeWatch_ = 0;
-        }
-    }
-
-    int writeFrame(lws* wsi) {
-        auto const found = sessions_.find(wsi);
-        if (found == sessions_.end()) {
-            return 0;
-        }
-        Session& session = found->second;
-        std::string message;
-        if (!session.helloSent) {
-            message = detail::helloMessage(session.control);
-            session.helloSent = true;
-        } else {
-            std::lock_guard<std::mutex> const lock(mutex_);
-            if (session.sentFrame == frameNumber_ || latestFrame_.empty()) {
                 return 0;
-            }
-            message = latestFrame_;  // only the newest: a slow page skips what it missed
-            session.sentFrame = frameNumber_;
         }
-        outgoing_.resize(LWS_PRE + message.size());
-        std::memcpy(outgoing_.data() + LWS_PRE, message.data(), message.size());
-        if (lws_write(wsi, outgoing_.data() + LWS_PRE, message.size(), LWS_WRITE_TEXT) <
-            static_cast<int>(message.size())) {
-            return -1;
-        }
-        lws_callback_on_writable(wsi);  // there may be a newer frame already
-        return 0;
+    }
+
+    void adopt(lws* wsi) {
+        int const sendBuffer = kSendBuffer;
+        int const descriptor = lws_get_socket_fd(wsi);
+        setsockopt(descriptor, SOL_SOCKET, SO_SNDBUF, &sendBuffer, sizeof sendBuffer);
+        applyTcpOptions(descriptor, policy_);  // keepalive: a page whose host vanished is noticed
+        Session& session = sessions_[wsi];
+        session.peer = peerOf(wsi);
+        lws_set_timeout(wsi, PENDING_TIMEOUT_USER_OK, kRequestSeconds);
     }
 
     int receive(lws* wsi, char const* data, std::size_t length) {
         auto const found = sessions_.find(wsi);
         if (found == sessions_.end()) {
-            return 0;
-        }
-        Session& session = found->second;
-        session.received.append(data, std::min(length, kLongestMessage + 1));
-        if (session.received.size() > kLongestMessage) {
-            log(kWarning, "web panel: " + peerOf(wsi) + " sent an oversized message; closed");
             return -1;
         }
-        if (!lws_is_final_fragment(wsi) || lws_remaining_packet_payload(wsi) != 0) {
-            return 0;
+        Session& session = found->second;
+        switch (session.state) {
+            case State::Head:
+                session.received.append(data, std::min(length, kLongestHead + 1));
+                readHead(wsi, session);
+                break;
+            case State::Socket:
+                session.reader.feed(std::string_view(data, length));
+                readMessages(wsi, session);
+                break;
+            case State::Closing:
+                session.drained += length;
+                if (session.drained > kDrainLimit) {
+                    return -1;
+                }
+                return 0;
         }
-        std::string const message = std::move(session.received);
-        session.received.clear();
-        frontpanelhw::PanelKey key{};
-        if (!detail::parseKeyMessage(message, key)) {
-            log(kInfo, "web panel: " + peerOf(wsi) + " sent a message that is not a key; ignored");
-            return 0;
-        }
-        if (session.control) {
-            panel_.pressKey(key);
+        if (!session.outgoing.empty()) {
+            lws_callback_on_writable(wsi);
         }
         return 0;
     }
 
+    void refuse(lws* wsi, Session& session, int status, std::string const& reason,
+                std::string_view extraHeaders = {}) {
+        log(kWarning,
+            "web panel: refused " + session.peer + " (" + std::to_string(status) + "): " + reason);
+        session.outgoing = detail::httpResponse(status, "text/plain; charset=utf-8",
+                                                std::string(detail::statusText(status)) + "\n",
+                                                false, extraHeaders);
+        session.closeAfterWrite = true;
+        session.state = State::Closing;
+        session.received.clear();
+        (void)wsi;
+    }
+
+    void readHead(lws* wsi, Session& session) {
+        detail::HttpRequest request;
+        std::size_t headLength = 0;
+        switch (detail::parseRequestHead(session.received, kLongestHead, request, headLength)) {
+            case detail::HeadParse::Incomplete:
+                return;
+            case detail::HeadParse::TooLarge:
+                refuse(wsi, session, 431,
+                       "request head longer than " + std::to_string(kLongestHead) + " bytes");
+                return;
+            case detail::HeadParse::Malformed:
+                refuse(wsi, session, 400, "malformed request head");
+                return;
+            case detail::HeadParse::Complete:
+                break;
+        }
+        detail::RequestVerdict const verdict = detail::checkRequest(request, access_);
+        switch (verdict.kind) {
+            case detail::RequestKind::Refused:
+                refuse(wsi, session, verdict.status, verdict.reason,
+                       verdict.status == 405   ? "Allow: GET, HEAD\r\n"
+                       : verdict.status == 426 ? "Sec-WebSocket-Version: 13\r\n"
+                                               : "");
+                return;
+            case detail::RequestKind::Resource: {
+                detail::WebResource const* resource = detail::findWebResource(request.path);
+                if (resource == nullptr) {
+                    refuse(wsi, session, 404, "no page at " + request.path);
+                    return;
+                }
+                session.outgoing = detail::httpResponse(200, resource->contentType, resource->body,
+                                                        request.method == "HEAD");
+                session.closeAfterWrite = true;
+                session.state = State::Closing;
+                return;
+            }
+            case detail::RequestKind::Upgrade:
+                break;
+        }
+        if (link_->viewers.load() >= options_.maxViewers) {
+            refuse(wsi, session, 503,
+                   "already " + std::to_string(options_.maxViewers) + " pages connected");
+            return;
+        }
+        std::string const rest = session.received.substr(headLength);
+        session.received.clear();
+        session.received.shrink_to_fit();
+        session.outgoing =
+            "HTTP/1.1 101 Switching Protocols\r\nUpgrade: websocket\r\n"
+            "Connection: Upgrade\r\nSec-WebSocket-Accept: " +
+            acceptKey(request.header("sec-websocket-key")) + "\r\n\r\n";
+        session.outgoing += detail::serverFrame(1, detail::helloMessage(verdict.control));
+        session.state = State::Socket;
+        session.control = verdict.control;
+        session.viewer = true;
+        lws_set_timeout(wsi, NO_PENDING_TIMEOUT, 0);
+        log(kInfo, "web panel: " + session.peer + " connected" +
+                       (session.control ? "" : " (read-only viewer)"));
+        if (++link_->viewers == 1) {
+            std::shared_ptr<PanelLink> const link = link_;
+            modeWatch_ = panel_.every(kModeWatchPeriod, [link] { link->watchMode(); });
+        }
+        // The newest frame may not have been encoded while nobody watched.
+        std::shared_ptr<PanelLink> const link = link_;
+        panel_.post([link] { link->publish(link->panel.shownFrame()); });
+        if (!rest.empty()) {
+            session.reader.feed(rest);
+            readMessages(wsi, session);
+        }
+    }
+
+    void ignore(Session& session, std::string const& what) {
+        ++session.ignoredMessages;
+        if (session.ignoredMessages <= kLoggedIgnoredMessages) {
+            log(kDebug, "web panel: " + session.peer + " sent " + what + "; ignored" +
+                            (session.ignoredMessages == kLoggedIgnoredMessages
+                                 ? " (further ones are not logged)"
+                                 : ""));
+        }
+    }
+
+    void fail(Session& session, std::uint16_t code, std::string const& reason) {
+        log(kWarning, "web panel: " + session.peer + " closed: " + reason);
+        session.outgoing += detail::serverFrame(8, detail::closePayload(code));
+        session.closeAfterWrite = true;
+        session.hangUp = true;
+        session.state = State::Closing;
+    }
+
+    void readMessages(lws* wsi, Session& session) {
+        (void)wsi;
+        while (session.state == State::Socket) {
+            detail::WebSocketEvent event = session.reader.next();
+            switch (event.kind) {
+                case detail::WebSocketEvent::Kind::None:
+                    return;
+                case detail::WebSocketEvent::Kind::Ping:
+                    session.outgoing += detail::serverFrame(10, event.payload);
+                    break;
+                case detail::WebSocketEvent::Kind::Close:
+                    session.outgoing += detail::serverFrame(8, detail::closePayload(1000));
+                    session.closeAfterWrite = true;
+                    session.hangUp = true;
+                    session.state = State::Closing;
+                    return;
+                case detail::WebSocketEvent::Kind::Fail:
+                    fail(session, event.code, event.reason);
+                    return;
+                case detail::WebSocketEvent::Kind::Text:
+                    handleMessage(session, event.payload);
+                    break;
+            }
+        }
+    }
+
+    void handleMessage(Session& session, std::string const& text) {
+        detail::ClientMessage const message = detail::parseClientMessage(text);
+        switch (message.kind) {
+            case detail::ClientMessage::Kind::Key:
+                if (session.control) {
+                    panel_.pressKey(message.key);
+                } else {
+                    ignore(session, "a key but may only watch");
+                }
+                return;
+            case detail::ClientMessage::Kind::Token:
+                if (access_.token.empty() || session.control) {
+                    ignore(session, "a token it does not need");
+                } else if (!tokenMatches(message.token, access_.token, access_.maxTokenLength)) {
+                    fail(session, 1008, "wrong token");
+                } else {
+                    session.control = true;
+                    session.outgoing += detail::serverFrame(1, detail::helloMessage(true));
+                }
+                return;
+            case detail::ClientMessage::Kind::Other:
+                ignore(session, "a message that is not a key");
+                return;
+        }
+    }
+
+    int writeable(lws* wsi) {
+        auto const found = sessions_.find(wsi);
+        if (found == sessions_.end()) {
+            return -1;
+        }
+        Session& session = found->second;
+        if (!session.outgoing.empty()) {
+            std::string bytes;
+            bytes.swap(session.outgoing);
+            if (!write(wsi, bytes)) {
+                return -1;
+            }
+            if (session.closeAfterWrite || session.state == State::Socket) {
+                lws_callback_on_writable(wsi);  // to close, or for a frame that is waiting
+            }
+            return 0;
+        }
+        if (session.closeAfterWrite) {
+            if (lws_partial_buffered(wsi) != 0) {
+                lws_callback_on_writable(wsi);
+                return 0;
+            }
+            if (session.hangUp) {
+                return -1;
+            }
+            // Half-close: the client reads the whole answer before it sees the end; what it
+            // still sends is drained (bounded) so that no reset cuts the answer short.
+            session.closeAfterWrite = false;
+            session.state = State::Closing;
+            ::shutdown(lws_get_socket_fd(wsi), SHUT_WR);
+            lws_set_timeout(wsi, PENDING_TIMEOUT_USER_OK, kRequestSeconds);
+            return 0;
+        }
+        if (session.state != State::Socket) {
+            return 0;
+        }
+        std::string frame;
+        {
+            std::lock_guard<std::mutex> const lock(link_->mutex);
+            if (session.sentFrame == link_->frameNumber || link_->latestFrame.empty()) {
+                return 0;
+            }
+            frame = detail::serverFrame(1, link_->latestFrame);  // only the newest
+            session.sentFrame = link_->frameNumber;
+        }
+        session.waiting = false;
+        return write(wsi, frame) ? 0 : -1;
+    }
+
+    bool write(lws* wsi, std::string const& bytes) {
+        outgoing_.resize(LWS_PRE + bytes.size());
+        std::memcpy(outgoing_.data() + LWS_PRE, bytes.data(), bytes.size());
+        return lws_write(wsi, outgoing_.data() + LWS_PRE, bytes.size(), LWS_WRITE_RAW) >=
+               static_cast<int>(bytes.size());
+    }
+
+    /** A frame was published: offer it to every page; drop the pages that have not taken one
+     *  for too long while a newer one waited. */
+    void newFrame() {
+        std::uint64_t number = 0;
+        {
+            std::lock_guard<std::mutex> const lock(link_->mutex);
+            number = link_->frameNumber;
+        }
+        IClock::TimePoint const now = panel_.clock().now();
+        for (auto& [wsi, session] : sessions_) {
+            if (session.state != State::Socket || session.sentFrame == number) {
+                continue;
+            }
+            if (!session.waiting) {
+                session.waiting = true;
+                session.waitingSince = now;
+            } else if (now - session.waitingSince > options_.stalledViewerTimeout) {
+                log(kWarning, "web panel: " + session.peer + " took no frame for " +
+                                  std::to_string(options_.stalledViewerTimeout.count()) +
+                                  " ms; dropped");
+                session.state = State::Closing;
+                lws_set_timeout(wsi, PENDING_TIMEOUT_USER_OK, LWS_TO_KILL_ASYNC);
+                continue;
+            }
+            lws_callback_on_writable(wsi);
+        }
+    }
+
+    void closed(lws* wsi) {
+        auto const found = sessions_.find(wsi);
+        if (found == sessions_.end()) {
+            return;
+        }
+        bool const viewer = found->second.viewer;
+        if (viewer) {
+            log(kInfo, "web panel: " + found->second.peer + " disconnected");
+        }
+        sessions_.erase(found);
+        if (viewer && --link_->viewers == 0) {
+            if (modeWatch_ != 0) {
+                panel_.cancel(modeWatch_);
+                modeWatch_ = 0;
+            }
+            std::lock_guard<std::mutex> const lock(link_->mutex);
+            link_->latestFrame.clear();  // stale by the time the next page comes
+        }
+    }
+
     Panel& panel_;
     WebPanelOptions options_;
+    std::shared_ptr<PanelLink> link_;
+    ConnectionPolicyOptions policy_;
+    detail::WebAccess access_{HostAllowList("127.0.0.1", 0, {}), {}};
     lws_protocols protocols_[2]{};
     lws_context* context_ = nullptr;
     std::uint16_t port_ = 0;
-    std::size_t frameListener_ = 0;
     std::thread thread_;
     std::atomic<bool> stopping_{false};
-    std::atomic<unsigned> viewers_{0};
 
-    // Shared between the panel's thread and the server's thread.
-    std::mutex mutex_;
-    std::string latestFrame_;
-    std::uint64_t frameNumber_ = 0;
-    bool shownLocal_ = true;
-    Panel::TimerId modeWatch_ = 0;
-
-    // The server's thread only.
+    // The server's thread only (and the destructor once it has ended).
     std::map<lws*, Session> sessions_;
     std::vector<unsigned char> outgoing_;
+    Panel::TimerId modeWatch_ = 0;
 };
 
 WebPanelServer::WebPanelServer(Panel& panel, WebPanelOptions options)

@@ -3,9 +3,11 @@
 #include <yxfrontpanel/runtime/export.h>
 #include <yxfrontpanel/runtime/panel.h>
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace yxfrontpanel::runtime {
 
@@ -15,19 +17,30 @@ struct WebPanelOptions {
     std::string address = "127.0.0.1";
     /** The TCP port; 0 picks a free one (see `WebPanelServer::port`). */
     std::uint16_t port = 8080;
-    /** When not empty, only pages that present it (`/?token=...`) may press keys; every other
-     *  page is a read-only viewer. When empty, every page may press keys. */
+    /** When not empty, only pages that present it may press keys; every other page is a
+     *  read-only viewer. A page presents it in the WebSocket's first message
+     *  (`{"token":"..."}`, what the served page does when opened as `/?token=...`) or in the
+     *  opening handshake (`Authorization: Bearer ...`, or `?token=` on the socket's URL). At
+     *  most 256 bytes; longer ones are refused. When empty, every page may press keys; it must
+     *  not be empty when `address` is not a loopback address. */
     std::string accessToken;
     /** Most pages connected at once; more are refused. */
     unsigned maxViewers = 8;
+    /** Further host names the panel answers to (the `Host` a browser sends, without the port),
+     *  besides the listening address, `localhost`, `127.0.0.1` and `[::1]`. Requests naming
+     *  any other host are refused (421), which keeps other sites out through DNS rebinding. */
+    std::vector<std::string> hostNames;
+    /** A page that has not taken a frame for this long (by the panel's clock) while a newer one
+     *  waits is dropped; the other pages never wait for it. */
+    std::chrono::milliseconds stalledViewerTimeout{10000};
 };
 
-/** A remote front panel in the browser: serves one self-contained page at `/` and, over a
- *  WebSocket on the same port, pushes every frame the panel draws to every open page and takes
- *  key presses from pages that may press keys (they go to the panel through `pressKey`, exactly
- *  like a key source's). A page that reads slowly gets only the newest frame when it can take
- *  one; it never blocks the panel. WebSocket connections whose Origin header names another host
- *  than the one the page was served from are refused.
+/** A remote front panel in the browser: serves one self-contained page at `/` (with its style
+ *  sheet and script) and, over a WebSocket at `/panel` on the same port, pushes every frame the
+ * panel draws to every open page and takes key presses from pages that may press keys (they go to
+ * the panel through `pressKey`, exactly like a key source's). A page that reads slowly gets only
+ * the newest frame when it can take one; it never blocks the panel. Requests whose Host is not one
+ * of the panel's and WebSocket connections whose Origin names another host are refused.
  *
  *  The server runs its own thread; frames are encoded on the panel's thread. Construct and
  *  destroy it on the thread that configures the panel, before `run` or while it runs; it must
@@ -35,6 +48,8 @@ struct WebPanelOptions {
 class YXFP_RUNTIME_EXPORT WebPanelServer {
 public:
     /** Starts serving `panel` at once.
+     *  @throws std::invalid_argument when `address` is not a loopback address and no access
+     *          token is set.
      *  @throws std::runtime_error naming the address and port when it cannot listen there. */
     explicit WebPanelServer(Panel& panel, WebPanelOptions options = {});
     /** Closes every connection and stops the server's thread. */
