@@ -3,7 +3,6 @@
 #include <yxfrontpanel/menu_tree.h>
 
 #include <cstddef>
-#include <sstream>
 
 #include "common/scroll_indicator.h"
 
@@ -11,17 +10,11 @@ namespace yxfrontpanel {
 
 namespace {
 
-constexpr int kWarningLevel = 4;
 constexpr char const* kLogCategory = "libYxFrontPanelToolbox";
 
 void logNullItem() {
     namespace log = yxbase2::system::log;
-    if (!log::detail::isEnabled(kWarningLevel)) {
-        return;
-    }
-    std::ostringstream message;
-    message << "Can not add menu item == nullptr!";
-    log::log(kWarningLevel, kLogCategory, message);
+    log::write(log::Level::Warning, kLogCategory, "Can not add menu item == nullptr!");
 }
 
 // Sums in std::size_t so that index arithmetic near the top of `unsigned` cannot wrap.

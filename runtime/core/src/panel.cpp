@@ -9,7 +9,6 @@
 #include <deque>
 #include <mutex>
 #include <optional>
-#include <sstream>
 #include <stdexcept>
 #include <thread>
 #include <utility>
@@ -35,18 +34,13 @@ using frontpanelhw::PanelKey;
 using frontpanelhw::drawing::DisplayBuffer;
 using TimePoint = IClock::TimePoint;
 
+namespace log = yxbase2::system::log;
+
 constexpr char const* kLogCategory = "libYxFrontPanelRuntime";
-constexpr int kWarning = 4;
 // Events taken from one source in one turn, so that a flooding device cannot starve the rest.
 constexpr int kMostEventsPerSourceAndTurn = 64;
 // Going back through nested forms to the root never needs more steps than this.
 constexpr int kMostBackSteps = 64;
-
-void logWarning(std::string const& text) {
-    std::ostringstream message;
-    message << text;
-    yxbase2::system::log::log(kWarning, kLogCategory, message);
-}
 
 bool isArrow(PanelKey key) {
     return key == PanelKey::Up || key == PanelKey::Down || key == PanelKey::Left ||
@@ -317,7 +311,8 @@ private:
         int const timeout = waitMilliseconds(maxWait);
         int const ready = ::poll(fds.data(), fds.size(), timeout);
         if (ready < 0 && errno != EINTR) {
-            logWarning("Panel: poll failed, errno " + std::to_string(errno));
+            log::write(log::Level::Warning, kLogCategory, "Panel: poll failed, errno ",
+                       std::to_string(errno));
         }
         if (ready > 0) {
             for (Source& entry : sources_) {
@@ -399,8 +394,9 @@ private:
                 if (!event && entry.broken && count == 0) {
                     // A descriptor that fails but a source that does not say so would wake the
                     // loop forever: the source counts as closed.
-                    logWarning("Panel: a key source's descriptor " +
-                               std::to_string(entry.source->waitDescriptor()) +
+                    log::write(log::Level::Warning, kLogCategory,
+                               "Panel: a key source's descriptor ",
+                               std::to_string(entry.source->waitDescriptor()),
                                " failed; the source is treated as closed");
                     event = KeyEvent::closed();
                 }

@@ -7,7 +7,6 @@
 #include <cstring>
 #include <map>
 #include <mutex>
-#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -21,27 +20,21 @@ namespace yxfrontpanel::runtime {
 
 namespace {
 
+namespace log = yxbase2::system::log;
+
 constexpr char const* kLogCategory = "libYxFrontPanelRuntime";
-constexpr int kWarning = 4;
-constexpr int kInfo = 6;
 // A page's messages are tiny ({"key":"enter"}); anything longer is not ours.
 constexpr std::size_t kLongestMessage = 256;
 // How often the LOCAL/REMOTE state is compared while pages are open (a mode switch draws no
 // frame of its own).
 constexpr std::chrono::milliseconds kModeWatchPeriod{200};
 
-void log(int level, std::string const& text) {
-    std::ostringstream message;
-    message << text;
-    yxbase2::system::log::log(level, kLogCategory, message);
-}
-
 extern "C" void logFromLibwebsockets(int /*level*/, char const* line) {
     std::string text(line);
     while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) {
         text.pop_back();
     }
-    log(kWarning, "web panel: " + text);
+    log::write(log::Level::Warning, kLogCategory, "web panel: ", text);
 }
 
 std::string header(lws* wsi, lws_token_indexes token) {
@@ -100,8 +93,8 @@ public:
                 lws_service(context_, 0);
             }
         });
-        log(kInfo,
-            "web panel: serving on http://" + options_.address + ":" + std::to_string(port_) + "/");
+        log::write(log::Level::Info, kLogCategory, "web panel: serving on http://",
+                   options_.address, ":", std::to_string(port_), "/");
     }
 
     ~Impl() {
@@ -231,8 +224,8 @@ private:
     bool admit(lws* wsi) {
         std::string const peer = peerOf(wsi);
         if (viewers_.load() >= options_.maxViewers) {
-            log(kWarning, "web panel: refused " + peer + ": already " +
-                              std::to_string(options_.maxViewers) + " viewers");
+            log::write(log::Level::Warning, kLogCategory, "web panel: refused ", peer, ": already ",
+                       std::to_string(options_.maxViewers), " viewers");
             return false;
         }
         std::string const origin = header(wsi, WSI_TOKEN_ORIGIN);
@@ -240,8 +233,8 @@ private:
         // Browsers always send Origin; a page served by another host must not drive the panel.
         // Programs that send none cannot be led by another site, so they are let in.
         if (!origin.empty() && origin != "http://" + host && origin != "https://" + host) {
-            log(kWarning, "web panel: refused " + peer + ": origin " + origin +
-                              " is not the served host " + host);
+            log::write(log::Level::Warning, kLogCategory, "web panel: refused ", peer, ": origin ",
+                       origin, " is not the served host ", host);
             return false;
         }
         return true;
@@ -255,8 +248,8 @@ private:
             options_.accessToken.empty() || (token != nullptr && options_.accessToken == token);
         sessions_[wsi] = std::move(session);
         unsigned const count = ++viewers_;
-        log(kInfo, "web panel: " + peerOf(wsi) + " connected" +
-                       (sessions_[wsi].control ? "" : " (read-only viewer)"));
+        log::write(log::Level::Info, kLogCategory, "web panel: ", peerOf(wsi), " connected",
+                   (sessions_[wsi].control ? "" : " (read-only viewer)"));
         if (count == 1) {
             std::lock_guard<std::mutex> const lock(mutex_);
             modeWatch_ = panel_.every(kModeWatchPeriod, [this] { watchMode(); });
@@ -268,7 +261,7 @@ private:
         if (sessions_.erase(wsi) == 0) {
             return;
         }
-        log(kInfo, "web panel: " + peerOf(wsi) + " disconnected");
+        log::write(log::Level::Info, kLogCategory, "web panel: ", peerOf(wsi), " disconnected");
         if (--viewers_ == 0) {
             std::lock_guard<std::mutex> const lock(mutex_);
             panel_.cancel(modeWatch_);
@@ -312,7 +305,8 @@ private:
         Session& session = found->second;
         session.received.append(data, std::min(length, kLongestMessage + 1));
         if (session.received.size() > kLongestMessage) {
-            log(kWarning, "web panel: " + peerOf(wsi) + " sent an oversized message; closed");
+            log::write(log::Level::Warning, kLogCategory, "web panel: ", peerOf(wsi),
+                       " sent an oversized message; closed");
             return -1;
         }
         if (!lws_is_final_fragment(wsi) || lws_remaining_packet_payload(wsi) != 0) {
@@ -322,7 +316,8 @@ private:
         session.received.clear();
         frontpanelhw::PanelKey key{};
         if (!detail::parseKeyMessage(message, key)) {
-            log(kInfo, "web panel: " + peerOf(wsi) + " sent a message that is not a key; ignored");
+            log::write(log::Level::Info, kLogCategory, "web panel: ", peerOf(wsi),
+                       " sent a message that is not a key; ignored");
             return 0;
         }
         if (session.control) {

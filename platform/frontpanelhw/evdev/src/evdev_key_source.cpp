@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <deque>
-#include <sstream>
 #include <system_error>
 #include <utility>
 
@@ -20,19 +19,10 @@ namespace {
 namespace log = yxbase2::system::log;
 using TimePoint = std::chrono::steady_clock::time_point;
 
-constexpr int kWarning = 4;
-constexpr int kInfo = 6;
-constexpr int kDebug = 7;
 // Longer waits are cut to this, so that the deadline can never overflow the clock.
 constexpr std::chrono::milliseconds kLongestWait = std::chrono::hours(24);
 // Records read at once: enough for every key of a keypad changing in one report.
 constexpr std::size_t kRecordsPerRead = 64;
-
-void logLine(int level, std::string const& text) {
-    std::ostringstream message;
-    message << text;
-    log::log(level, "evdev", message);
-}
 
 std::chrono::milliseconds ceilMilliseconds(std::chrono::steady_clock::duration duration) {
     return std::max(std::chrono::milliseconds(0),
@@ -175,7 +165,8 @@ private:
         }
         if (size < 0) {
             int const error = errno;
-            logLine(kWarning, name_ + ": " + std::system_category().message(error));
+            log::write(log::Level::Warning, "evdev", name_, ": ",
+                       std::system_category().message(error));
         }
         inputEnded();
         return true;
@@ -187,10 +178,12 @@ private:
         closeDescriptor();
         if (canReopen_) {
             nextReopen_ = options_.clock() + options_.reopenInterval;
-            logLine(kInfo, name_ + " has closed; opening it again when it is back");
+            log::write(log::Level::Info, "evdev", name_,
+                       " has closed; opening it again when it is back");
         } else {
             // The end of a pipe or file is the expected end of a replay, not news.
-            logLine(isDevice_ ? kInfo : kDebug, name_ + " has closed");
+            log::write(isDevice_ ? log::Level::Info : log::Level::Debug, "evdev", name_,
+                       " has closed");
         }
     }
 
@@ -202,9 +195,9 @@ private:
         }
         try {
             adopt(descriptor);
-            logLine(kInfo, name_ + " is back");
+            log::write(log::Level::Info, "evdev", name_, " is back");
         } catch (InputDeviceError const& error) {
-            logLine(kWarning, error.what());
+            log::write(log::Level::Warning, "evdev", error.what());
         }
     }
 
