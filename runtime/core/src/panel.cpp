@@ -311,8 +311,7 @@ private:
         int const timeout = waitMilliseconds(maxWait);
         int const ready = ::poll(fds.data(), fds.size(), timeout);
         if (ready < 0 && errno != EINTR) {
-            log::write(log::Level::Warning, kLogCategory, "Panel: poll failed, errno ",
-                       std::to_string(errno));
+            log::write(log::Level::Warning, kLogCategory, "Panel: poll failed, errno ", errno);
         }
         if (ready > 0) {
             for (Source& entry : sources_) {
@@ -395,8 +394,7 @@ private:
                     // A descriptor that fails but a source that does not say so would wake the
                     // loop forever: the source counts as closed.
                     log::write(log::Level::Warning, kLogCategory,
-                               "Panel: a key source's descriptor ",
-                               std::to_string(entry.source->waitDescriptor()),
+                               "Panel: a key source's descriptor ", entry.source->waitDescriptor(),
                                " failed; the source is treated as closed");
                     event = KeyEvent::closed();
                 }

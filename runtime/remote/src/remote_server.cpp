@@ -545,8 +545,7 @@ private:
         std::string const name = peerName(fd.get(), peer, listener);
         if (!quota_.admit(listener.quota)) {
             log::write(log::Level::Warning, kLogCategory, "command server: refused ", name, " on ",
-                       listener.address, ": already ", std::to_string(quota_.limit(listener.quota)),
-                       " clients");
+                       listener.address, ": already ", quota_.limit(listener.quota), " clients");
             return;
         }
         ::setsockopt(fd.get(), SOL_SOCKET, SO_SNDBUF, &kSocketSendBuffer,

@@ -105,8 +105,7 @@ public:
                     " of this application";
                 if (options_.saveNewerSchema) {
                     log::write(log::Level::Warning, kLogCategory, reason,
-                               "; it will be saved in schema ",
-                               std::to_string(options_.schemaVersion));
+                               "; it will be saved in schema ", options_.schemaVersion);
                 } else {
                     result.readOnly = true;
                     result.detail = reason + "; saving is off so that nothing is lost";

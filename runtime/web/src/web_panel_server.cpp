@@ -94,7 +94,7 @@ public:
             }
         });
         log::write(log::Level::Info, kLogCategory, "web panel: serving on http://",
-                   options_.address, ":", std::to_string(port_), "/");
+                   options_.address, ":", port_, "/");
     }
 
     ~Impl() {
@@ -225,7 +225,7 @@ private:
         std::string const peer = peerOf(wsi);
         if (viewers_.load() >= options_.maxViewers) {
             log::write(log::Level::Warning, kLogCategory, "web panel: refused ", peer, ": already ",
-                       std::to_string(options_.maxViewers), " viewers");
+                       options_.maxViewers, " viewers");
             return false;
         }
         std::string const origin = header(wsi, WSI_TOKEN_ORIGIN);
