@@ -3,7 +3,6 @@
 #include <yxfrontpanel/menu_tree.h>
 
 #include <cstddef>
-#include <sstream>
 
 #include "common/scroll_indicator.h"
 
@@ -11,18 +10,9 @@ namespace yxfrontpanel {
 
 namespace {
 
-constexpr int kWarningLevel = 4;
-constexpr char const* kLogCategory = "libYxFrontPanelToolbox";
+namespace log = yxbase2::system::log;
 
-void logNullItem() {
-    namespace log = yxbase2::system::log;
-    if (!log::detail::isEnabled(kWarningLevel)) {
-        return;
-    }
-    std::ostringstream message;
-    message << "Can not add menu item == nullptr!";
-    log::log(kWarningLevel, kLogCategory, message);
-}
+constexpr char const* kLogCategory = "libYxFrontPanelToolbox";
 
 // Sums in std::size_t so that index arithmetic near the top of `unsigned` cannot wrap.
 std::size_t sum(unsigned lhs, unsigned rhs) {
@@ -66,7 +56,7 @@ bool MenuTree::getFocus() const { return focus_; }
 
 bool MenuTree::addItem(std::shared_ptr<MenuItem> item) {
     if (!item) {
-        logNullItem();
+        log::write(log::Level::Warning, kLogCategory, "Can not add menu item == nullptr!");
         return false;
     }
     if (visibleItems_.empty()) {

@@ -2,12 +2,44 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <new>
 #include <thread>
 #include <vector>
 
 #include "platform_capture.h"
 
 namespace {
+
+// Allocations made by the current thread through operator new, counted by the replacements
+// below so that a test can show that a call allocates nothing.
+thread_local std::size_t allocationsOnThisThread = 0;
+
+}  // namespace
+
+void* operator new(std::size_t size) {
+    ++allocationsOnThisThread;
+    if (void* memory = std::malloc(size == 0 ? 1 : size)) {
+        return memory;
+    }
+    throw std::bad_alloc();
+}
+
+void operator delete(void* memory) noexcept { std::free(memory); }
+
+void operator delete(void* memory, std::size_t /*size*/) noexcept { std::free(memory); }
+
+namespace {
+
+// Counts how often it is streamed, so that a test can see whether a message was formatted.
+struct CountedArgument {
+    int* formatted;
+};
+
+std::ostream& operator<<(std::ostream& out, CountedArgument const& argument) {
+    ++*argument.formatted;
+    return out << "counted";
+}
 
 namespace log = yxbase2::system::log;
 
@@ -103,6 +135,81 @@ TEST_F(LogTest, LevelNamesFollowSyslog) {
     EXPECT_EQ(log::levelName(7), "debug");
     EXPECT_EQ(log::levelName(9), "level 9");
     EXPECT_EQ(log::levelName(-1), "level -1");
+}
+
+TEST_F(LogTest, WriteFormatsItsArgumentsOnlyWhenTheLevelIsOn) {
+    yxfp_test::LogCapture capture;
+    log::setMaxLevel(log::Level::Info);
+    int formatted = 0;
+    log::write(log::Level::Debug, "category", "off ", CountedArgument{&formatted});
+    EXPECT_EQ(formatted, 0);
+    EXPECT_TRUE(capture.records().empty());
+
+    log::write(log::Level::Info, "category", "on ", CountedArgument{&formatted}, ' ', 42);
+    EXPECT_EQ(formatted, 1);
+    auto const records = capture.records();
+    ASSERT_EQ(records.size(), 1U);
+    EXPECT_EQ(records[0].message, "on counted 42");
+}
+
+TEST_F(LogTest, DisabledWriteAllocatesNothing) {
+    log::setMaxLevel(log::Level::Error);
+    std::string const peer = "127.0.0.1:4000";
+    int formatted = 0;
+    std::size_t const before = allocationsOnThisThread;
+    log::write(log::Level::Warning, "category", "refused ", peer, ": ", 3, ' ',
+               CountedArgument{&formatted});
+    std::size_t const after = allocationsOnThisThread;
+    EXPECT_EQ(after - before, 0U);
+    EXPECT_EQ(formatted, 0);
+
+    // The counter does see the allocations of an enabled call.
+    yxfp_test::LogCapture capture;
+    log::setMaxLevel(log::Level::Error);
+    log::write(log::Level::Error, "category", "refused ", peer);
+    EXPECT_GT(allocationsOnThisThread, after);
+}
+
+TEST_F(LogTest, LevelsReachTheSinkWithSyslogNumbersAndNames) {
+    struct Expected {
+        log::Level level;
+        int number;
+        char const* name;
+    };
+    std::vector<Expected> const table{
+        {log::Level::Emergency, 0, "emergency"}, {log::Level::Alert, 1, "alert"},
+        {log::Level::Critical, 2, "critical"},   {log::Level::Error, 3, "error"},
+        {log::Level::Warning, 4, "warning"},     {log::Level::Notice, 5, "notice"},
+        {log::Level::Info, 6, "info"},           {log::Level::Debug, 7, "debug"}};
+    log::setMaxLevel(log::Level::Debug);
+    std::vector<int> levels;
+    log::setSink(
+        [&levels](int level, std::string const&, std::string const&) { levels.push_back(level); });
+    for (auto const& expected : table) {
+        log::write(expected.level, "category", expected.name);
+        EXPECT_EQ(log::levelName(expected.level), expected.name);
+        EXPECT_EQ(log::levelName(expected.number), expected.name);
+    }
+    std::vector<int> const numbers{0, 1, 2, 3, 4, 5, 6, 7};
+    EXPECT_EQ(levels, numbers);
+}
+
+TEST_F(LogTest, LevelFormsMoveAndReadTheSameThreshold) {
+    EXPECT_EQ(log::getMaxLevel(), log::toInt(log::Level::Info));
+    log::setMaxLevel(log::Level::Warning);
+    EXPECT_EQ(log::getMaxLevel(), 4);
+    EXPECT_TRUE(log::isEnabled(log::Level::Warning));
+    EXPECT_FALSE(log::isEnabled(log::Level::Notice));
+    log::setMaxLevel(5);
+    EXPECT_TRUE(log::isEnabled(log::Level::Notice));
+}
+
+TEST_F(LogTest, DefaultSinkNamesTheLevelOfAWrite) {
+    testing::internal::CaptureStderr();
+    log::write(log::Level::Error, "hd44780", "transport failed: ", 5, " bytes");
+    std::string const output = testing::internal::GetCapturedStderr();
+    EXPECT_NE(output.find(" error hd44780: transport failed: 5 bytes\n"), std::string::npos)
+        << output;
 }
 
 TEST_F(LogTest, SinkMayBeReplacedWhileOtherThreadsLog) {

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <exception>
 #include <numeric>
-#include <sstream>
 #include <stdexcept>
 #include <utility>
 
@@ -31,14 +30,7 @@ constexpr std::uint8_t kFourBitNibble = 0x2;
 constexpr std::uint8_t kBlankCode = 0x20;
 constexpr unsigned kDdramSize = 0x68;
 constexpr char const* kLogCategory = "libYxFrontPanelHW";
-
-void logLine(int level, std::string const& text) {
-    if (yxbase2::system::log::detail::isEnabled(level)) {
-        std::ostringstream message;
-        message << text;
-        yxbase2::system::log::log(level, kLogCategory, message);
-    }
-}
+namespace log = yxbase2::system::log;
 
 void checkGeometry(Hd44780Geometry const& geometry) {
     if (geometry.chars == 0 || geometry.lines == 0 || geometry.lines > 4) {
@@ -97,7 +89,7 @@ bool Hd44780Display::setBacklight(bool on) {
     try {
         return bus_->setBacklight(on);
     } catch (std::exception const& error) {
-        logLine(3, std::string("HD44780 backlight: ") + error.what());
+        log::write(log::Level::Error, kLogCategory, "HD44780 backlight: ", error.what());
         fullRedraw_ = true;
         return false;
     }
@@ -119,7 +111,8 @@ bool Hd44780Display::draw(drawing::DisplayBuffer const& buffer) {
         slots_ = next.slots;
         fullRedraw_ = false;
         if (failing_) {
-            logLine(6, "HD44780 display: drawing again after the transport recovered");
+            log::write(log::Level::Info, kLogCategory,
+                       "HD44780 display: drawing again after the transport recovered");
         }
         failing_ = false;
         retryAfter_ = options_.recovery.firstRetry;
@@ -129,8 +122,8 @@ bool Hd44780Display::draw(drawing::DisplayBuffer const& buffer) {
         // bring its four-bit phase, its RAM and our shadow of it together again.
         fullRedraw_ = true;
         addressCounter_.reset();
-        logLine(failing_ ? 7 : 3,
-                std::string("HD44780 display: ") + error.what() + "; the next draw starts over");
+        log::write(failing_ ? log::Level::Debug : log::Level::Error, kLogCategory,
+                   "HD44780 display: ", error.what(), "; the next draw starts over");
         failing_ = true;
         nextTry_ = now + retryAfter_;
         retryAfter_ = std::min(retryAfter_ * 2, options_.recovery.longestRetry);
@@ -213,9 +206,9 @@ Hd44780Display::Plan Hd44780Display::plan(drawing::DisplayBuffer const& buffer) 
         next.uploads.push_back(slot);
     }
     if (withoutSlot > 0) {
-        logLine(7, "HD44780 display: the frame needs " + std::to_string(needed.size()) +
-                       " custom glyphs, " + std::to_string(withoutSlot) +
-                       " of them show their fallback character");
+        log::write(log::Level::Debug, kLogCategory, "HD44780 display: the frame needs ",
+                   needed.size(), " custom glyphs, ", withoutSlot,
+                   " of them show their fallback character");
     }
 
     for (unsigned cell = 0; cell < cells; ++cell) {

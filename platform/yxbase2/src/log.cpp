@@ -15,7 +15,7 @@ namespace yxbase2::system::log {
 
 namespace {
 
-std::atomic<int> maxLevel{6};
+std::atomic<int> maxLevel{toInt(Level::Info)};
 
 // The sink is swapped as a whole and called outside the lock, so a sink may itself log or be
 // replaced while another thread is inside it.

@@ -1,3 +1,4 @@
+#include <yxbase2/log.h>
 #include <yxfrontpanel/apply_key.h>
 #include <yxfrontpanel/menu_tree.h>
 #include <yxfrontpanel/runtime/panel.h>
@@ -36,6 +37,9 @@ using frontpanelhw::drawing::DisplayBuffer;
 using TimePoint = IClock::TimePoint;
 using detail::logWarning;
 
+namespace log = yxbase2::system::log;
+
+constexpr char const* kLogCategory = "libYxFrontPanelRuntime";
 // Events taken from one source in one turn, so that a flooding device cannot starve the rest.
 constexpr int kMostEventsPerSourceAndTurn = 64;
 // Going back through nested forms to the root never needs more steps than this.
@@ -315,7 +319,7 @@ private:
         int const timeout = waitMilliseconds(maxWait);
         int const ready = ::poll(fds.data(), fds.size(), timeout);
         if (ready < 0 && errno != EINTR) {
-            logWarning("Panel: poll failed, errno " + std::to_string(errno));
+            log::write(log::Level::Warning, kLogCategory, "Panel: poll failed, errno ", errno);
         }
         if (ready > 0) {
             for (Source& entry : sources_) {
@@ -399,8 +403,8 @@ private:
                 if (!event && entry.broken && count == 0) {
                     // A descriptor that fails but a source that does not say so would wake the
                     // loop forever: the source counts as closed.
-                    logWarning("Panel: a key source's descriptor " +
-                               std::to_string(entry.source->waitDescriptor()) +
+                    log::write(log::Level::Warning, kLogCategory,
+                               "Panel: a key source's descriptor ", entry.source->waitDescriptor(),
                                " failed; the source is treated as closed");
                     event = KeyEvent::closed();
                 }

@@ -8,19 +8,13 @@ namespace yxfrontpanel::runtime::detail {
 
 namespace {
 
-constexpr char const* kLogCategory = "libYxFrontPanelRuntime";
-constexpr int kError = 3;
-constexpr int kWarning = 4;
+namespace log = yxbase2::system::log;
 
-void logAt(int level, std::string const& text) {
-    std::ostringstream message;
-    message << text;
-    yxbase2::system::log::log(level, kLogCategory, message);
-}
+constexpr char const* kLogCategory = "libYxFrontPanelRuntime";
 
 }  // namespace
 
-void logWarning(std::string const& text) { logAt(kWarning, text); }
+void logWarning(std::string const& text) { log::write(log::Level::Warning, kLogCategory, text); }
 
 void ThrowCollector::caught(char const* source, unsigned long long id) {
     std::exception_ptr const thrown = std::current_exception();
@@ -31,7 +25,8 @@ void ThrowCollector::caught(char const* source, unsigned long long id) {
         what = error.what();
     } catch (...) {
     }
-    logAt(kError, std::string("Panel: ") + source + " " + std::to_string(id) + " threw: " + what);
+    log::write(log::Level::Error, kLogCategory,
+               std::string("Panel: ") + source + " " + std::to_string(id) + " threw: " + what);
     if (!first_) {
         first_ = thrown;
     }

@@ -11,7 +11,6 @@
 #include <list>
 #include <mutex>
 #include <optional>
-#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -34,8 +33,6 @@ namespace {
 namespace log = yxbase2::system::log;
 
 constexpr char const* kLogCategory = "libYxFrontPanelRuntime.remote";
-constexpr int kLogWarning = 4;
-constexpr int kLogInfo = 6;
 constexpr int kListenBacklog = 16;
 // One read's worth: small enough that the lines of one read, parsed, fit in the half of a
 // client's pending-memory quota that is left when reading stops, unless the lines are made of
@@ -45,15 +42,6 @@ constexpr std::size_t kReadChunk = 4096;
 // their buffers to megabytes, and a client that does not read would hold that much before the
 // server's own output limit is even reached.
 constexpr int kSocketSendBuffer = 64 * 1024;
-
-void logRecord(int level, std::string const& text) {
-    if (!log::detail::isEnabled(level)) {
-        return;
-    }
-    std::ostringstream message;
-    message << text;
-    log::log(level, kLogCategory, message);
-}
 
 std::system_error systemError(std::string const& what) {
     return std::system_error(errno, std::generic_category(), what);
@@ -436,12 +424,13 @@ private:
             ::getsockname(listener.fd.get(), bound.get(), &bound.length);
             listener.address = describe(bound, listener.address);
         }
-        logRecord(kLogInfo, "command server listening on " + listener.address);
+        log::write(log::Level::Info, kLogCategory, "command server listening on ",
+                   listener.address);
         return listener;
     }
 
     void fail(std::string const& reason) {
-        logRecord(kLogWarning, "command server stopped serving: " + reason);
+        log::write(log::Level::Warning, kLogCategory, "command server stopped serving: ", reason);
         {
             std::lock_guard<std::mutex> const lock(failureMutex_);
             failure_ = reason;
@@ -547,17 +536,16 @@ private:
         if (fd.get() < 0) {
             int const error = errno;
             if (listener.pause.failed(error, clock_->now())) {
-                logRecord(kLogWarning, "command server: cannot accept on " + listener.address +
-                                           ": " + std::generic_category().message(error) +
-                                           "; pausing the listener");
+                log::write(log::Level::Warning, kLogCategory, "command server: cannot accept on ",
+                           listener.address, ": ", std::generic_category().message(error),
+                           "; pausing the listener");
             }
             return;  // otherwise the client gave up already
         }
         std::string const name = peerName(fd.get(), peer, listener);
         if (!quota_.admit(listener.quota)) {
-            logRecord(kLogWarning, "command server: refused " + name + " on " + listener.address +
-                                       ": already " + std::to_string(quota_.limit(listener.quota)) +
-                                       " clients");
+            log::write(log::Level::Warning, kLogCategory, "command server: refused ", name, " on ",
+                       listener.address, ": already ", quota_.limit(listener.quota), " clients");
             return;
         }
         ::setsockopt(fd.get(), SOL_SOCKET, SO_SNDBUF, &kSocketSendBuffer,
@@ -573,7 +561,8 @@ private:
         connection.peer = name;
         connection.authenticated = !loginRequired;
         clientCount_.store(connections_.size());
-        logRecord(kLogInfo, "command server: " + name + " connected on " + listener.address);
+        log::write(log::Level::Info, kLogCategory, "command server: ", name, " connected on ",
+                   listener.address);
     }
 
     /** The peer's address; for a Unix-domain client, which has none, its process and user. */
@@ -806,8 +795,8 @@ private:
         connection.output +=
             scpi::ErrorEntry{scpi::ErrorCode::CommandProtected, failure}.format() + '\n';
         connection.closeAt = clock_->now() + options_.authFailureDelay;
-        logRecord(kLogWarning, "command server: " + connection.peer + ": " + failure +
-                                   "; closing the connection");
+        log::write(log::Level::Warning, kLogCategory, "command server: ", connection.peer, ": ",
+                   failure, "; closing the connection");
         return false;
     }
 
@@ -846,7 +835,8 @@ private:
             connection.work->pendingCost = 0;
         }
         // Logged before the close, so that whoever sees the close finds the reason logged.
-        logRecord(kLogInfo, "command server: " + connection.peer + " disconnected: " + why);
+        log::write(log::Level::Info, kLogCategory, "command server: ", connection.peer,
+                   " disconnected: ", why);
         if (connection.fd.get() >= 0) {
             quota_.release(listeners_[connection.listener].quota);
         }

@@ -12,7 +12,6 @@
 #include <algorithm>
 #include <limits>
 #include <memory>
-#include <sstream>
 #include <stdexcept>
 #include <utility>
 
@@ -20,13 +19,7 @@ namespace yxfrontpanel::settings {
 
 namespace {
 
-constexpr int kWarningLevel = 4;
-
-void warn(std::string const& text) {
-    std::ostringstream message;
-    message << text;
-    yxbase2::system::log::log(kWarningLevel, "settings", message);
-}
+namespace log = yxbase2::system::log;
 
 SettingType requireType(SettingsStore& store, std::string const& key,
                         std::initializer_list<SettingType> allowed, char const* item) {
@@ -141,8 +134,8 @@ SettingBinding bindSetting(SettingsStore& store, std::string const& key, ValueEd
     double const inRange = std::clamp(stored, editor.getMinValue(),
                                       std::max(editor.getMinValue(), editor.getMaxValue()));
     if (inRange != stored) {
-        warn("'" + key + "' " + toText(stored) + " is outside the editor's range; " +
-             "clamped to " + toText(inRange));
+        log::write(log::Level::Warning, "settings", "'", key, "' ", toText(stored),
+                   " is outside the editor's range; clamped to ", toText(inRange));
         store.set(key, inRange);
     }
     show(store.get(key));
@@ -170,8 +163,8 @@ SettingBinding bindSetting(SettingsStore& store, std::string const& key,
             if (auto const address = parseIpv4(text)) {
                 commit(store, key, *address, *id, show);
             } else {
-                warn("'" + key + "': the editor applied \"" + text +
-                     "\", not an IPv4 address; kept " + toText(store.get(key)));
+                log::write(log::Level::Warning, "settings", "'", key, "': the editor applied \"",
+                           text, "\", not an IPv4 address; kept ", toText(store.get(key)));
             }
             if (onCommit) {
                 onCommit(text);
@@ -195,15 +188,15 @@ SettingBinding bindSetting(SettingsStore& store, std::string const& key, SliderM
     requireType(store, key, {SettingType::Integer}, "slider");
     auto show = [&item, key](SettingValue const& value) {
         if (!item.setValue(toInt(std::get<std::int64_t>(value)))) {
-            warn("'" + key + "' " + toText(value) +
-                 " is outside the slider's range; the slider keeps " +
-                 std::to_string(item.getSlider().getValue()));
+            log::write(log::Level::Warning, "settings", "'", key, "' ", toText(value),
+                       " is outside the slider's range; the slider keeps ",
+                       std::to_string(item.getSlider().getValue()));
         }
     };
     if (!item.setValue(toInt(store.integer(key)))) {
         SettingValue const fallback = store.definition(key)->defaultValue();
-        warn("'" + key + "' " + toText(store.get(key)) +
-             " is outside the slider's range; using the default " + toText(fallback));
+        log::write(log::Level::Warning, "settings", "'", key, "' ", toText(store.get(key)),
+                   " is outside the slider's range; using the default ", toText(fallback));
         store.set(key, fallback);
         show(fallback);
     }

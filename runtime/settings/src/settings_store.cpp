@@ -7,7 +7,6 @@
 #include <map>
 #include <mutex>
 #include <optional>
-#include <sstream>
 #include <stdexcept>
 #include <thread>
 #include <utility>
@@ -19,16 +18,9 @@ namespace yxfrontpanel::settings {
 
 namespace {
 
-constexpr int kErrorLevel = 3;
-constexpr int kWarningLevel = 4;
-constexpr int kInfoLevel = 6;
-constexpr char const* kLogCategory = "settings";
+namespace log = yxbase2::system::log;
 
-void logLine(int level, std::string const& text) {
-    std::ostringstream message;
-    message << text;
-    yxbase2::system::log::log(level, kLogCategory, message);
-}
+constexpr char const* kLogCategory = "settings";
 
 // A notification to deliver once the store's lock is released.
 struct Notification {
@@ -112,12 +104,12 @@ public:
                     ", newer than " + std::to_string(options_.schemaVersion) +
                     " of this application";
                 if (options_.saveNewerSchema) {
-                    logLine(kWarningLevel, reason + "; it will be saved in schema " +
-                                               std::to_string(options_.schemaVersion));
+                    log::write(log::Level::Warning, kLogCategory, reason,
+                               "; it will be saved in schema ", options_.schemaVersion);
                 } else {
                     result.readOnly = true;
                     result.detail = reason + "; saving is off so that nothing is lost";
-                    logLine(kWarningLevel, result.detail);
+                    log::write(log::Level::Warning, kLogCategory, result.detail);
                 }
             }
             apply(document, result, notifications);
@@ -164,7 +156,7 @@ public:
                 otherMembers_ = nlohmann::json::object();
                 ++generation_;
             }
-            logLine(kInfoLevel, "factory reset of " + path_);
+            log::write(log::Level::Info, kLogCategory, "factory reset of ", path_);
             outcome = saveLocked(false);
         }
         deliver(notifications);
@@ -212,11 +204,13 @@ public:
             std::size_t const index = indexOf(key);
             SettingCheck const check = definitions_[index].check(value);
             if (check.outcome == SettingCheck::Outcome::Rejected) {
-                logLine(kWarningLevel, "'" + key + "' refused: " + check.reason);
+                log::write(log::Level::Warning, kLogCategory, "'", key,
+                           "' refused: ", check.reason);
                 return false;
             }
             if (check.outcome == SettingCheck::Outcome::Clamped) {
-                logLine(kWarningLevel, "'" + key + "' clamped: " + check.reason);
+                log::write(log::Level::Warning, kLogCategory, "'", key,
+                           "' clamped: ", check.reason);
             }
             if (assign(index, check.value, source, notifications)) {
                 ++generation_;
@@ -364,7 +358,8 @@ private:
                     result.readOnly = true;
                     result.detail += "; the store is read-only so that the file is kept";
                 }
-                logLine(kErrorLevel, "cannot load settings: " + result.detail);
+                log::write(log::Level::Error, kLogCategory,
+                           "cannot load settings: ", result.detail);
                 return std::nullopt;
             case detail::ReadOutcome::TooLarge:
                 break;
@@ -394,11 +389,11 @@ private:
         std::string const movedTo =
             lockLocked(moveError) ? detail::moveAside(*fs_, file, moveError) : std::string();
         if (movedTo.empty()) {
-            logLine(kWarningLevel, result.detail + "; " + moveError);
+            log::write(log::Level::Warning, kLogCategory, result.detail, "; ", moveError);
         } else {
             result.movedAside.push_back(movedTo);
-            logLine(kWarningLevel, result.detail + "; moved aside to " + movedTo +
-                                       (isMain ? "; trying the backup" : "; using the defaults"));
+            log::write(log::Level::Warning, kLogCategory, result.detail, "; moved aside to ",
+                       movedTo, (isMain ? "; trying the backup" : "; using the defaults"));
         }
         return std::nullopt;
     }
@@ -441,17 +436,17 @@ private:
             detail::fromJson(*found, definition.type(), reason);
         values.erase(found);
         if (!read) {
-            logLine(kWarningLevel, "'" + definition.key() + "' in " + path_ + ": " + reason +
-                                       "; using the default " + toText(definition.defaultValue()));
+            log::write(log::Level::Warning, kLogCategory, "'", definition.key(), "' in ", path_,
+                       ": ", reason, "; using the default ", toText(definition.defaultValue()));
             return definition.defaultValue();
         }
         SettingCheck check = definition.check(*read);
         if (check.outcome == SettingCheck::Outcome::Clamped) {
-            logLine(kWarningLevel, "'" + definition.key() + "' in " + path_ + ": " + check.reason +
-                                       "; clamped to " + toText(check.value));
+            log::write(log::Level::Warning, kLogCategory, "'", definition.key(), "' in ", path_,
+                       ": ", check.reason, "; clamped to ", toText(check.value));
         } else if (check.outcome == SettingCheck::Outcome::Rejected) {
-            logLine(kWarningLevel, "'" + definition.key() + "' in " + path_ + ": " + check.reason +
-                                       "; using the default " + toText(check.value));
+            log::write(log::Level::Warning, kLogCategory, "'", definition.key(), "' in ", path_,
+                       ": ", check.reason, "; using the default ", toText(check.value));
         }
         return std::move(check.value);
     }
@@ -469,7 +464,7 @@ private:
             if (readOnly_) {
                 std::string const error = "cannot save settings to " + path_ +
                                           ": the store is read-only (" + readOnlyReason_ + ")";
-                logLine(kErrorLevel, error);
+                log::write(log::Level::Error, kLogCategory, error);
                 return {{false, error}, true};
             }
             document.application = options_.applicationName;
@@ -489,7 +484,7 @@ private:
         std::lock_guard<std::mutex> const lock(mutex_);
         if (!error.empty()) {
             std::string const message = "cannot save settings to " + path_ + ": " + error;
-            logLine(kErrorLevel, message);
+            log::write(log::Level::Error, kLogCategory, message);
             return {{false, message}, true};
         }
         ++writes_;
@@ -546,8 +541,8 @@ private:
             try {
                 listener(error);
             } catch (std::exception const& exception) {
-                logLine(kErrorLevel,
-                        std::string("a settings error listener threw: ") + exception.what());
+                log::write(log::Level::Error, kLogCategory,
+                           "a settings error listener threw: ", exception.what());
             }
         }
     }
@@ -643,8 +638,8 @@ private:
             try {
                 save(!force);
             } catch (std::exception const& exception) {
-                logLine(kErrorLevel, std::string("saving settings to ") + path_ +
-                                         " failed: " + exception.what());
+                log::write(log::Level::Error, kLogCategory, "saving settings to ", path_,
+                           " failed: ", exception.what());
             }
             lock.lock();
             busy_ = false;

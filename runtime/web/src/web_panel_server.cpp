@@ -27,10 +27,9 @@ namespace yxfrontpanel::runtime {
 
 namespace {
 
+namespace log = yxbase2::system::log;
+
 constexpr char const* kLogCategory = "libYxFrontPanelRuntime";
-constexpr int kWarning = 4;
-constexpr int kInfo = 6;
-constexpr int kDebug = 7;
 // A page's messages are tiny ({"key":"enter"}, a token); anything longer is not ours.
 constexpr std::size_t kLongestMessage = 512;
 // Request heads are a few hundred bytes; longer ones get 431.
@@ -48,18 +47,12 @@ constexpr unsigned kLoggedIgnoredMessages = 3;
 constexpr std::chrono::milliseconds kModeWatchPeriod{200};
 constexpr char const* kProtocolName = "yxfp-panel";
 
-void log(int level, std::string const& text) {
-    std::ostringstream message;
-    message << text;
-    yxbase2::system::log::log(level, kLogCategory, message);
-}
-
 extern "C" void logFromLibwebsockets(int /*level*/, char const* line) {
     std::string text(line);
     while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) {
         text.pop_back();
     }
-    log(kWarning, "web panel: " + text);
+    log::write(log::Level::Warning, kLogCategory, "web panel: " + text);
 }
 
 std::string peerOf(lws* wsi) {
@@ -189,7 +182,8 @@ public:
                 lws_service(context_, 0);
             }
         });
-        log(kInfo,
+        log::write(
+            log::Level::Info, kLogCategory,
             "web panel: serving on http://" + options_.address + ":" + std::to_string(port_) + "/");
     }
 
@@ -312,7 +306,8 @@ private:
 
     void refuse(lws* wsi, Session& session, int status, std::string const& reason,
                 std::string_view extraHeaders = {}) {
-        log(kWarning,
+        log::write(
+            log::Level::Warning, kLogCategory,
             "web panel: refused " + session.peer + " (" + std::to_string(status) + "): " + reason);
         session.outgoing = detail::httpResponse(status, "text/plain; charset=utf-8",
                                                 std::string(detail::statusText(status)) + "\n",
@@ -379,7 +374,8 @@ private:
         session.control = verdict.control;
         session.viewer = true;
         lws_set_timeout(wsi, NO_PENDING_TIMEOUT, 0);
-        log(kInfo, "web panel: " + session.peer + " connected" +
+        log::write(log::Level::Info, kLogCategory,
+                   "web panel: " + session.peer + " connected" +
                        (session.control ? "" : " (read-only viewer)"));
         if (++link_->viewers == 1) {
             std::shared_ptr<PanelLink> const link = link_;
@@ -397,15 +393,17 @@ private:
     void ignore(Session& session, std::string const& what) {
         ++session.ignoredMessages;
         if (session.ignoredMessages <= kLoggedIgnoredMessages) {
-            log(kDebug, "web panel: " + session.peer + " sent " + what + "; ignored" +
-                            (session.ignoredMessages == kLoggedIgnoredMessages
-                                 ? " (further ones are not logged)"
-                                 : ""));
+            log::write(log::Level::Debug, kLogCategory,
+                       "web panel: " + session.peer + " sent " + what + "; ignored" +
+                           (session.ignoredMessages == kLoggedIgnoredMessages
+                                ? " (further ones are not logged)"
+                                : ""));
         }
     }
 
     void fail(Session& session, std::uint16_t code, std::string const& reason) {
-        log(kWarning, "web panel: " + session.peer + " closed: " + reason);
+        log::write(log::Level::Warning, kLogCategory,
+                   "web panel: " + session.peer + " closed: " + reason);
         session.outgoing += detail::serverFrame(8, detail::closePayload(code));
         session.closeAfterWrite = true;
         session.hangUp = true;
@@ -537,9 +535,10 @@ private:
                 session.waiting = true;
                 session.waitingSince = now;
             } else if (now - session.waitingSince > options_.stalledViewerTimeout) {
-                log(kWarning, "web panel: " + session.peer + " took no frame for " +
-                                  std::to_string(options_.stalledViewerTimeout.count()) +
-                                  " ms; dropped");
+                log::write(log::Level::Warning, kLogCategory,
+                           "web panel: " + session.peer + " took no frame for " +
+                               std::to_string(options_.stalledViewerTimeout.count()) +
+                               " ms; dropped");
                 session.state = State::Closing;
                 lws_set_timeout(wsi, PENDING_TIMEOUT_USER_OK, LWS_TO_KILL_ASYNC);
                 continue;
@@ -555,7 +554,8 @@ private:
         }
         bool const viewer = found->second.viewer;
         if (viewer) {
-            log(kInfo, "web panel: " + found->second.peer + " disconnected");
+            log::write(log::Level::Info, kLogCategory,
+                       "web panel: " + found->second.peer + " disconnected");
         }
         sessions_.erase(found);
         if (viewer && --link_->viewers == 0) {

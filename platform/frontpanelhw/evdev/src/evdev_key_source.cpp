@@ -20,10 +20,6 @@ namespace {
 namespace log = yxbase2::system::log;
 using TimePoint = std::chrono::steady_clock::time_point;
 
-constexpr int kError = 3;
-constexpr int kWarning = 4;
-constexpr int kInfo = 6;
-constexpr int kDebug = 7;
 // Longer waits are cut to this, so that the deadline can never overflow the clock.
 constexpr std::chrono::milliseconds kLongestWait = std::chrono::hours(24);
 // Records read at once: enough for every key of a keypad changing in one report.
@@ -33,12 +29,6 @@ constexpr std::size_t kRecordsPerRead = 64;
 constexpr std::chrono::milliseconds kFirstPollBackoff{10};
 constexpr std::chrono::milliseconds kLongestPollBackoff{1000};
 constexpr unsigned kPollFailuresToStop = 8;
-
-void logLine(int level, std::string const& text) {
-    std::ostringstream message;
-    message << text;
-    log::log(level, "evdev", message);
-}
 
 std::chrono::milliseconds ceilMilliseconds(std::chrono::steady_clock::duration duration) {
     return std::max(std::chrono::milliseconds(0),
@@ -219,7 +209,8 @@ private:
         }
         if (size < 0) {
             int const error = errno;
-            logLine(kWarning, name_ + ": " + std::system_category().message(error));
+            log::write(log::Level::Warning, "evdev",
+                       name_ + ": " + std::system_category().message(error));
         }
         inputEnded();
         return true;
@@ -232,7 +223,8 @@ private:
             name_ + ": waiting for input failed: " + std::system_category().message(error);
         if (++pollFailures_ < kPollFailuresToStop) {
             if (pollFailures_ == 1) {
-                logLine(kWarning, what + "; trying again with growing pauses");
+                log::write(log::Level::Warning, "evdev",
+                           what + "; trying again with growing pauses");
             }
             auto const backoff =
                 std::min(kFirstPollBackoff * (1U << (pollFailures_ - 1)), kLongestPollBackoff);
@@ -240,7 +232,7 @@ private:
             return;
         }
         error_ = what + " (" + std::to_string(pollFailures_) + " times in a row)";
-        logLine(kError, error_ + "; the input has stopped");
+        log::write(log::Level::Error, "evdev", error_ + "; the input has stopped");
         decoder_.finish(pending_);
         pending_.push_back(KeyEvent::closed());
         closeDescriptor();
@@ -253,10 +245,12 @@ private:
         closeDescriptor();
         if (canReopen_) {
             nextReopen_ = options_.clock() + options_.reopenInterval;
-            logLine(kInfo, name_ + " has closed; opening it again when it is back");
+            log::write(log::Level::Info, "evdev",
+                       name_ + " has closed; opening it again when it is back");
         } else {
             // The end of a pipe or file is the expected end of a replay, not news.
-            logLine(isDevice_ ? kInfo : kDebug, name_ + " has closed");
+            log::write(isDevice_ ? log::Level::Info : log::Level::Debug, "evdev",
+                       name_ + " has closed");
         }
     }
 
@@ -268,11 +262,11 @@ private:
         }
         try {
             adopt(descriptor);
-            logLine(kInfo, name_ + " is back");
+            log::write(log::Level::Info, "evdev", name_ + " is back");
             lastRefusal_.clear();
         } catch (InputDeviceError const& error) {
             if (error.what() != lastRefusal_) {  // once, not at every try
-                logLine(kWarning, error.what());
+                log::write(log::Level::Warning, "evdev", error.what());
                 lastRefusal_ = error.what();
             }
         }

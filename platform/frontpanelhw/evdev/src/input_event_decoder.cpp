@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <sstream>
 #include <utility>
 
 namespace frontpanelhw::detail {
@@ -13,7 +12,6 @@ namespace {
 
 namespace log = yxbase2::system::log;
 
-constexpr int kWarning = 4;
 // A garbage stream gets this many log lines, then one saying that the rest is not logged.
 constexpr unsigned kMostSkipLogLines = 8;
 
@@ -45,11 +43,9 @@ void InputEventDecoder::feed(char const* data, std::size_t size, std::deque<KeyE
 
 void InputEventDecoder::finish(std::deque<KeyEvent>& out) {
     if (!partial_.empty()) {
-        std::ostringstream message;
-        message << name_ << ": " << partial_.size()
-                << " bytes at the end are not a whole input event record (" << sizeof(input_event)
-                << " bytes); skipped";
-        log::log(kWarning, "evdev", message);
+        log::write(log::Level::Warning, "evdev", name_, ": ", partial_.size(),
+                   " bytes at the end are not a whole input event record (", sizeof(input_event),
+                   " bytes); skipped");
         partial_.clear();
     }
     for (int const code : std::set<int>(heldCodes_)) {
@@ -65,14 +61,12 @@ void InputEventDecoder::skipped(input_event const& record, char const* why) {
     if (skippedRecords_ > kMostSkipLogLines + 1) {
         return;
     }
-    std::ostringstream message;
     if (skippedRecords_ == kMostSkipLogLines + 1) {
-        message << name_ << ": more records skipped; not logging them";
+        log::write(log::Level::Warning, "evdev", name_, ": more records skipped; not logging them");
     } else {
-        message << name_ << ": skipped an input event record (" << why << "): type " << record.type
-                << ", code " << record.code << ", value " << record.value;
+        log::write(log::Level::Warning, "evdev", name_, ": skipped an input event record (", why,
+                   "): type ", record.type, ", code ", record.code, ", value ", record.value);
     }
-    log::log(kWarning, "evdev", message);
 }
 
 void InputEventDecoder::handle(input_event const& record, std::deque<KeyEvent>& out) {

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <set>
-#include <sstream>
 #include <utility>
 
 #include "gpiod_edge_source.h"
@@ -15,7 +14,6 @@ namespace {
 
 namespace log = yxbase2::system::log;
 
-constexpr int kWarning = 4;
 constexpr std::chrono::milliseconds kLongestWait = std::chrono::hours(24);
 
 std::chrono::milliseconds ceilMilliseconds(std::chrono::steady_clock::duration duration) {
@@ -63,12 +61,10 @@ GpioKeySource::GpioKeySource(std::unique_ptr<IGpioEdgeSource> edges, GpioKeyOpti
     for (auto const& [key, offset] : options_.lines) {
         bool const pressed = edges_->level(offset) != options_.activeLow;
         if (pressed) {
-            std::ostringstream message;
-            message << "GPIO line " << offset << " (" << panelKeyName(key)
-                    << ") reads as pressed at start; if no one holds that key, the line's "
-                    << (options_.activeLow ? "active-low" : "active-high")
-                    << " setting is probably wrong";
-            log::log(kWarning, "gpio", message);
+            log::write(log::Level::Warning, "gpio", "GPIO line ", offset, " (", panelKeyName(key),
+                       ") reads as pressed at start; if no one holds that key, the line's ",
+                       options_.activeLow ? "active-low" : "active-high",
+                       " setting is probably wrong");
         }
         lines_[offset] = Line{key, pressed, false, {}, options_.clock()};
     }
@@ -176,9 +172,7 @@ void GpioKeySource::settle() {
 }
 
 void GpioKeySource::linesLost(char const* why) {
-    std::ostringstream message;
-    message << why << "; the GPIO keys have stopped";
-    log::log(kWarning, "gpio", message);
+    log::write(log::Level::Warning, "gpio", why, "; the GPIO keys have stopped");
     for (auto& entry : lines_) {
         if (entry.second.pressed) {
             entry.second.pressed = false;
