@@ -3,6 +3,7 @@
 #include <yxfrontpanel/runtime/export.h>
 #include <yxfrontpanel/runtime/scpi_error.h>
 #include <yxfrontpanel/runtime/scpi_parser.h>
+#include <yxfrontpanel/runtime/scpi_status.h>
 
 #include <cstddef>
 #include <functional>
@@ -13,10 +14,34 @@
 
 namespace yxfrontpanel::runtime::scpi {
 
-/** What the server keeps for one client across its command lines. */
+/** What the server keeps for one client (one connection, one VXI-11 link) across its command
+ *  lines: its error queue and its status registers. Per client, so that one program's errors
+ *  and enables never disturb another's polling. Not copyable: the queue reports to the status
+ *  model of the same session. */
 struct YXFP_RUNTIME_EXPORT Session {
-    /** The client's errors, read with `SYSTem:ERRor?`. */
+    Session();
+    Session(Session const&) = delete;
+    Session& operator=(Session const&) = delete;
+
+    /** The client's errors, read with `SYSTem:ERRor?`; each pushed error sets its ESR bit. */
     ErrorQueue errors;
+    /** The client's status registers (`*STB?`, `*ESR?`, `STATus:...`). */
+    StatusModel status;
+    /** Whether the transport holds a response the client has not read yet: MAV in `*STB?`
+     *  and in a transport's own status byte read. The transport keeps it current. */
+    bool messageAvailable = false;
+
+    /** A transport's device clear (VXI-11 device_clear): forgets pending output state
+     *  (`messageAvailable`); the status registers and error queue stay, as IEEE 488.2 says. */
+    void deviceClear() { messageAvailable = false; }
+};
+
+/** What the application supplies to the common commands: `*RST` and `*TST?`. */
+struct YXFP_RUNTIME_EXPORT InstrumentHooks {
+    /** Called by `*RST` on the panel's thread: the instrument to its defaults. May be empty. */
+    std::function<void()> reset;
+    /** Called by `*TST?`: 0 when the self-test passed, else a failure code. Empty answers 0. */
+    std::function<int()> selfTest;
 };
 
 /** One command as a handler sees it: its parameters, its client, and where its response goes.
@@ -156,8 +181,14 @@ struct YXFP_RUNTIME_EXPORT Identity {
     std::string firmwareVersion = "0";
 };
 
-/** Registers the common commands: `*IDN?` (from `identity`), `*CLS` (empties the client's error
- *  queue), `*OPC?` (answers 1 once everything before it ran) and `SYSTem:ERRor[:NEXT]?`. */
-YXFP_RUNTIME_EXPORT void addCommonCommands(CommandTable& table, Identity const& identity);
+/** Registers the IEEE 488.2 common commands and the SCPI required commands: `*IDN?` (from
+ *  `identity`), `*CLS`, `*ESE`, `*ESE?`, `*ESR?`, `*SRE`, `*SRE?`, `*STB?`, `*OPC`, `*OPC?`,
+ *  `*WAI`, `*RST`, `*TST?` (the last two through `hooks`), `SYSTem:ERRor[:NEXT]?`,
+ *  `SYSTem:ERRor:COUNt?`, `SYSTem:VERSion?`, `STATus:OPERation|QUEStionable[:EVENt]?`,
+ *  `:CONDition?`, `:ENABle[?]`, `:PTRansition[?]`, `:NTRansition[?]` and `STATus:PRESet`.
+ *  Commands run in order on the panel's thread, so `*OPC`, `*OPC?` and `*WAI` complete once
+ *  every command before them (and the panel work they posted) ran. */
+YXFP_RUNTIME_EXPORT void addCommonCommands(CommandTable& table, Identity const& identity,
+                                           InstrumentHooks hooks = {});
 
 }  // namespace yxfrontpanel::runtime::scpi

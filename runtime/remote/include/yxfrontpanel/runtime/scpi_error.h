@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <deque>
+#include <functional>
 #include <mutex>
 #include <stdexcept>
 #include <string>
@@ -119,9 +120,13 @@ public:
     void clear();
     /** The number of entries. */
     std::size_t size() const;
+    /** Calls `observer` with the code of every error pushed (and with "Queue overflow" when
+     *  one is lost), outside the queue's lock: the status model sets its event bits so. */
+    void setObserver(std::function<void(ErrorCode)> observer);
 
 private:
     mutable std::mutex mutex_;
+    std::function<void(ErrorCode)> observer_;
     std::size_t capacity_;
     std::deque<ErrorEntry> entries_;
 };
