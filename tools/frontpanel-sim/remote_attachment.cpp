@@ -1,6 +1,7 @@
 #include "remote_attachment.h"
 
 #include <iostream>
+#include <stdexcept>
 #include <utility>
 
 namespace frontpanelsim {
@@ -18,6 +19,11 @@ void RemoteAttachment::attach(SimContext const& context) {
     PanelApp& app = context.app;
     options.localMode.get = [&app] { return app.isLocal(); };
     options.localMode.set = [&app](bool local) { app.setLocal(local); };
+    options.hooks.reset = [&app] {
+        if (!app.resetDefaults()) {
+            throw std::runtime_error("the defaults could not be restored");
+        }
+    };
     remote_ = std::make_unique<yxfrontpanel::runtime::RemoteControl>(context.panel, options);
     remote_->start();
     // The bound addresses, with the port the system picked for port 0, for scripts to read.

@@ -22,6 +22,8 @@ struct RemoteControlOptions {
     RemoteServerOptions server;
     /** What `*IDN?` answers. */
     scpi::Identity identity;
+    /** What `*RST` and `*TST?` call. */
+    scpi::InstrumentHooks hooks;
     /** How the panel commands behave (e.g. `MENU:VALue` writes switching to REMOTE). */
     PanelCommandOptions panel;
     /** How `SYSTem:REMote`, `SYSTem:LOCal` and `SYSTem:MODE?` switch and read the mode; by
