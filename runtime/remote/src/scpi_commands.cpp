@@ -180,16 +180,19 @@ Parameter const& Request::parameter(std::size_t index) const {
 
 double Request::number(std::size_t index) const {
     Parameter const& value = parameter(index);
-    double result = 0.0;
-    char const* const begin = value.text.data();
-    char const* const end = begin + value.text.size();
-    // from_chars does not take a leading '+', which SCPI numbers may have.
-    char const* const start = (begin != end && *begin == '+') ? begin + 1 : begin;
-    auto const [last, error] = std::from_chars(start, end, result);
-    if (value.quoted || error != std::errc{} || last != end || start == end) {
+    if (value.quoted) {
         throw Error(ErrorCode::DataTypeError, "not a number: " + value.text);
     }
-    return result;
+    return parseNumber(value.text);
+}
+
+double Request::number(std::size_t index, NumericBounds const& bounds,
+                       std::string_view unit) const {
+    Parameter const& value = parameter(index);
+    if (value.quoted) {
+        throw Error(ErrorCode::DataTypeError, "not a number: " + value.text);
+    }
+    return parseNumber(value.text, unit, bounds);
 }
 
 long Request::integer(std::size_t index) const {

@@ -90,6 +90,12 @@ std::string errorText(ErrorCode code) {
             return "Missing parameter";
         case ErrorCode::UndefinedHeader:
             return "Undefined header";
+        case ErrorCode::InvalidSuffix:
+            return "Invalid suffix";
+        case ErrorCode::SuffixNotAllowed:
+            return "Suffix not allowed";
+        case ErrorCode::InvalidBlockData:
+            return "Invalid block data";
         case ErrorCode::InvalidStringData:
             return "Invalid string data";
         case ErrorCode::ExecutionError:

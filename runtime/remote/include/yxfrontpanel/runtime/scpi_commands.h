@@ -2,6 +2,7 @@
 
 #include <yxfrontpanel/runtime/export.h>
 #include <yxfrontpanel/runtime/scpi_error.h>
+#include <yxfrontpanel/runtime/scpi_number.h>
 #include <yxfrontpanel/runtime/scpi_parser.h>
 #include <yxfrontpanel/runtime/scpi_status.h>
 
@@ -65,6 +66,10 @@ public:
     /** The parameter as a decimal number ("12.5", "-3", "1e3"), classic notation whatever the
      *  locale. @throws Error (missing parameter, data type error for text or a quoted string). */
     double number(std::size_t index) const;
+    /** The parameter as a number with an optional suffix in `unit` ("500 mV" is 0.5 for "V")
+     *  and the words MINimum, MAXimum and DEFault for `bounds`; see `parseNumber`.
+     *  @throws Error as `parseNumber`, and missing parameter. */
+    double number(std::size_t index, NumericBounds const& bounds, std::string_view unit = {}) const;
     /** The parameter as a whole number. @throws Error as `number`, and data type error for a
      *  fraction or a number outside the range of long. */
     long integer(std::size_t index) const;
