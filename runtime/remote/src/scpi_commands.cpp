@@ -211,6 +211,8 @@ void Request::respond(std::string line) {
     responses_.push_back(std::move(line));
 }
 
+void Request::respondBlock(std::string_view bytes) { responses_.push_back(definiteBlock(bytes)); }
+
 void Request::deferRest() { deferred_ = true; }
 
 std::vector<std::string> const& Request::responses() const { return responses_; }

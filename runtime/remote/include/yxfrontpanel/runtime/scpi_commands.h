@@ -76,6 +76,9 @@ public:
     /** Sends `line` (without newline) to the client as one response line; a query gives one.
      *  Newlines inside `line` are replaced by blanks so that one line stays one line. */
     void respond(std::string line);
+    /** Sends `bytes` as one definite-length arbitrary block response (`#<n><length><bytes>`),
+     *  the bytes unchanged, newlines included. */
+    void respondBlock(std::string_view bytes);
     /** Lets the rest of the command line wait for the next turn of the panel's loop: for a
      *  command whose effect the panel applies later (a key press), so that the commands after
      *  it see that effect. */
