@@ -4,7 +4,9 @@ SCPI socket (TCPIP::127.0.0.1::PORT::SOCKET), as an instrument's user would.
 
 Usage: pyvisa_socket_test.py FRONTPANEL_SIM"""
 
+import csv
 import re
+import struct
 import subprocess
 import sys
 
@@ -67,6 +69,15 @@ def main():
         check("screen after Enter opens the Output menu", "Voltage" in screen, True)
         inst.write("*RST")
         check("*OPC? after *RST", inst.query("*OPC?"), "1")
+
+        # A screenshot: a definite-length block holding a PNG of columns x 6 by lines x 8.
+        lines = next(csv.reader([inst.query("DISP:TEXT?")]))
+        png = inst.query_binary_values("HCOP:SDUM:DATA?", datatype="B", container=bytes)
+        check("screenshot is a PNG", png[:8], b"\x89PNG\r\n\x1a\n")
+        width, height = struct.unpack(">II", png[16:24])
+        check("screenshot size", (png[12:16], width, height),
+              (b"IHDR", len(lines[0]) * 6, len(lines) * 8))
+        check("*OPC? after the screenshot", inst.query("*OPC?"), "1")
 
         # Error queue overflow: the last entry is -350.
         inst.write("*CLS")

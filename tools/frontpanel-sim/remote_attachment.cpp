@@ -4,6 +4,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "screenshot.h"
+
 namespace frontpanelsim {
 
 RemoteAttachment::RemoteAttachment(std::vector<std::string> addresses)
@@ -24,6 +26,10 @@ void RemoteAttachment::attach(SimContext const& context) {
             throw std::runtime_error("the defaults could not be restored");
         }
     };
+    if (screenshotsAvailable()) {
+        yxfrontpanel::runtime::Panel* const panel = &context.panel;
+        options.screenshotPng = [panel] { return screenshotPng(panel->shownFrame()); };
+    }
     remote_ = std::make_unique<yxfrontpanel::runtime::RemoteControl>(context.panel, options);
     remote_->start();
     // The bound addresses, with the port the system picked for port 0, for scripts to read.

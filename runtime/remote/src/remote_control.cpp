@@ -14,6 +14,9 @@ RemoteControl::RemoteControl(Panel& panel, RemoteControlOptions options)
       table_(std::make_shared<scpi::CommandTable>()) {
     scpi::addCommonCommands(*table_, options_.identity, options_.hooks);
     addPanelCommands(*table_, control_, options_.panel);
+    if (options_.screenshotPng) {
+        scpi::addScreenshotCommands(*table_, options_.screenshotPng);
+    }
 }
 
 RemoteControl::~RemoteControl() { stop(); }

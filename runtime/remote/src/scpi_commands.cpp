@@ -472,4 +472,13 @@ void addCommonCommands(CommandTable& table, Identity const& identity, Instrument
     table.add("STATus:PRESet", [](Request& request) { request.session().status.preset(); });
 }
 
+void addScreenshotCommands(CommandTable& table, std::function<std::string()> screenshotPng) {
+    if (!screenshotPng) {
+        throw std::invalid_argument("no screenshot provider");
+    }
+    table.add("HCOPy:SDUMp:DATA?",
+              [png = std::move(screenshotPng)](Request& request) { request.respondBlock(png()); });
+    table.addReader("HCOPy:SDUMp:DATA:FORMat?", [](Request& request) { request.respond("PNG"); });
+}
+
 }  // namespace yxfrontpanel::runtime::scpi

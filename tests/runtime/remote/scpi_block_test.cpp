@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -57,6 +58,20 @@ TEST(ScpiBlockTest, BlocksGoOutWithTheirLengthAndBytesUnchanged) {
         "ECHO", [](Request& request) { request.respondBlock(request.parameter(0).text); }, 1, 1);
     EXPECT_EQ(yxfp_test::runLine(table, session, "DATA?"), std::vector<std::string>{"#13a\nb"});
     EXPECT_EQ(yxfp_test::runLine(table, session, "ECHO #12;;"), std::vector<std::string>{"#12;;"});
+}
+
+}  // namespace
+
+namespace {
+
+TEST(ScreenshotCommandTest, AnswersTheProvidersBytesAsOneBlock) {
+    using namespace yxfrontpanel::runtime::scpi;
+    CommandTable table;
+    Session session;
+    addScreenshotCommands(table, [] { return std::string("\x89PNG\n", 5); });
+    EXPECT_EQ(yxfp_test::runLine(table, session, "HCOP:SDUM:DATA?;DATA:FORM?"),
+              (std::vector<std::string>{std::string("#15\x89PNG\n", 8), "PNG"}));
+    EXPECT_THROW(addScreenshotCommands(table, nullptr), std::invalid_argument);
 }
 
 }  // namespace

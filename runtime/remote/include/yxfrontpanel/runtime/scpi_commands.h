@@ -199,4 +199,9 @@ struct YXFP_RUNTIME_EXPORT Identity {
 YXFP_RUNTIME_EXPORT void addCommonCommands(CommandTable& table, Identity const& identity,
                                            InstrumentHooks hooks = {});
 
+/** Registers `HCOPy:SDUMp:DATA?` (the PNG bytes from `screenshotPng` as a definite-length
+ *  block) and `HCOPy:SDUMp:DATA:FORMat?` (answers PNG). */
+YXFP_RUNTIME_EXPORT void addScreenshotCommands(CommandTable& table,
+                                               std::function<std::string()> screenshotPng);
+
 }  // namespace yxfrontpanel::runtime::scpi
