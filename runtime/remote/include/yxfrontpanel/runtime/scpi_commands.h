@@ -20,6 +20,7 @@ namespace yxfrontpanel::runtime::scpi {
  *  and enables never disturb another's polling. Not copyable: the queue reports to the status
  *  model of the same session. */
 struct YXFP_RUNTIME_EXPORT Session {
+    /** An empty queue whose errors set the bits of `status`, everything clear. */
     Session();
     Session(Session const&) = delete;
     Session& operator=(Session const&) = delete;
