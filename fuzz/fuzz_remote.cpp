@@ -3,16 +3,20 @@
 // checking after each line that every query answered at most one line, responses are single
 // lines, the error queue stays bounded and the set voltage stays within its bounds; and that the
 // parser's bounds hold: at most the limits' commands, mnemonics and parameters per line, and the
-// parsed line's mnemonics (shared paths counted once) in proportion to the line's length.
+// parsed line's mnemonics (shared paths counted once) in proportion to the line's length;
+// that every arbitrary block parses back to the same bytes when written again, and that a
+// number read with a unit agrees with the same text read without one.
 #include <frontpanelhw/display.h>
 #include <yxbase2/this_thread.h>
 #include <yxfrontpanel/runtime/menu_values.h>
 #include <yxfrontpanel/runtime/panel_commands.h>
 #include <yxfrontpanel/runtime/remote_panel.h>
 #include <yxfrontpanel/runtime/scpi_commands.h>
+#include <yxfrontpanel/runtime/scpi_number.h>
 #include <yxfrontpanel/yxfrontpanel.h>
 
 #include <charconv>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -64,6 +68,39 @@ void checkBounds(std::string_view line, scpi::ParsedLine const& parsed) {
     yxfp_fuzz::check(stored <= limits.maxMnemonics * line.size() + 1, "parsed memory bounded");
 }
 
+/** Blocks round-trip and unit suffixes only ever scale a number that parses bare. */
+void checkParameters(scpi::ParsedLine const& parsed) {
+    for (auto const& command : parsed.commands) {
+        for (auto const& parameter : command.parameters) {
+            if (parameter.block) {
+                scpi::ParsedLine const again =
+                    scpi::parseLine("X " + scpi::definiteBlock(parameter.text));
+                yxfp_fuzz::check(!again.error && again.commands.size() == 1 &&
+                                     again.commands[0].parameters.size() == 1 &&
+                                     again.commands[0].parameters[0].text == parameter.text,
+                                 "blocks round-trip");
+                continue;
+            }
+            double bare = 0.0;
+            bool bareOk = true;
+            try {
+                bare = scpi::parseNumber(parameter.text);
+            } catch (scpi::Error const&) {
+                bareOk = false;
+            }
+            try {
+                double const withUnit = scpi::parseNumber(parameter.text, "V");
+                if (bareOk) {
+                    yxfp_fuzz::check(withUnit == bare || (std::isnan(withUnit) && std::isnan(bare)),
+                                     "a bare number reads the same with a unit declared");
+                }
+            } catch (scpi::Error const&) {
+                yxfp_fuzz::check(!bareOk, "a bare number also parses with a unit declared");
+            }
+        }
+    }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(uint8_t const* data, size_t size) {
@@ -76,6 +113,14 @@ extern "C" int LLVMFuzzerTestOneInput(uint8_t const* data, size_t size) {
     scpi::addCommonCommands(table, scpi::Identity{});
     yxfrontpanel::runtime::addPanelCommands(
         table, std::make_shared<yxfrontpanel::runtime::TreeControl>(demo.root(), display));
+    // A command with a unit and bounds, as an application declares one.
+    double level = 0.0;
+    table.add(
+        "SOURce:LEVel",
+        [&level](scpi::Request& request) {
+            level = request.number(0, scpi::NumericBounds{-5.0, 5.0, 0.0}, "V");
+        },
+        1, 1);
     scpi::Session session;
 
     std::string_view input(reinterpret_cast<char const*>(data), size);
@@ -85,6 +130,7 @@ extern "C" int LLVMFuzzerTestOneInput(uint8_t const* data, size_t size) {
         scpi::ParsedLine const parsed = scpi::parseLine(line);
         input.remove_prefix(newline == std::string_view::npos ? input.size() : newline + 1);
         checkBounds(line, parsed);
+        checkParameters(parsed);
 
         // A line of readers only may be answered without the panel: never more than one
         // answer per query, and only when every command is a reader.

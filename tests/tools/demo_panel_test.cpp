@@ -52,6 +52,18 @@ TEST(DemoPanelTest, MeasurementFollowsTheOutputSwitchAndTheLoad) {
     EXPECT_DOUBLE_EQ(reading.amps, 0.5) << "5 V on the 10 ohm load";
 }
 
+TEST(DemoPanelTest, ResetDefaultsTurnsTheOutputOffWithoutAQuestion) {
+    RecordingProvider provider(20, 4);
+    DemoPanel demo(provider);
+    demo.root().setFocus(true);
+    for (PanelKey key : {PanelKey::Enter, PanelKey::Down, PanelKey::Down, PanelKey::Enter}) {
+        yxfrontpanel::applyKey(demo.root(), key);
+    }
+    ASSERT_EQ(demo.measure(2).volts, 5.0);
+    EXPECT_TRUE(demo.resetDefaults());
+    EXPECT_EQ(demo.measure(2).volts, 0.0) << "the output is off again";
+}
+
 TEST(DemoPanelTest, HomeScreenIsTheOutputStatusWithTheNewestReading) {
     RecordingProvider menus(20, 4);
     RecordingProvider home(20, 4);

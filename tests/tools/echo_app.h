@@ -37,6 +37,7 @@ public:
         }
     }
     bool isLocal() const override { return true; }
+    bool resetDefaults() override { return true; }
     Update acquire(unsigned sample) override {
         return [journal = journal_, sample] { journal->samplesShown.push_back(sample); };
     }

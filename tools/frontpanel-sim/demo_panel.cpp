@@ -167,19 +167,21 @@ void DemoPanel::buildSystemMenu() {
     // The confirm hint is as wide as half the panel and starts right of its middle, so on an
     // even-width panel its last column falls off the edge: a trailing blank keeps "Yes" whole.
     reset->enableUserDialog(provider_, "Reset settings", "to defaults?", "Yes ");
-    reset->action = [this] {
-#if YXFP_HAS_SETTINGS
-        if (store_ != nullptr) {
-            return store_->resetToDefaults().ok;  // the items and the state follow the store
-        }
-#endif
-        resetToDefaults();
-        return true;
-    };
+    reset->action = [this] { return resetDefaults(); };
 
     auto calibrate = add<yxfrontpanel::TriggerMenuItem>(*menu, u"Calibrate", 1000ms);
     calibrate->action = [] { return true; };
     calibrate->setAvailable(false);
+}
+
+bool DemoPanel::resetDefaults() {
+#if YXFP_HAS_SETTINGS
+    if (store_ != nullptr) {
+        return store_->resetToDefaults().ok;  // the items and the state follow the store
+    }
+#endif
+    resetToDefaults();
+    return true;
 }
 
 void DemoPanel::resetToDefaults() {

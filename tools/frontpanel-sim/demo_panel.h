@@ -39,6 +39,8 @@ public:
     yxfrontpanel::IMenuTree& root() override;
     void setLocal(bool local) override;
     bool isLocal() const override;
+    /** The settings store's defaults when one is bound, else the demo's own. */
+    bool resetDefaults() override;
     /** `show(measure(sample))`, to run on the panel's thread. */
     Update acquire(unsigned sample) override;
     /** The output status screen with the newest reading. */

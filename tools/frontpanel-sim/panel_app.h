@@ -31,6 +31,9 @@ public:
     /** LOCAL (true: front-panel edits allowed) or REMOTE mode. Panel's thread. */
     virtual void setLocal(bool local) = 0;
     virtual bool isLocal() const = 0;
+    /** Puts the instrument to its defaults (`*RST`; "Reset defaults" without the question).
+     *  Returns whether it worked. On the panel's thread. */
+    virtual bool resetDefaults() = 0;
     /** Takes measurement number `sample` (1, 2, ... one every half second) of the instrument
      *  and returns the update that shows it. Any thread: an acquisition thread calls it and
      *  publishes the update to the panel. */

@@ -1,7 +1,10 @@
 #include "remote_attachment.h"
 
 #include <iostream>
+#include <stdexcept>
 #include <utility>
+
+#include "screenshot.h"
 
 namespace frontpanelsim {
 
@@ -18,6 +21,15 @@ void RemoteAttachment::attach(SimContext const& context) {
     PanelApp& app = context.app;
     options.localMode.get = [&app] { return app.isLocal(); };
     options.localMode.set = [&app](bool local) { app.setLocal(local); };
+    options.hooks.reset = [&app] {
+        if (!app.resetDefaults()) {
+            throw std::runtime_error("the defaults could not be restored");
+        }
+    };
+    if (screenshotsAvailable()) {
+        yxfrontpanel::runtime::Panel* const panel = &context.panel;
+        options.screenshotPng = [panel] { return screenshotPng(panel->shownFrame()); };
+    }
     remote_ = std::make_unique<yxfrontpanel::runtime::RemoteControl>(context.panel, options);
     remote_->start();
     // The bound addresses, with the port the system picked for port 0, for scripts to read.

@@ -5,11 +5,13 @@
 #include <yxfrontpanel/radio_menu_item.h>
 #include <yxfrontpanel/runtime/menu_values.h>
 #include <yxfrontpanel/runtime/scpi_error.h>
+#include <yxfrontpanel/runtime/scpi_number.h>
 #include <yxfrontpanel/slider.h>
 #include <yxfrontpanel/slider_menu_item.h>
 #include <yxfrontpanel/tree_menu_item.h>
 #include <yxfrontpanel/value_editor_menu_item.h>
 
+#include <cctype>
 #include <charconv>
 #include <cmath>
 #include <functional>
@@ -176,6 +178,52 @@ MenuItem& findMenuItem(IMenuTree& root, std::string_view path) {
     return *item;
 }
 
+namespace {
+
+bool isDefault(std::string const& text) {
+    std::string word = text;
+    for (char& c : word) {
+        c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    }
+    return word == "DEF" || word == "DEFAULT";
+}
+
+/** `text` for a value editor: a number with an optional suffix in the editor's unit, or MIN or
+ *  MAX for its bounds. */
+double editorNumber(ValueEditor const& editor, std::string_view path, std::string const& text) {
+    if (isDefault(text)) {
+        throw Error(ErrorCode::IllegalParameterValue,
+                    "no default value known for " + std::string(path));
+    }
+    double const value =
+        scpi::parseNumber(text, utf16ToUtf8(editor.getUnit()),
+                          scpi::NumericBounds{editor.getMinValue(), editor.getMaxValue(), 0.0});
+    if (!std::isfinite(value)) {
+        throw Error(ErrorCode::DataTypeError, "not a number: " + text);
+    }
+    return value;
+}
+
+}  // namespace
+
+MenuValue readMenuBound(IMenuTree& root, std::string_view path, std::string const& which) {
+    MenuItem& item = findMenuItem(root, path);
+    auto* const number = dynamic_cast<ValueEditorMenuItem*>(&item);
+    if (number == nullptr) {
+        throw Error(ErrorCode::IllegalParameterValue, "no bounds for " + std::string(path));
+    }
+    ValueEditor const& editor = number->getEditor();
+    if (isDefault(which)) {
+        throw Error(ErrorCode::IllegalParameterValue,
+                    "no default value known for " + std::string(path));
+    }
+    double const value = editorNumber(editor, path, which);
+    if (value != editor.getMinValue() && value != editor.getMaxValue()) {
+        throw Error(ErrorCode::IllegalParameterValue, "not MIN or MAX: " + which);
+    }
+    return MenuValue{formatNumber(value, editor.getPrecision()), true};
+}
+
 MenuValue readMenuValue(IMenuTree& root, std::string_view path) {
     MenuItem& item = findMenuItem(root, path);
     if (auto* const number = dynamic_cast<ValueEditorMenuItem*>(&item)) {
@@ -214,11 +262,8 @@ void writeMenuValue(IMenuTree& root, std::string_view path, std::string const& t
         throw Error(ErrorCode::ExecutionError, "item not available: " + std::string(path));
     }
     if (auto* const number = dynamic_cast<ValueEditorMenuItem*>(&item)) {
-        std::optional<double> const value = parseNumber(text);
-        if (!value) {
-            throw Error(ErrorCode::DataTypeError, "not a number: " + text);
-        }
         ValueEditor& editor = number->getEditor();
+        std::optional<double> const value = editorNumber(editor, path, text);
         if (*value < editor.getMinValue() || *value > editor.getMaxValue()) {
             throw Error(ErrorCode::DataOutOfRange,
                         text + " outside " + formatNumber(editor.getMinValue(), 0) + " to " +

@@ -127,10 +127,13 @@ void addPanelCommands(scpi::CommandTable& table, std::shared_ptr<IRemotePanel> c
     table.add(
         "MENU:VALue?",
         [panel](Request& request) {
-            MenuValue const value = readMenuValue(rootOf(*panel), request.parameter(0).text);
+            MenuValue const value = request.parameterCount() > 1
+                                        ? readMenuBound(rootOf(*panel), request.parameter(0).text,
+                                                        request.parameter(1).text)
+                                        : readMenuValue(rootOf(*panel), request.parameter(0).text);
             request.respond(value.numeric ? value.text : scpi::quoted(value.text));
         },
-        1, 1);
+        1, 2);
     table.add(
         "MENU:VALue",
         [panel, options](Request& request) {

@@ -12,8 +12,11 @@ RemoteControl::RemoteControl(Panel& panel, RemoteControlOptions options)
       options_(std::move(options)),
       control_(std::make_shared<PanelControl>(panel, options_.localMode)),
       table_(std::make_shared<scpi::CommandTable>()) {
-    scpi::addCommonCommands(*table_, options_.identity);
+    scpi::addCommonCommands(*table_, options_.identity, options_.hooks);
     addPanelCommands(*table_, control_, options_.panel);
+    if (options_.screenshotPng) {
+        scpi::addScreenshotCommands(*table_, options_.screenshotPng);
+    }
 }
 
 RemoteControl::~RemoteControl() { stop(); }

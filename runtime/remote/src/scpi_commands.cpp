@@ -4,6 +4,7 @@
 #include <cctype>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <exception>
 #include <limits>
 #include <optional>
@@ -158,6 +159,10 @@ struct CommandTable::Entry {
     bool reader = false;
 };
 
+Session::Session() {
+    errors.setObserver([this](ErrorCode code) { status.recordError(static_cast<int>(code)); });
+}
+
 Request::Request(Command const& command, Session& session) : command_(command), session_(session) {}
 
 Command const& Request::command() const { return command_; }
@@ -175,16 +180,19 @@ Parameter const& Request::parameter(std::size_t index) const {
 
 double Request::number(std::size_t index) const {
     Parameter const& value = parameter(index);
-    double result = 0.0;
-    char const* const begin = value.text.data();
-    char const* const end = begin + value.text.size();
-    // from_chars does not take a leading '+', which SCPI numbers may have.
-    char const* const start = (begin != end && *begin == '+') ? begin + 1 : begin;
-    auto const [last, error] = std::from_chars(start, end, result);
-    if (value.quoted || error != std::errc{} || last != end || start == end) {
+    if (value.quoted) {
         throw Error(ErrorCode::DataTypeError, "not a number: " + value.text);
     }
-    return result;
+    return parseNumber(value.text);
+}
+
+double Request::number(std::size_t index, NumericBounds const& bounds,
+                       std::string_view unit) const {
+    Parameter const& value = parameter(index);
+    if (value.quoted) {
+        throw Error(ErrorCode::DataTypeError, "not a number: " + value.text);
+    }
+    return parseNumber(value.text, unit, bounds);
 }
 
 long Request::integer(std::size_t index) const {
@@ -202,6 +210,8 @@ void Request::respond(std::string line) {
     std::replace(line.begin(), line.end(), '\n', ' ');
     responses_.push_back(std::move(line));
 }
+
+void Request::respondBlock(std::string_view bytes) { responses_.push_back(definiteBlock(bytes)); }
 
 void Request::deferRest() { deferred_ = true; }
 
@@ -355,15 +365,120 @@ std::vector<std::string> CommandTable::patterns() const {
     return result;
 }
 
-void addCommonCommands(CommandTable& table, Identity const& identity) {
+namespace {
+
+/** The parameter as a register mask of `bits` bits. @throws Error (data out of range). */
+unsigned mask(Request const& request, unsigned bits) {
+    long const value = request.integer(0);
+    if (value < 0 || value >= (1L << bits)) {
+        throw Error(ErrorCode::DataOutOfRange, request.parameter(0).text);
+    }
+    return static_cast<unsigned>(value);
+}
+
+void addStatusRegister(CommandTable& table, std::string const& root, StatusModel::Set set) {
+    table.add(root + "[:EVENt]?", [set](Request& request) {
+        request.respond(std::to_string(request.session().status.with(set, [](StatusRegister& r) {
+            std::uint16_t const event = r.event;
+            r.event = 0;
+            return event;
+        })));
+    });
+    table.add(root + ":CONDition?", [set](Request& request) {
+        request.respond(std::to_string(
+            request.session().status.with(set, [](StatusRegister& r) { return r.condition; })));
+    });
+    using Field = std::uint16_t StatusRegister::*;
+    for (auto const& [name, field] :
+         {std::pair<char const*, Field>{":ENABle", &StatusRegister::enable},
+          std::pair<char const*, Field>{":PTRansition", &StatusRegister::positiveTransition},
+          std::pair<char const*, Field>{":NTRansition", &StatusRegister::negativeTransition}}) {
+        Field const member = field;
+        table.add(
+            root + name,
+            [set, member](Request& request) {
+                auto const value = static_cast<std::uint16_t>(mask(request, 16) & 0x7fffU);
+                request.session().status.with(set, [&](StatusRegister& r) { r.*member = value; });
+            },
+            1, 1);
+        table.add(root + name + "?", [set, member](Request& request) {
+            request.respond(std::to_string(
+                request.session().status.with(set, [&](StatusRegister& r) { return r.*member; })));
+        });
+    }
+}
+
+}  // namespace
+
+void addCommonCommands(CommandTable& table, Identity const& identity, InstrumentHooks hooks) {
     std::string const idn =
         withoutCommas(identity.manufacturer) + ',' + withoutCommas(identity.model) + ',' +
         withoutCommas(identity.serialNumber) + ',' + withoutCommas(identity.firmwareVersion);
     table.addReader("*IDN?", [idn](Request& request) { request.respond(idn); });
-    table.add("*CLS", [](Request& request) { request.session().errors.clear(); });
+    table.add("*CLS", [](Request& request) {
+        request.session().errors.clear();
+        request.session().status.clearEvents();
+    });
+    table.add(
+        "*ESE",
+        [](Request& request) {
+            request.session().status.setEventEnable(static_cast<std::uint8_t>(mask(request, 8)));
+        },
+        1, 1);
+    table.add("*ESE?", [](Request& request) {
+        request.respond(std::to_string(request.session().status.eventEnable()));
+    });
+    table.add("*ESR?", [](Request& request) {
+        request.respond(std::to_string(request.session().status.takeEvents()));
+    });
+    table.add(
+        "*SRE",
+        [](Request& request) {
+            request.session().status.setServiceRequestEnable(
+                static_cast<std::uint8_t>(mask(request, 8)));
+        },
+        1, 1);
+    table.add("*SRE?", [](Request& request) {
+        request.respond(std::to_string(request.session().status.serviceRequestEnable()));
+    });
+    table.add("*STB?", [](Request& request) {
+        Session const& session = request.session();
+        request.respond(std::to_string(session.status.statusByte(session.messageAvailable)));
+    });
+    // The table runs a client's commands in order on the panel's thread, after the panel work
+    // the commands before posted (a key press defers the rest of its line): by the time these
+    // run, all earlier operations are complete.
+    table.add("*OPC", [](Request& request) {
+        request.session().status.setEvent(StatusModel::OperationComplete);
+    });
     table.addReader("*OPC?", [](Request& request) { request.respond("1"); });
+    table.add("*WAI", [](Request&) {});
+    table.add("*RST", [reset = hooks.reset](Request&) {
+        if (reset) {
+            reset();
+        }
+    });
+    table.add("*TST?", [selfTest = hooks.selfTest](Request& request) {
+        request.respond(std::to_string(selfTest ? selfTest() : 0));
+    });
     table.add("SYSTem:ERRor[:NEXT]?",
               [](Request& request) { request.respond(request.session().errors.pop().format()); });
+    table.add("SYSTem:ERRor:COUNt?", [](Request& request) {
+        request.respond(std::to_string(request.session().errors.size()));
+    });
+    table.addReader("SYSTem:VERSion?", [](Request& request) { request.respond("1999.0"); });
+    addStatusRegister(table, "STATus:OPERation", StatusModel::Set::Operation);
+    addStatusRegister(table, "STATus:QUEStionable", StatusModel::Set::Questionable);
+    table.add("STATus:PRESet", [](Request& request) { request.session().status.preset(); });
+}
+
+void addScreenshotCommands(CommandTable& table, std::function<std::string()> screenshotPng) {
+    if (!screenshotPng) {
+        throw std::invalid_argument("no screenshot provider");
+    }
+    table.add("HCOPy:SDUMp:DATA?",
+              [png = std::move(screenshotPng)](Request& request) { request.respondBlock(png()); });
+    table.addReader("HCOPy:SDUMp:DATA:FORMat?", [](Request& request) { request.respond("PNG"); });
 }
 
 }  // namespace yxfrontpanel::runtime::scpi

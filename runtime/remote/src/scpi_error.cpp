@@ -90,6 +90,12 @@ std::string errorText(ErrorCode code) {
             return "Missing parameter";
         case ErrorCode::UndefinedHeader:
             return "Undefined header";
+        case ErrorCode::InvalidSuffix:
+            return "Invalid suffix";
+        case ErrorCode::SuffixNotAllowed:
+            return "Suffix not allowed";
+        case ErrorCode::InvalidBlockData:
+            return "Invalid block data";
         case ErrorCode::InvalidStringData:
             return "Invalid string data";
         case ErrorCode::ExecutionError:
@@ -135,12 +141,28 @@ ErrorEntry Error::entry() const { return ErrorEntry{code_, detail_}; }
 ErrorQueue::ErrorQueue(std::size_t capacity) : capacity_(capacity < 2 ? 2 : capacity) {}
 
 void ErrorQueue::push(ErrorEntry entry) {
-    std::lock_guard<std::mutex> const lock(mutex_);
-    if (entries_.size() < capacity_) {
-        entries_.push_back(std::move(entry));
-        return;
+    ErrorCode const code = entry.code;
+    bool overflow = false;
+    {
+        std::lock_guard<std::mutex> const lock(mutex_);
+        if (entries_.size() < capacity_) {
+            entries_.push_back(std::move(entry));
+        } else {
+            entries_.back() = ErrorEntry{ErrorCode::QueueOverflow, {}};
+            overflow = true;
+        }
     }
-    entries_.back() = ErrorEntry{ErrorCode::QueueOverflow, {}};
+    if (observer_) {
+        observer_(code);
+        if (overflow) {
+            observer_(ErrorCode::QueueOverflow);
+        }
+    }
+}
+
+void ErrorQueue::setObserver(std::function<void(ErrorCode)> observer) {
+    std::lock_guard<std::mutex> const lock(mutex_);
+    observer_ = std::move(observer);
 }
 
 ErrorEntry ErrorQueue::pop() {

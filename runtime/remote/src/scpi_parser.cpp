@@ -78,6 +78,41 @@ public:
         }
     }
 
+    /** A definite-length block at '#'; the indefinite form `#0` is refused. */
+    std::optional<ErrorEntry> readBlock(Parameter& parameter) {
+        ++pos_;
+        if (pos_ >= line_.size() || line_[pos_] < '1' || line_[pos_] > '9') {
+            bool const indefinite = pos_ < line_.size() && line_[pos_] == '0';
+            return ErrorEntry{ErrorCode::InvalidBlockData,
+                              indefinite ? "indefinite-length blocks (#0) are not accepted; "
+                                           "send #<digits><length><bytes>"
+                                         : "no length digit after #"};
+        }
+        std::size_t const digits = static_cast<std::size_t>(line_[pos_] - '0');
+        ++pos_;
+        if (line_.size() - pos_ < digits) {
+            return ErrorEntry{ErrorCode::InvalidBlockData, "block length cut short"};
+        }
+        std::size_t length = 0;
+        for (std::size_t i = 0; i < digits; ++i) {
+            char const c = line_[pos_ + i];
+            if (c < '0' || c > '9') {
+                return ErrorEntry{ErrorCode::InvalidBlockData, "block length is not digits"};
+            }
+            length = length * 10 + static_cast<std::size_t>(c - '0');
+        }
+        pos_ += digits;
+        if (line_.size() - pos_ < length) {
+            return ErrorEntry{ErrorCode::InvalidBlockData,
+                              "block announces " + std::to_string(length) + " bytes, " +
+                                  std::to_string(line_.size() - pos_) + " follow"};
+        }
+        parameter.text = std::string(line_.substr(pos_, length));
+        parameter.block = true;
+        pos_ += length;
+        return std::nullopt;
+    }
+
     std::optional<ErrorEntry> readParameters(Command& command, std::size_t maxParameters) {
         skipBlanks();
         if (atCommandEnd()) {
@@ -86,7 +121,12 @@ public:
         while (true) {
             skipBlanks();
             Parameter parameter;
-            if (pos_ < line_.size() && (line_[pos_] == '"' || line_[pos_] == '\'')) {
+            if (pos_ < line_.size() && line_[pos_] == '#') {
+                if (auto error = readBlock(parameter)) {
+                    return error;
+                }
+                skipBlanks();
+            } else if (pos_ < line_.size() && (line_[pos_] == '"' || line_[pos_] == '\'')) {
                 if (auto error = readString(parameter)) {
                     return error;
                 }
@@ -166,7 +206,7 @@ private:
 }  // namespace
 
 bool Parameter::operator==(Parameter const& other) const {
-    return text == other.text && quoted == other.quoted;
+    return text == other.text && quoted == other.quoted && block == other.block;
 }
 
 std::string Command::header() const {
@@ -255,6 +295,13 @@ ParsedParameters parseParameters(std::string_view text) {
     parsed.error = reader.readParameters(command, ParseLimits{}.maxParameters);
     parsed.parameters = std::move(command.parameters);
     return parsed;
+}
+
+std::string definiteBlock(std::string_view bytes) {
+    std::string const length = std::to_string(bytes.size());
+    std::string block = "#" + std::to_string(length.size()) + length;
+    block.append(bytes.data(), bytes.size());
+    return block;
 }
 
 std::string quoted(std::string_view text) {

@@ -103,6 +103,27 @@ TEST_F(PanelCommandsTest, MenuValueWritesGoThroughTheItemToTheApplication) {
               (Lines{"12.50", R"("On")", R"("10.0.0.2")", "6", R"("High")"}));
 }
 
+TEST_F(PanelCommandsTest, MenuValueTakesTheEditorsUnitWithPrefixes) {
+    run("MENU:VAL \"Output/Voltage\",500 mV");
+    EXPECT_EQ(run("MENU:VAL? \"Output/Voltage\""), Lines{"0.50"});
+    run("MENU:VAL \"Output/Voltage\",1.5 A");
+    EXPECT_EQ(error(), R"(-131,"Invalid suffix;A for V")");
+    EXPECT_EQ(run("MENU:VAL? \"Output/Voltage\""), Lines{"0.50"});
+}
+
+TEST_F(PanelCommandsTest, MenuValueMinMaxAreTheEditorsBounds) {
+    EXPECT_EQ(run("MENU:VAL? \"Output/Voltage\",MAX;VAL? \"Output/Voltage\",minimum"),
+              (Lines{"30.00", "0.00"}));
+    run("MENU:VAL \"Output/Voltage\",MAX");
+    EXPECT_EQ(run("MENU:VAL? \"Output/Voltage\""), Lines{"30.00"});
+    run("MENU:VAL \"Output/Voltage\",MIN");
+    EXPECT_EQ(run("MENU:VAL? \"Output/Voltage\""), Lines{"0.00"});
+    run("MENU:VAL? \"Output/Mode\",MAX");
+    EXPECT_EQ(session.errors.pop().code, ErrorCode::IllegalParameterValue);
+    run("MENU:VAL \"Output/Voltage\",DEF");
+    EXPECT_EQ(session.errors.pop().code, ErrorCode::IllegalParameterValue);
+}
+
 TEST_F(PanelCommandsTest, ChoicesMayBeWrittenByKeyOrId) {
     run("MENU:VAL \"Output/Mode\",1;VAL \"Display/Contrast\",0");
     EXPECT_EQ(run("MENU:VAL? \"Output/Mode\";VAL? \"Display/Contrast\""),

@@ -92,10 +92,12 @@ TEST_F(CommandTableTest, ParameterCountsAreChecked) {
 }
 
 TEST_F(CommandTableTest, NumbersMustBeNumbers) {
-    for (char const* line : {"VOLT abc", "VOLT \"1\"", "VOLT 1V", "VOLT ++1"}) {
+    for (char const* line : {"VOLT abc", "VOLT \"1\"", "VOLT ++1", "VOLT +-1", "VOLT 1 2"}) {
         run(line);
         EXPECT_EQ(session.errors.pop().code, ErrorCode::DataTypeError) << line;
     }
+    run("VOLT 1V");  // a suffix where the command declares no unit
+    EXPECT_EQ(session.errors.pop().code, ErrorCode::SuffixNotAllowed);
     run("VOLT +1e1");
     EXPECT_EQ(volts, 10.0);
 }

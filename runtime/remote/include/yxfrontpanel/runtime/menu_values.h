@@ -32,9 +32,15 @@ YXFP_RUNTIME_EXPORT MenuItem& findMenuItem(IMenuTree& root, std::string_view pat
  *  @throws scpi::Error for an unknown path or an item that has no value. */
 YXFP_RUNTIME_EXPORT MenuValue readMenuValue(IMenuTree& root, std::string_view path);
 
+/** A value editor's bound: `which` is MINimum or MAXimum (`MENU:VALue? "path",MAX`).
+ *  @throws scpi::Error (illegal parameter value) for an item without bounds or another word. */
+YXFP_RUNTIME_EXPORT MenuValue readMenuBound(IMenuTree& root, std::string_view path,
+                                            std::string const& which);
+
 /** Sets the value of the item at `path` from `text` through the item, as a confirmed edit on
  *  the panel would: the item's bounds apply and the application hears the new value through the
- *  item's callback. Numbers for value editors and sliders; a dotted address for IP address
+ *  item's callback. Numbers for value editors (with an optional suffix in the editor's unit, such
+ * as "500 mV", or MINimum / MAXimum for its bounds) and sliders; a dotted address for IP address
  *  editors; a value text or key for inline choices; a choice name or id for radio groups.
  *  Panel's thread only.
  *  @throws scpi::Error: unknown path or item without value (illegal parameter value), an item

@@ -7,6 +7,7 @@
 #include <yxfrontpanel/runtime/scpi_commands.h>
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -23,6 +24,13 @@ struct RemoteControlOptions {
     RemoteServerOptions server;
     /** What `*IDN?` answers. */
     scpi::Identity identity;
+    /** What `*RST` and `*TST?` call. */
+    scpi::InstrumentHooks hooks;
+    /** The current screen as a PNG file, called on the panel's thread for
+     *  `HCOPy:SDUMp:DATA?`; the command exists only when this is set. The application (or a
+     *  glue library built with the PNG component) supplies it, so the remote library itself
+     *  never depends on an image library. */
+    std::function<std::string()> screenshotPng;
     /** How the panel commands behave (e.g. `MENU:VALue` writes switching to REMOTE). */
     PanelCommandOptions panel;
     /** How `SYSTem:REMote`, `SYSTem:LOCal` and `SYSTem:MODE?` switch and read the mode; by

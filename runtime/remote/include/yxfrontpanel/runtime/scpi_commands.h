@@ -2,7 +2,9 @@
 
 #include <yxfrontpanel/runtime/export.h>
 #include <yxfrontpanel/runtime/scpi_error.h>
+#include <yxfrontpanel/runtime/scpi_number.h>
 #include <yxfrontpanel/runtime/scpi_parser.h>
+#include <yxfrontpanel/runtime/scpi_status.h>
 
 #include <cstddef>
 #include <functional>
@@ -13,10 +15,35 @@
 
 namespace yxfrontpanel::runtime::scpi {
 
-/** What the server keeps for one client across its command lines. */
+/** What the server keeps for one client (one connection, one VXI-11 link) across its command
+ *  lines: its error queue and its status registers. Per client, so that one program's errors
+ *  and enables never disturb another's polling. Not copyable: the queue reports to the status
+ *  model of the same session. */
 struct YXFP_RUNTIME_EXPORT Session {
-    /** The client's errors, read with `SYSTem:ERRor?`. */
+    /** An empty queue whose errors set the bits of `status`, everything clear. */
+    Session();
+    Session(Session const&) = delete;
+    Session& operator=(Session const&) = delete;
+
+    /** The client's errors, read with `SYSTem:ERRor?`; each pushed error sets its ESR bit. */
     ErrorQueue errors;
+    /** The client's status registers (`*STB?`, `*ESR?`, `STATus:...`). */
+    StatusModel status;
+    /** Whether the transport holds a response the client has not read yet: MAV in `*STB?`
+     *  and in a transport's own status byte read. The transport keeps it current. */
+    bool messageAvailable = false;
+
+    /** A transport's device clear (VXI-11 device_clear): forgets pending output state
+     *  (`messageAvailable`); the status registers and error queue stay, as IEEE 488.2 says. */
+    void deviceClear() { messageAvailable = false; }
+};
+
+/** What the application supplies to the common commands: `*RST` and `*TST?`. */
+struct YXFP_RUNTIME_EXPORT InstrumentHooks {
+    /** Called by `*RST` on the panel's thread: the instrument to its defaults. May be empty. */
+    std::function<void()> reset;
+    /** Called by `*TST?`: 0 when the self-test passed, else a failure code. Empty answers 0. */
+    std::function<int()> selfTest;
 };
 
 /** One command as a handler sees it: its parameters, its client, and where its response goes.
@@ -40,12 +67,19 @@ public:
     /** The parameter as a decimal number ("12.5", "-3", "1e3"), classic notation whatever the
      *  locale. @throws Error (missing parameter, data type error for text or a quoted string). */
     double number(std::size_t index) const;
+    /** The parameter as a number with an optional suffix in `unit` ("500 mV" is 0.5 for "V")
+     *  and the words MINimum, MAXimum and DEFault for `bounds`; see `parseNumber`.
+     *  @throws Error as `parseNumber`, and missing parameter. */
+    double number(std::size_t index, NumericBounds const& bounds, std::string_view unit = {}) const;
     /** The parameter as a whole number. @throws Error as `number`, and data type error for a
      *  fraction or a number outside the range of long. */
     long integer(std::size_t index) const;
     /** Sends `line` (without newline) to the client as one response line; a query gives one.
      *  Newlines inside `line` are replaced by blanks so that one line stays one line. */
     void respond(std::string line);
+    /** Sends `bytes` as one definite-length arbitrary block response (`#<n><length><bytes>`),
+     *  the bytes unchanged, newlines included. */
+    void respondBlock(std::string_view bytes);
     /** Lets the rest of the command line wait for the next turn of the panel's loop: for a
      *  command whose effect the panel applies later (a key press), so that the commands after
      *  it see that effect. */
@@ -156,8 +190,19 @@ struct YXFP_RUNTIME_EXPORT Identity {
     std::string firmwareVersion = "0";
 };
 
-/** Registers the common commands: `*IDN?` (from `identity`), `*CLS` (empties the client's error
- *  queue), `*OPC?` (answers 1 once everything before it ran) and `SYSTem:ERRor[:NEXT]?`. */
-YXFP_RUNTIME_EXPORT void addCommonCommands(CommandTable& table, Identity const& identity);
+/** Registers the IEEE 488.2 common commands and the SCPI required commands: `*IDN?` (from
+ *  `identity`), `*CLS`, `*ESE`, `*ESE?`, `*ESR?`, `*SRE`, `*SRE?`, `*STB?`, `*OPC`, `*OPC?`,
+ *  `*WAI`, `*RST`, `*TST?` (the last two through `hooks`), `SYSTem:ERRor[:NEXT]?`,
+ *  `SYSTem:ERRor:COUNt?`, `SYSTem:VERSion?`, `STATus:OPERation|QUEStionable[:EVENt]?`,
+ *  `:CONDition?`, `:ENABle[?]`, `:PTRansition[?]`, `:NTRansition[?]` and `STATus:PRESet`.
+ *  Commands run in order on the panel's thread, so `*OPC`, `*OPC?` and `*WAI` complete once
+ *  every command before them (and the panel work they posted) ran. */
+YXFP_RUNTIME_EXPORT void addCommonCommands(CommandTable& table, Identity const& identity,
+                                           InstrumentHooks hooks = {});
+
+/** Registers `HCOPy:SDUMp:DATA?` (the PNG bytes from `screenshotPng` as a definite-length
+ *  block) and `HCOPy:SDUMp:DATA:FORMat?` (answers PNG). */
+YXFP_RUNTIME_EXPORT void addScreenshotCommands(CommandTable& table,
+                                               std::function<std::string()> screenshotPng);
 
 }  // namespace yxfrontpanel::runtime::scpi

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <deque>
+#include <functional>
 #include <mutex>
 #include <stdexcept>
 #include <string>
@@ -30,8 +31,15 @@ enum class ErrorCode : int {
     MissingParameter = -109,
     /** -113: no command has this header. */
     UndefinedHeader = -113,
+    /** -131: a suffix that is not the parameter's unit (with an SI prefix). */
+    InvalidSuffix = -131,
+    /** -138: a suffix on a parameter that takes none. */
+    SuffixNotAllowed = -138,
     /** -151: an unterminated quoted string. */
     InvalidStringData = -151,
+    /** -161: a malformed arbitrary block (wrong length digits, fewer bytes than announced,
+     *  or the indefinite form `#0`, which the server does not take). */
+    InvalidBlockData = -161,
     /** -200: the command could not be carried out (e.g. a read-only item, a handler's
      *  exception). */
     ExecutionError = -200,
@@ -119,9 +127,13 @@ public:
     void clear();
     /** The number of entries. */
     std::size_t size() const;
+    /** Calls `observer` with the code of every error pushed (and with "Queue overflow" when
+     *  one is lost), outside the queue's lock: the status model sets its event bits so. */
+    void setObserver(std::function<void(ErrorCode)> observer);
 
 private:
     mutable std::mutex mutex_;
+    std::function<void(ErrorCode)> observer_;
     std::size_t capacity_;
     std::deque<ErrorEntry> entries_;
 };

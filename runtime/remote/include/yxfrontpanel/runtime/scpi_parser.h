@@ -19,10 +19,17 @@ struct YXFP_RUNTIME_EXPORT Parameter {
     std::string text;
     /** Whether it was a quoted string ("..." or '...'). */
     bool quoted = false;
+    /** Whether it was a definite-length arbitrary block (`#<n><length><bytes>`); `text` holds
+     *  the bytes. */
+    bool block = false;
 
-    /** Whether both have the same text and the same `quoted`. */
+    /** Whether both have the same text, `quoted` and `block`. */
     bool operator==(Parameter const& other) const;
 };
+
+/** `bytes` as a definite-length arbitrary block: '#', the number of length digits, the length,
+ *  the bytes (`#15hello`). */
+YXFP_RUNTIME_EXPORT std::string definiteBlock(std::string_view bytes);
 
 /** A path of mnemonics that relative headers continue; shared by every command that continues
  *  it, so that a line of many relative headers holds the path once. */
