@@ -2,6 +2,7 @@
 #include <yxfrontpanel/runtime/vxi11_instrument.h>
 
 #include <mutex>
+#include <optional>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -17,7 +18,22 @@ struct SessionState {
     std::mutex mutex;
     scpi::Session session;
     unsigned generation = 0;
+    /** Messages posted to the executor and not finished. */
+    unsigned running = 0;
 };
+
+/** The responses of one message as the client reads them. */
+std::string joined(std::vector<std::string> const& responses) {
+    std::string text;
+    for (std::string const& response : responses) {
+        text += text.empty() ? "" : ";";
+        text += response;
+    }
+    if (!text.empty()) {
+        text += '\n';
+    }
+    return text;
+}
 
 class ScpiInstrument : public Vxi11Instrument {
 public:
@@ -34,8 +50,20 @@ public:
         auto responses = std::make_shared<std::vector<std::string>>();
         unsigned generation = 0;
         {
-            std::lock_guard<std::mutex> const lock(state_->mutex);
+            std::unique_lock<std::mutex> lock(state_->mutex);
+            // A message of readers only, with nothing of this link's running, is answered here
+            // from what the panel published, as the command server does: no wait for the panel.
+            if (state_->running == 0) {
+                std::optional<std::vector<std::string>> const answers =
+                    table_->runReaders(*line, state_->session);
+                if (answers) {
+                    lock.unlock();
+                    done(joined(*answers));
+                    return;
+                }
+            }
             generation = state_->generation;
+            ++state_->running;
         }
         runFrom(table_, executor_, state_, line, 0, responses, generation, std::move(done));
     }
@@ -54,34 +82,31 @@ private:
                         unsigned generation, std::function<void(std::string)> done) {
         auto task = [table, executor, state, line, first, responses, generation, done]() mutable {
             scpi::RunResult result;
-            bool cleared = false;
+            bool finished = true;
             {
                 std::lock_guard<std::mutex> const lock(state->mutex);
-                cleared = state->generation != generation;
-                if (!cleared) {
+                if (state->generation == generation) {
                     result = table->run(*line, first, state->session, *responses);
+                    finished = !result.deferred || result.next >= line->commands.size();
+                } else {
+                    responses->clear();
+                }
+                if (finished) {
+                    --state->running;
                 }
             }
-            if (cleared) {
-                done({});
-                return;
-            }
-            if (result.deferred && result.next < line->commands.size()) {
+            if (!finished) {
                 runFrom(table, executor, state, line, result.next, responses, generation,
                         std::move(done));
                 return;
             }
-            std::string text;
-            for (std::string const& response : *responses) {
-                text += text.empty() ? "" : ";";
-                text += response;
-            }
-            if (!text.empty()) {
-                text += '\n';
-            }
-            done(std::move(text));
+            done(joined(*responses));
         };
         if (!executor(std::move(task))) {
+            {
+                std::lock_guard<std::mutex> const lock(state->mutex);
+                --state->running;
+            }
             done({});
         }
     }

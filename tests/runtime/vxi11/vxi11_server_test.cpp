@@ -63,6 +63,8 @@ protected:
     void SetUp() override {
         auto table = std::make_shared<scpi::CommandTable>();
         scpi::addCommonCommands(*table, {"Maker", "Model 1", "SN7", "2.0"});
+        // A query that runs on the executor's thread (not a reader).
+        table->add("MEASure?", [](scpi::Request& request) { request.respond("1.25"); });
         auto executor = executor_;
         Vxi11ServerOptions options;
         options.useRpcbind = false;
@@ -234,7 +236,7 @@ TEST_F(Vxi11ServerTest, ReadStopsAtRequestCountAndTermChar) {
 TEST_F(Vxi11ServerTest, DeviceClearDropsAPendingQuery) {
     long const lid = createLink();
     executor_->hold = true;
-    write(lid, "*IDN?");
+    write(lid, "MEAS?");
     Read const timedOut = read(lid, 1024, 20);
     EXPECT_EQ(timedOut.error, 15);  // I/O timeout
     EXPECT_EQ(generic(device_clear, lid), 0);
@@ -242,6 +244,16 @@ TEST_F(Vxi11ServerTest, DeviceClearDropsAPendingQuery) {
     EXPECT_EQ(readStb(lid) & 0x10, 0);
     write(lid, "*IDN?");
     EXPECT_EQ(read(lid).data, "Maker,Model 1,SN7,2.0\n");
+}
+
+TEST_F(Vxi11ServerTest, ReaderWaitsBehindTheLinksRunningMessage) {
+    long const lid = createLink();
+    executor_->hold = true;
+    write(lid, "MEAS?");
+    write(lid, "*IDN?");
+    EXPECT_EQ(readStb(lid) & 0x10, 0);
+    executor_->runHeld();
+    EXPECT_EQ(read(lid).data, "1.25\nMaker,Model 1,SN7,2.0\n");
 }
 
 TEST_F(Vxi11ServerTest, ErrorQueueBelongsToTheLink) {
