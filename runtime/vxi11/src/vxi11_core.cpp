@@ -104,16 +104,13 @@ private:
     xdrproc_t proc_;
 };
 
-std::chrono::milliseconds millis(unsigned long value) {
-    return std::chrono::milliseconds{std::min<unsigned long>(value, 24UL * 3600 * 1000)};
-}
-
 }  // namespace
 
 class Vxi11Device::Impl {
 public:
-    Impl(Vxi11InstrumentFactory instruments, std::size_t maxLinks)
-        : instruments_(std::move(instruments)), maxLinks_(maxLinks) {}
+    Impl(Vxi11InstrumentFactory instruments, std::size_t maxLinks,
+         std::chrono::milliseconds maxWait)
+        : instruments_(std::move(instruments)), maxLinks_(maxLinks), maxWait_(maxWait) {}
 
     std::optional<std::string> call(std::string_view record, std::uint64_t connection) {
         std::string copy(record);
@@ -542,6 +539,13 @@ private:
         }
     }
 
+    /** A client's timeout in milliseconds, capped at the longest wait. */
+    std::chrono::milliseconds millis(unsigned long value) const {
+        return std::min(std::chrono::milliseconds{static_cast<std::int64_t>(
+                            std::min<unsigned long>(value, 0x7FFFFFFFUL))},
+                        maxWait_);
+    }
+
     Link* find(long lid) {
         auto const link = links_.find(lid);
         return link == links_.end() ? nullptr : link->second.get();
@@ -549,6 +553,7 @@ private:
 
     Vxi11InstrumentFactory instruments_;
     std::size_t maxLinks_;
+    std::chrono::milliseconds maxWait_;
     mutable std::mutex mutex_;
     std::condition_variable changed_;
     std::map<long, std::unique_ptr<Link>> links_;
@@ -564,8 +569,9 @@ public:
 
 thread_local std::string Vxi11Device::Impl::readBuffer_;
 
-Vxi11Device::Vxi11Device(Vxi11InstrumentFactory instruments, std::size_t maxLinks)
-    : impl_(std::make_shared<Impl>(std::move(instruments), maxLinks)) {
+Vxi11Device::Vxi11Device(Vxi11InstrumentFactory instruments, std::size_t maxLinks,
+                         std::chrono::milliseconds maxWait)
+    : impl_(std::make_shared<Impl>(std::move(instruments), maxLinks, maxWait)) {
     if (!impl_) {
         return;
     }

@@ -55,8 +55,10 @@ enum class Vxi11Error : std::int32_t {
  *  io_timeout) without holding up the others. */
 class YXFP_RUNTIME_EXPORT Vxi11Device {
 public:
-    /** Links open sessions from `instruments`; at most `maxLinks` at once. */
-    Vxi11Device(Vxi11InstrumentFactory instruments, std::size_t maxLinks);
+    /** Links open sessions from `instruments`; at most `maxLinks` at once. A read or a lock
+     *  waits at most `maxWait`, whatever timeout the client asks for. */
+    Vxi11Device(Vxi11InstrumentFactory instruments, std::size_t maxLinks,
+                std::chrono::milliseconds maxWait = std::chrono::minutes{10});
     ~Vxi11Device();
     Vxi11Device(Vxi11Device const&) = delete;
     Vxi11Device& operator=(Vxi11Device const&) = delete;
