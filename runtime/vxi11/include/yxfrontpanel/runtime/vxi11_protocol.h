@@ -36,17 +36,17 @@ YXFP_RUNTIME_EXPORT std::string rpcFrame(std::string_view record);
 
 /** The VXI-11 error codes a client sees. */
 enum class Vxi11Error : std::int32_t {
-    None = 0,
-    Syntax = 1,
-    NotAccessible = 3,
-    InvalidLink = 4,
-    Parameter = 5,
-    NotSupported = 8,
-    OutOfResources = 9,
-    Locked = 11,
-    NoLock = 12,
-    IoTimeout = 15,
-    Abort = 23,
+    None = 0,            ///< no error
+    Syntax = 1,          ///< syntax error
+    NotAccessible = 3,   ///< device not accessible
+    InvalidLink = 4,     ///< invalid link identifier
+    Parameter = 5,       ///< parameter error
+    NotSupported = 8,    ///< operation not supported
+    OutOfResources = 9,  ///< out of resources (no more links)
+    Locked = 11,         ///< device locked by another link
+    NoLock = 12,         ///< no lock held by this link
+    IoTimeout = 15,      ///< I/O timeout
+    Abort = 23,          ///< abort (the server stops)
 };
 
 /** The VXI-11 device (links, locks, buffered input and output) and its RPC calls, without
