@@ -68,7 +68,10 @@ private:
 
 /** Encodes the accepted reply header and, for success, `result` with `proc`. */
 std::string reply(std::uint32_t xid, AcceptStat stat, xdrproc_t proc, void* result) {
-    std::string buffer(maxReceiveSize + 1024, '\0');
+    // The header (at most 8 words) and the result, sized without encoding it twice.
+    std::size_t const resultBytes =
+        stat == Success && proc != nullptr ? xdr_sizeof(proc, result) : 0;
+    std::string buffer(8 * 4 + resultBytes, '\0');
     MemoryXdr xdr(buffer.data(), buffer.size(), XDR_ENCODE);
     std::uint32_t fields[] = {
         xid, 1 /* REPLY */, 0 /* MSG_ACCEPTED */, 0 /* AUTH_NONE */, 0 /* no verifier body */,

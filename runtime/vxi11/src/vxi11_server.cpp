@@ -14,6 +14,7 @@
 #include <arpa/inet.h>
 #include <fcntl.h>
 #include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <poll.h>
 #include <rpc/pmap_clnt.h>
 #include <rpc/rpc.h>
@@ -242,6 +243,9 @@ private:
             return;
         }
         applyTcpOptions(client.get(), options_.policy);
+        // Each reply is one send; nothing is gained by holding it back.
+        int const one = 1;
+        ::setsockopt(client.get(), IPPROTO_TCP, TCP_NODELAY, &one, sizeof one);
         std::uint64_t const id = ++nextConnection_;
         std::lock_guard<std::mutex> const lock(mutex_);
         connections_.emplace_back([this, id, fd = std::make_shared<Fd>(std::move(client))] {
