@@ -9,7 +9,9 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "vxi11_rpc.h"
 #include <arpa/inet.h>
@@ -281,6 +283,21 @@ TEST_F(Vxi11ServerTest, LockKeepsOtherLinksOutUntilUnlocked) {
     clnt_destroy(other);
 }
 
+TEST_F(Vxi11ServerTest, RefusesLinksBeyondTheLimitUntilOneCloses) {
+    std::vector<long> links;
+    for (std::size_t i = 0; i < Vxi11ServerOptions{}.maxLinks; ++i) {
+        links.push_back(createLink());
+    }
+    Create_LinkParms parms{};
+    parms.device = const_cast<char*>("inst0");
+    auto const refused = call<Create_LinkParms, Create_LinkResp>(
+        create_link, reinterpret_cast<xdrproc_t>(xdr_Create_LinkParms), parms,
+        reinterpret_cast<xdrproc_t>(xdr_Create_LinkResp));
+    EXPECT_EQ(refused.error, 9);  // out of resources
+    EXPECT_EQ(byLink(destroy_link, links.front()), 0);
+    EXPECT_NE(createLink(), 0);
+}
+
 TEST_F(Vxi11ServerTest, TriggerIsRefusedWithoutATriggerHook) {
     long const lid = createLink();
     // The SCPI sessions have no trigger hook of their own.
@@ -313,6 +330,52 @@ TEST_F(Vxi11ServerTest, PortmapperAnswersGetPortOverTcpAndUdp) {
                                 reinterpret_cast<xdrproc_t>(xdr_u_long), udp);
     EXPECT_EQ(answer, server_->corePort());
     clnt_destroy(udp);
+}
+
+}  // namespace
+}  // namespace yxfrontpanel::runtime
+
+namespace yxfrontpanel::runtime {
+namespace {
+
+TEST(Vxi11ServerRegistrationTest, ServesTheCorePortWhenThePortmapperPortIsTaken) {
+    // Another socket holds the portmapper port (as port 111 is out of reach without root).
+    int const holder = ::socket(AF_INET, SOCK_STREAM, 0);
+    ASSERT_GE(holder, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    ASSERT_EQ(::bind(holder, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    ASSERT_EQ(::listen(holder, 1), 0);
+    socklen_t length = sizeof address;
+    ::getsockname(holder, reinterpret_cast<sockaddr*>(&address), &length);
+    Vxi11ServerOptions options;
+    options.useRpcbind = false;
+    options.portmapperPort = ntohs(address.sin_port);
+    auto table = std::make_shared<scpi::CommandTable>();
+    scpi::addCommonCommands(*table, {});
+    Vxi11Server server(scpiInstruments(table,
+                                       [](std::function<void()> task) {
+                                           task();
+                                           return true;
+                                       }),
+                       options);
+    EXPECT_FALSE(server.portmapperPort().has_value());
+    EXPECT_EQ(server.registration(),
+              "no rpcbind, and portmapper port " + std::to_string(ntohs(address.sin_port)) +
+                  " cannot be bound (Address already in use); clients must name core port " +
+                  std::to_string(server.corePort()));
+    EXPECT_NE(server.corePort(), 0);
+    ::close(holder);
+}
+
+TEST(Vxi11ServerRegistrationTest, RefusesAHostThatIsNotAnIpv4Address) {
+    Vxi11ServerOptions options;
+    options.host = "not-an-address";
+    auto table = std::make_shared<scpi::CommandTable>();
+    EXPECT_THROW(
+        Vxi11Server(scpiInstruments(table, [](std::function<void()>) { return false; }), options),
+        std::invalid_argument);
 }
 
 }  // namespace
