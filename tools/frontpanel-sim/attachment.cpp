@@ -12,6 +12,9 @@
 #if YXFP_HAS_REMOTE
 #include "remote_attachment.h"
 #endif
+#if YXFP_HAS_VXI11
+#include "vxi11_attachment.h"
+#endif
 #if YXFP_HAS_WEB && YXFP_HAS_REMOTE
 #include "web_attachment.h"
 #endif
@@ -36,6 +39,11 @@ Attachments attachmentsFor(SimOptions const& options) {
 #if YXFP_HAS_REMOTE
     if (!options.listen.empty()) {
         attachments.push_back(std::make_unique<RemoteAttachment>(options.listen));
+    }
+#endif
+#if YXFP_HAS_VXI11
+    if (options.vxi11) {
+        attachments.push_back(std::make_unique<Vxi11Attachment>(*options.vxi11));
     }
 #endif
 #if YXFP_HAS_WEB && YXFP_HAS_REMOTE

@@ -8,6 +8,10 @@
 
 namespace frontpanelsim {
 
+yxfrontpanel::runtime::scpi::Identity demoIdentity() {
+    return {"YxFrontPanel", "frontpanel-sim demo PSU", "YX-2026-00042", "1.4.2"};
+}
+
 RemoteAttachment::RemoteAttachment(std::vector<std::string> addresses)
     : addresses_(std::move(addresses)) {}
 
@@ -17,7 +21,7 @@ RemoteAttachment::~RemoteAttachment() = default;
 void RemoteAttachment::attach(SimContext const& context) {
     yxfrontpanel::runtime::RemoteControlOptions options;
     options.server.listen = addresses_;
-    options.identity = {"YxFrontPanel", "frontpanel-sim demo PSU", "YX-2026-00042", "1.4.2"};
+    options.identity = demoIdentity();
     PanelApp& app = context.app;
     options.localMode.get = [&app] { return app.isLocal(); };
     options.localMode.set = [&app](bool local) { app.setLocal(local); };

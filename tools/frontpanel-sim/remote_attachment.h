@@ -10,6 +10,9 @@
 
 namespace frontpanelsim {
 
+/** What the demo answers to `*IDN?`, over every remote channel. */
+yxfrontpanel::runtime::scpi::Identity demoIdentity();
+
 /** --listen: the panel's command server on the given addresses, with the demo's identity and
  *  its LOCAL/REMOTE mode. It keeps a --headless run going until SIGINT, SIGTERM or SIGHUP. */
 class RemoteAttachment : public Attachment {

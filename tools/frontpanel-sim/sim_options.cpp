@@ -94,6 +94,19 @@ std::string parseListenAddress(std::string const& text) {
     return text;
 }
 
+#if YXFP_HAS_VXI11
+// HOST or HOST:PORT after "vxi11:"; the core channel's port is picked by the system when absent.
+Endpoint parseVxi11Address(std::string const& text) {
+    if (text.empty()) {
+        throw UsageError("--listen vxi11: needs a host (e.g. vxi11:127.0.0.1)");
+    }
+    if (text.find(':') == std::string::npos) {
+        return Endpoint{text, 0};
+    }
+    return parseEndpoint("--listen vxi11:", text);
+}
+#endif
+
 std::string sizeText(unsigned width, unsigned height) {
     return std::to_string(width) + "x" + std::to_string(height);
 }
@@ -186,7 +199,16 @@ SimOptions parseOptions(std::vector<std::string> const& arguments) {
         } else if (name == "--display") {
             options.display = parseDisplayOption(reader.takeValue());
         } else if (name == "--listen") {
-            options.listen.push_back(parseListenAddress(reader.takeValue()));
+            std::string const value = reader.takeValue();
+            if (value.rfind("vxi11:", 0) == 0) {
+                requirePart(YXFP_HAS_VXI11, "--listen vxi11:", "VXI-11 server",
+                            "install libtirpc-dev and rpcsvc-proto and rebuild");
+#if YXFP_HAS_VXI11
+                options.vxi11 = parseVxi11Address(value.substr(6));
+#endif
+            } else {
+                options.listen.push_back(parseListenAddress(value));
+            }
         } else if (name == "--web") {
             requirePart(YXFP_HAS_WEB && YXFP_HAS_REMOTE, "--web", "web panel",
                         "install libwebsockets-dev and rebuild, with remote control on");
@@ -248,7 +270,7 @@ std::string usage() {
            "                      [--print all|last] [--idle SECONDS] [--settings FILE]\n"
            "                      [--headless] [--display DISPLAY] [--font FONT]\n"
            "                      [--input evdev:PATH[:...] | gpio:CHIP:LINES]...\n"
-           "                      [--listen HOST:PORT|unix:PATH]...\n"
+           "                      [--listen HOST:PORT|unix:PATH|vxi11:HOST[:PORT]]...\n"
            "                      [--web HOST:PORT [--web-token TOKEN] [--web-host NAME]...]\n"
            "                      [--help]\n"
            "\n"
@@ -292,7 +314,10 @@ std::string usage() {
            "    --listen ADDRESS    serve SCPI commands (keys, screen, menu values) on\n"
            "                        ADDRESS: HOST:PORT (e.g. 127.0.0.1:5025; port 0 picks\n"
            "                        one, logged at start) or unix:PATH; repeatable. Only\n"
-           "                        the addresses named are used; see frontpanel-ctl\n"
+           "                        the addresses named are used; see frontpanel-ctl.\n"
+           "                        vxi11:HOST[:PORT] serves VXI-11 (VISA's\n"
+           "                        TCPIP::HOST::INSTR) on HOST, the core channel on\n"
+           "                        PORT (default: one the system picks)\n"
            "    --web HOST:PORT     serve the panel to browsers at http://HOST:PORT/\n"
            "                        (e.g. 127.0.0.1:8080; port 0 picks a free one)\n"
            "    --web-token TOKEN   only pages opened with ?token=TOKEN may press keys;\n"

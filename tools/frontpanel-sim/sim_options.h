@@ -38,6 +38,9 @@ struct SimOptions {
     std::vector<InputOption> inputs;
     /** --listen (repeatable): addresses of the command server (HOST:PORT or unix:PATH). */
     std::vector<std::string> listen;
+    /** --listen vxi11:HOST[:PORT]: the VXI-11 server's address and core channel port (0: the
+     *  system picks one). */
+    std::optional<Endpoint> vxi11;
     /** --web: where to serve the panel to browsers. */
     std::optional<Endpoint> web;
     /** --web-token: pages that do not present it only watch. */

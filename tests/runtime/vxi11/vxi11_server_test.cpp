@@ -1,0 +1,382 @@
+#include <yxfrontpanel/runtime/scpi_commands.h>
+#include <yxfrontpanel/runtime/vxi11_instrument.h>
+#include <yxfrontpanel/runtime/vxi11_server.h>
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "vxi11_rpc.h"
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <rpc/rpc.h>
+// After rpc.h (through vxi11_rpc.h), which it needs.
+#include <rpc/pmap_prot.h>
+
+namespace yxfrontpanel::runtime {
+namespace {
+
+constexpr long flagWaitLock = 1;
+constexpr long flagEnd = 8;
+constexpr long flagTermChar = 0x80;
+constexpr long reasonRequestCount = 1;
+constexpr long reasonTermChar = 2;
+constexpr long reasonEnd = 4;
+
+/** Runs the commands at once, or holds them until `runHeld` when `hold` is set. */
+struct TestExecutor {
+    std::mutex mutex;
+    bool hold = false;
+    std::deque<std::function<void()>> held;
+
+    bool post(std::function<void()> task) {
+        {
+            std::lock_guard<std::mutex> const lock(mutex);
+            if (hold) {
+                held.push_back(std::move(task));
+                return true;
+            }
+        }
+        task();
+        return true;
+    }
+    void runHeld() {
+        std::deque<std::function<void()>> tasks;
+        {
+            std::lock_guard<std::mutex> const lock(mutex);
+            tasks.swap(held);
+            hold = false;
+        }
+        for (auto& task : tasks) {
+            task();
+        }
+    }
+};
+
+class Vxi11ServerTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        auto table = std::make_shared<scpi::CommandTable>();
+        scpi::addCommonCommands(*table, {"Maker", "Model 1", "SN7", "2.0"});
+        // A query that runs on the executor's thread (not a reader).
+        table->add("MEASure?", [](scpi::Request& request) { request.respond("1.25"); });
+        auto executor = executor_;
+        Vxi11ServerOptions options;
+        options.useRpcbind = false;
+        options.portmapperPort = 0;
+        server_ = std::make_unique<Vxi11Server>(
+            scpiInstruments(
+                table,
+                [executor](std::function<void()> task) { return executor->post(std::move(task)); }),
+            options);
+        server_->start();
+        client_ = connect(DEVICE_CORE, DEVICE_CORE_VERSION, server_->corePort());
+        ASSERT_NE(client_, nullptr);
+    }
+
+    void TearDown() override {
+        if (client_ != nullptr) {
+            clnt_destroy(client_);
+        }
+        server_->stop();
+    }
+
+    static CLIENT* connect(unsigned long program, unsigned long version, std::uint16_t port) {
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_port = htons(port);
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        int socket = RPC_ANYSOCK;
+        return clnttcp_create(&address, program, version, &socket, 0, 0);
+    }
+
+    template <typename Args, typename Result>
+    Result call(unsigned long procedure, xdrproc_t encode, Args args, xdrproc_t decode,
+                CLIENT* client = nullptr) {
+        Result result{};
+        timeval const timeout{5, 0};
+        enum clnt_stat const status = clnt_call(client != nullptr ? client : client_, procedure,
+                                                encode, reinterpret_cast<char*>(&args), decode,
+                                                reinterpret_cast<char*>(&result), timeout);
+        EXPECT_EQ(status, RPC_SUCCESS);
+        return result;
+    }
+
+    long createLink(CLIENT* client = nullptr) {
+        Create_LinkParms parms{};
+        parms.clientId = 1;
+        parms.device = const_cast<char*>("inst0");
+        auto const result = call<Create_LinkParms, Create_LinkResp>(
+            create_link, reinterpret_cast<xdrproc_t>(xdr_Create_LinkParms), parms,
+            reinterpret_cast<xdrproc_t>(xdr_Create_LinkResp), client);
+        EXPECT_EQ(result.error, 0);
+        return result.lid;
+    }
+
+    long write(long lid, std::string const& data, long flags = flagEnd) {
+        Device_WriteParms parms{};
+        parms.lid = lid;
+        parms.io_timeout = 1000;
+        parms.flags = flags;
+        parms.data.data_len = static_cast<u_int>(data.size());
+        parms.data.data_val = const_cast<char*>(data.data());
+        auto const result = call<Device_WriteParms, Device_WriteResp>(
+            device_write, reinterpret_cast<xdrproc_t>(xdr_Device_WriteParms), parms,
+            reinterpret_cast<xdrproc_t>(xdr_Device_WriteResp));
+        EXPECT_EQ(result.size, data.size());
+        return result.error;
+    }
+
+    struct Read {
+        long error = 0;
+        long reason = 0;
+        std::string data;
+    };
+
+    Read read(long lid, unsigned long size = 1024, unsigned long timeout = 1000, long flags = 0,
+              char termChar = '\n') {
+        Device_ReadParms parms{};
+        parms.lid = lid;
+        parms.requestSize = size;
+        parms.io_timeout = timeout;
+        parms.flags = flags;
+        parms.termChar = termChar;
+        auto result = call<Device_ReadParms, Device_ReadResp>(
+            device_read, reinterpret_cast<xdrproc_t>(xdr_Device_ReadParms), parms,
+            reinterpret_cast<xdrproc_t>(xdr_Device_ReadResp));
+        Read read{result.error, result.reason,
+                  std::string(result.data.data_val, result.data.data_len)};
+        xdr_free(reinterpret_cast<xdrproc_t>(xdr_Device_ReadResp),
+                 reinterpret_cast<char*>(&result));
+        return read;
+    }
+
+    long generic(unsigned long procedure, long lid) {
+        Device_GenericParms parms{};
+        parms.lid = lid;
+        parms.io_timeout = 1000;
+        return call<Device_GenericParms, Device_Error>(
+                   procedure, reinterpret_cast<xdrproc_t>(xdr_Device_GenericParms), parms,
+                   reinterpret_cast<xdrproc_t>(xdr_Device_Error))
+            .error;
+    }
+
+    int readStb(long lid) {
+        Device_GenericParms parms{};
+        parms.lid = lid;
+        auto const result = call<Device_GenericParms, Device_ReadStbResp>(
+            device_readstb, reinterpret_cast<xdrproc_t>(xdr_Device_GenericParms), parms,
+            reinterpret_cast<xdrproc_t>(xdr_Device_ReadStbResp));
+        EXPECT_EQ(result.error, 0);
+        return result.stb;
+    }
+
+    long lock(long lid, CLIENT* client, long flags = 0, unsigned long timeout = 0) {
+        Device_LockParms parms{lid, flags, timeout};
+        return call<Device_LockParms, Device_Error>(
+                   device_lock, reinterpret_cast<xdrproc_t>(xdr_Device_LockParms), parms,
+                   reinterpret_cast<xdrproc_t>(xdr_Device_Error), client)
+            .error;
+    }
+
+    long byLink(unsigned long procedure, long lid, CLIENT* client = nullptr) {
+        return call<Device_Link, Device_Error>(
+                   procedure, reinterpret_cast<xdrproc_t>(xdr_Device_Link), lid,
+                   reinterpret_cast<xdrproc_t>(xdr_Device_Error), client)
+            .error;
+    }
+
+    std::shared_ptr<TestExecutor> executor_ = std::make_shared<TestExecutor>();
+    std::unique_ptr<Vxi11Server> server_;
+    CLIENT* client_ = nullptr;
+};
+
+TEST_F(Vxi11ServerTest, QueryAnswersWithEndWhenReadWhole) {
+    long const lid = createLink();
+    EXPECT_EQ(server_->linkCount(), 1U);
+    EXPECT_EQ(write(lid, "*IDN?\n"), 0);
+    Read const answer = read(lid);
+    EXPECT_EQ(answer.error, 0);
+    EXPECT_EQ(answer.reason, reasonEnd);
+    EXPECT_EQ(answer.data, "Maker,Model 1,SN7,2.0\n");
+    EXPECT_EQ(byLink(destroy_link, lid), 0);
+    EXPECT_EQ(server_->linkCount(), 0U);
+    EXPECT_EQ(byLink(destroy_link, lid), 4);  // invalid link identifier
+}
+
+TEST_F(Vxi11ServerTest, WriteWithoutEndWaitsForTheRestOfTheMessage) {
+    long const lid = createLink();
+    EXPECT_EQ(write(lid, "*ID", 0), 0);
+    EXPECT_EQ(readStb(lid) & 0x10, 0);
+    EXPECT_EQ(write(lid, "N?"), 0);
+    EXPECT_EQ(readStb(lid) & 0x10, 0x10);  // MAV
+    EXPECT_EQ(read(lid).data, "Maker,Model 1,SN7,2.0\n");
+    EXPECT_EQ(readStb(lid) & 0x10, 0);
+}
+
+TEST_F(Vxi11ServerTest, ReadStopsAtRequestCountAndTermChar) {
+    long const lid = createLink();
+    write(lid, "*IDN?;*IDN?");
+    Read const first = read(lid, 5);
+    EXPECT_EQ(first.data, "Maker");
+    EXPECT_EQ(first.reason, reasonRequestCount);
+    Read const second = read(lid, 1024, 1000, flagTermChar, ';');
+    EXPECT_EQ(second.data, ",Model 1,SN7,2.0;");
+    EXPECT_EQ(second.reason, reasonTermChar);
+    Read const rest = read(lid);
+    EXPECT_EQ(rest.data, "Maker,Model 1,SN7,2.0\n");
+    EXPECT_EQ(rest.reason, reasonEnd);
+}
+
+TEST_F(Vxi11ServerTest, DeviceClearDropsAPendingQuery) {
+    long const lid = createLink();
+    executor_->hold = true;
+    write(lid, "MEAS?");
+    Read const timedOut = read(lid, 1024, 20);
+    EXPECT_EQ(timedOut.error, 15);  // I/O timeout
+    EXPECT_EQ(generic(device_clear, lid), 0);
+    executor_->runHeld();
+    EXPECT_EQ(readStb(lid) & 0x10, 0);
+    write(lid, "*IDN?");
+    EXPECT_EQ(read(lid).data, "Maker,Model 1,SN7,2.0\n");
+}
+
+TEST_F(Vxi11ServerTest, ReaderWaitsBehindTheLinksRunningMessage) {
+    long const lid = createLink();
+    executor_->hold = true;
+    write(lid, "MEAS?");
+    write(lid, "*IDN?");
+    EXPECT_EQ(readStb(lid) & 0x10, 0);
+    executor_->runHeld();
+    EXPECT_EQ(read(lid).data, "1.25\nMaker,Model 1,SN7,2.0\n");
+}
+
+TEST_F(Vxi11ServerTest, ErrorQueueBelongsToTheLink) {
+    long const lid = createLink();
+    long const other = createLink();
+    write(lid, "BOGUS");
+    write(other, "SYST:ERR?");
+    EXPECT_EQ(read(other).data, "0,\"No error\"\n");
+    write(lid, "SYST:ERR?");
+    EXPECT_EQ(read(lid).data, "-113,\"Undefined header;BOGUS\"\n");
+}
+
+TEST_F(Vxi11ServerTest, LockKeepsOtherLinksOutUntilUnlocked) {
+    long const mine = createLink();
+    CLIENT* other = connect(DEVICE_CORE, DEVICE_CORE_VERSION, server_->corePort());
+    ASSERT_NE(other, nullptr);
+    long const theirs = createLink(other);
+    EXPECT_EQ(lock(mine, client_), 0);
+    EXPECT_EQ(lock(theirs, other), 11);                    // locked by another link
+    EXPECT_EQ(lock(theirs, other, flagWaitLock, 10), 11);  // still, after the lock timeout
+    EXPECT_EQ(byLink(device_unlock, theirs, other), 12);   // no lock held by this link
+    EXPECT_EQ(byLink(device_unlock, mine), 0);
+    EXPECT_EQ(lock(theirs, other), 0);
+    EXPECT_EQ(byLink(device_unlock, theirs, other), 0);
+    clnt_destroy(other);
+}
+
+TEST_F(Vxi11ServerTest, RefusesLinksBeyondTheLimitUntilOneCloses) {
+    std::vector<long> links;
+    for (std::size_t i = 0; i < Vxi11ServerOptions{}.maxLinks; ++i) {
+        links.push_back(createLink());
+    }
+    Create_LinkParms parms{};
+    parms.device = const_cast<char*>("inst0");
+    auto const refused = call<Create_LinkParms, Create_LinkResp>(
+        create_link, reinterpret_cast<xdrproc_t>(xdr_Create_LinkParms), parms,
+        reinterpret_cast<xdrproc_t>(xdr_Create_LinkResp));
+    EXPECT_EQ(refused.error, 9);  // out of resources
+    EXPECT_EQ(byLink(destroy_link, links.front()), 0);
+    EXPECT_NE(createLink(), 0);
+}
+
+TEST_F(Vxi11ServerTest, TriggerIsRefusedWithoutATriggerHook) {
+    long const lid = createLink();
+    // The SCPI sessions have no trigger hook of their own.
+    EXPECT_EQ(generic(device_trigger, lid), 8);  // operation not supported
+}
+
+TEST_F(Vxi11ServerTest, PortmapperAnswersGetPortOverTcpAndUdp) {
+    ASSERT_TRUE(server_->portmapperPort().has_value());
+    std::uint16_t const port = *server_->portmapperPort();
+    pmap mapping{DEVICE_CORE, DEVICE_CORE_VERSION, IPPROTO_TCP, 0};
+    CLIENT* tcp = connect(PMAPPROG, PMAPVERS, port);
+    ASSERT_NE(tcp, nullptr);
+    u_long answer = call<pmap, u_long>(PMAPPROC_GETPORT, reinterpret_cast<xdrproc_t>(xdr_pmap),
+                                       mapping, reinterpret_cast<xdrproc_t>(xdr_u_long), tcp);
+    EXPECT_EQ(answer, server_->corePort());
+    pmap unknown{0x20000001, 1, IPPROTO_TCP, 0};
+    answer = call<pmap, u_long>(PMAPPROC_GETPORT, reinterpret_cast<xdrproc_t>(xdr_pmap), unknown,
+                                reinterpret_cast<xdrproc_t>(xdr_u_long), tcp);
+    EXPECT_EQ(answer, 0U);
+    clnt_destroy(tcp);
+
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(port);
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    int socket = RPC_ANYSOCK;
+    CLIENT* udp = clntudp_create(&address, PMAPPROG, PMAPVERS, timeval{1, 0}, &socket);
+    ASSERT_NE(udp, nullptr);
+    answer = call<pmap, u_long>(PMAPPROC_GETPORT, reinterpret_cast<xdrproc_t>(xdr_pmap), mapping,
+                                reinterpret_cast<xdrproc_t>(xdr_u_long), udp);
+    EXPECT_EQ(answer, server_->corePort());
+    clnt_destroy(udp);
+}
+
+}  // namespace
+}  // namespace yxfrontpanel::runtime
+
+namespace yxfrontpanel::runtime {
+namespace {
+
+TEST(Vxi11ServerRegistrationTest, ServesTheCorePortWhenThePortmapperPortIsTaken) {
+    // Another socket holds the portmapper port (as port 111 is out of reach without root).
+    int const holder = ::socket(AF_INET, SOCK_STREAM, 0);
+    ASSERT_GE(holder, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    ASSERT_EQ(::bind(holder, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    ASSERT_EQ(::listen(holder, 1), 0);
+    socklen_t length = sizeof address;
+    ::getsockname(holder, reinterpret_cast<sockaddr*>(&address), &length);
+    Vxi11ServerOptions options;
+    options.useRpcbind = false;
+    options.portmapperPort = ntohs(address.sin_port);
+    auto table = std::make_shared<scpi::CommandTable>();
+    scpi::addCommonCommands(*table, {});
+    Vxi11Server server(scpiInstruments(table,
+                                       [](std::function<void()> task) {
+                                           task();
+                                           return true;
+                                       }),
+                       options);
+    EXPECT_FALSE(server.portmapperPort().has_value());
+    EXPECT_EQ(server.registration(),
+              "no rpcbind, and portmapper port " + std::to_string(ntohs(address.sin_port)) +
+                  " cannot be bound (Address already in use); clients must name core port " +
+                  std::to_string(server.corePort()));
+    EXPECT_NE(server.corePort(), 0);
+    ::close(holder);
+}
+
+TEST(Vxi11ServerRegistrationTest, RefusesAHostThatIsNotAnIpv4Address) {
+    Vxi11ServerOptions options;
+    options.host = "not-an-address";
+    auto table = std::make_shared<scpi::CommandTable>();
+    EXPECT_THROW(
+        Vxi11Server(scpiInstruments(table, [](std::function<void()>) { return false; }), options),
+        std::invalid_argument);
+}
+
+}  // namespace
+}  // namespace yxfrontpanel::runtime

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <yxfrontpanel/runtime/vxi11_server.h>
+
+#include <memory>
+
+#include "attachment.h"
+#include "endpoint.h"
+
+namespace frontpanelsim {
+
+/** --listen vxi11:HOST[:PORT]: the panel's commands over VXI-11, with the demo's identity and
+ *  its LOCAL/REMOTE mode, each link a session of its own. It keeps a --headless run going
+ *  until SIGINT or SIGTERM. */
+class Vxi11Attachment : public Attachment {
+public:
+    explicit Vxi11Attachment(Endpoint address);
+    ~Vxi11Attachment() override;
+
+    /** Binds the core channel (and the portmapper when it can) and starts serving.
+     *  @throws std::system_error when the core channel cannot be bound. */
+    void attach(SimContext const& context) override;
+    void detach() noexcept override;
+    bool keepsRunning() const override;
+
+private:
+    Endpoint address_;
+    std::unique_ptr<yxfrontpanel::runtime::Vxi11Server> server_;
+};
+
+}  // namespace frontpanelsim
