@@ -7,4 +7,5 @@
 #include <yxfrontpanel/runtime/panel_save_scheduler.h>
 #include <yxfrontpanel/runtime/setting_bindings.h>
 #include <yxfrontpanel/runtime/setting_definition.h>
+#include <yxfrontpanel/runtime/settings_file_system.h>
 #include <yxfrontpanel/runtime/settings_store.h>
