@@ -11,9 +11,7 @@
 
 namespace {
 
-using frontpanelhw::drawing::DisplayBuffer;
-using frontpanelhw::drawing::DisplayChar;
-using frontpanelhw::drawing::DisplayLine;
+using namespace frontpanelhw::drawing;
 using yxfp_test::inversionOf;
 using yxfp_test::invertedLine;
 

@@ -7,11 +7,7 @@
 
 namespace {
 
-using frontpanelhw::drawing::CellPosition;
-using frontpanelhw::drawing::changedCells;
-using frontpanelhw::drawing::DisplayBuffer;
-using frontpanelhw::drawing::DisplayChar;
-using frontpanelhw::drawing::DisplayLine;
+using namespace frontpanelhw::drawing;
 
 std::vector<CellPosition> allCells(unsigned chars, unsigned lines) {
     std::vector<CellPosition> cells;

@@ -24,8 +24,8 @@ using namespace std::chrono_literals;
 using frontpanelhw::PanelKey;
 using namespace yxfp_test;
 using namespace yxfrontpanel::settings;
-using yxfrontpanel::testing::ManualClock;
 using yxfrontpanel::runtime::Panel;
+using yxfrontpanel::testing::ManualClock;
 
 // A panel whose root menu holds the voltage editor bound to a bench store.
 class PanelSaveSchedulerTest : public ::testing::Test {

@@ -20,10 +20,7 @@ namespace {
 
 using frontpanelhw::PanelKey;
 using frontpanelhw::drawing::DisplayBuffer;
-using frontpanelhw::graphic::Font;
-using frontpanelhw::graphic::GraphicDisplay;
-using frontpanelhw::graphic::MonoBitmap;
-using frontpanelhw::graphic::PixelRect;
+using namespace frontpanelhw::graphic;
 using frontpanelsim::DemoPanel;
 
 /** A 128x64 module that only keeps its picture. */

@@ -18,9 +18,7 @@ namespace {
 
 using frontpanelhw::drawing::DisplayBuffer;
 using frontpanelhw::drawing::DisplayLine;
-using frontpanelhw::graphic::CellRenderer;
-using frontpanelhw::graphic::Font;
-using frontpanelhw::graphic::MonoBitmap;
+using namespace frontpanelhw::graphic;
 using frontpanelsim::DisplayOption;
 using frontpanelsim::parseDisplayOption;
 using frontpanelsim::parseOptions;

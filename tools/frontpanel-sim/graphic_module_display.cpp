@@ -1,8 +1,8 @@
 #include "graphic_module_display.h"
 
-#include <yxfrontpanel/components.h>
 #include <frontpanelhw/graphic/framebuffer_display.h>
 #include <frontpanelhw/graphic/graphic_display.h>
+#include <yxfrontpanel/components.h>
 
 #if YXFP_HAS_PNG
 #include <frontpanelhw/graphic/png_display.h>

@@ -1,5 +1,6 @@
 #include "capture_records.h"
 
+#include <cstdio>
 #include <fstream>
 #include <iterator>
 
@@ -56,6 +57,12 @@ std::vector<std::vector<std::uint8_t>> readCaptureFile(std::string const& path) 
                          std::to_string(reader.pending()) + " bytes left over)");
     }
     return records;
+}
+
+std::string hexByte(unsigned value) {
+    char text[8];
+    std::snprintf(text, sizeof text, "0x%02X", value);
+    return text;
 }
 
 }  // namespace yxfp_models

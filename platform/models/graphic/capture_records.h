@@ -36,6 +36,9 @@ private:
  *  the middle of a record, or a record is empty. */
 std::vector<std::vector<std::uint8_t>> readCaptureFile(std::string const& path);
 
+/** `value` as the models' messages show bytes: "0x3C". */
+std::string hexByte(unsigned value);
+
 /** The bytes of `path` from `offset` on (for decoding a capture as it grows).
  *  @throws ModelError when it cannot be read. */
 std::vector<std::uint8_t> readFileFrom(std::string const& path, std::size_t offset);

@@ -3,15 +3,11 @@
 #include <cstdio>
 #include <string>
 
+#include "capture_records.h"
+
 namespace yxfp_models {
 
 namespace {
-
-std::string hex(unsigned value) {
-    char text[8];
-    std::snprintf(text, sizeof text, "0x%02X", value);
-    return text;
-}
 
 char const* chipName(OledChip chip) { return chip == OledChip::Ssd1306 ? "SSD1306" : "SH1106"; }
 
@@ -35,7 +31,7 @@ void OledModel::i2cTransfer(std::uint8_t const* bytes, std::size_t size) {
     while (at < size) {
         std::uint8_t const control = bytes[at++];
         if ((control & 0x3FU) != 0) {
-            throw ModelError(std::string(chipName(chip_)) + ": " + hex(control) +
+            throw ModelError(std::string(chipName(chip_)) + ": " + hexByte(control) +
                              " is not a control byte (only Co and D/C# may be set)");
         }
         bool const continuation = (control & 0x80U) != 0;
@@ -122,7 +118,7 @@ void OledModel::execute() {
     bool const ssd = chip_ == OledChip::Ssd1306;
     std::string const chip = chipName(chip_);
     auto refuse = [&](std::string const& why) {
-        throw ModelError(chip + ": command " + hex(op) + " refused: " + why);
+        throw ModelError(chip + ": command " + hexByte(op) + " refused: " + why);
     };
     bool const ssdOnly = op == 0x20 || op == 0x21 || op == 0x22 || op == 0x8D || op == 0x2E;
     if (ssdOnly != ssd && (ssdOnly || op == 0xAD || (op >= 0x30 && op <= 0x33))) {
@@ -170,25 +166,25 @@ void OledModel::execute() {
             return;
         case 0xDA:
             if ((p1 & 0xCDU) != 0x00 || (p1 & 0x02U) == 0) {
-                refuse("COM pins configuration " + hex(p1) + " is not a valid value");
+                refuse("COM pins configuration " + hexByte(p1) + " is not a valid value");
             }
             comPins_ = p1;
             return;
         case 0x8D:
             if (p1 != 0x10 && p1 != 0x14) {
-                refuse("charge pump setting " + hex(p1));
+                refuse("charge pump setting " + hexByte(p1));
             }
             pump_ = p1 == 0x14;
             return;
         case 0xAD:
             if (p1 != 0x8A && p1 != 0x8B) {
-                refuse("DC-DC setting " + hex(p1));
+                refuse("DC-DC setting " + hexByte(p1));
             }
             pump_ = p1 == 0x8B;
             return;
         case 0x20:
             if (p1 > 2) {
-                refuse("addressing mode " + hex(p1));
+                refuse("addressing mode " + hexByte(p1));
             }
             mode_ = p1;
             column_ = columnStart_;
@@ -252,7 +248,7 @@ void OledModel::execute() {
 void OledModel::data(std::uint8_t byte) {
     if (wanted_ > 0) {
         throw ModelError(std::string(chipName(chip_)) + ": display data while command " +
-                         hex(pending_[0]) + " waits for its parameters");
+                         hexByte(pending_[0]) + " waits for its parameters");
     }
     if (column_ >= ramColumns()) {
         throw ModelError(std::string(chipName(chip_)) + ": display data past the last column");
@@ -289,8 +285,9 @@ frontpanelhw::graphic::MonoBitmap OledModel::picture() const {
                          std::to_string(glassRows_) + " rows");
     }
     if (comPins_ != glassPins) {
-        throw ModelError(chip + ": COM pins configuration " + hex(comPins_) + " on a glass of " +
-                         std::to_string(glassRows_) + " rows wants " + hex(glassPins));
+        throw ModelError(chip + ": COM pins configuration " + hexByte(comPins_) +
+                         " on a glass of " + std::to_string(glassRows_) + " rows wants " +
+                         hexByte(glassPins));
     }
     frontpanelhw::graphic::MonoBitmap glass(128, glassRows_);
     if (!lit()) {

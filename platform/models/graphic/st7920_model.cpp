@@ -3,15 +3,11 @@
 #include <cstdio>
 #include <string>
 
+#include "capture_records.h"
+
 namespace yxfp_models {
 
 namespace {
-
-std::string hex(unsigned value) {
-    char text[8];
-    std::snprintf(text, sizeof text, "0x%02X", value);
-    return text;
-}
 
 constexpr unsigned kRows = 64;
 constexpr unsigned kWords = 16;
@@ -30,7 +26,7 @@ void St7920Model::spiRecord(std::vector<std::uint8_t> const& record) {
 void St7920Model::spiTransfer(std::uint8_t const* bytes, std::size_t size) {
     std::uint8_t const start = bytes[0];
     if ((start & 0xF8U) != 0xF8U || (start & 0x01U) != 0) {
-        throw ModelError("ST7920: a transfer starts with " + hex(start) +
+        throw ModelError("ST7920: a transfer starts with " + hexByte(start) +
                          ", not a start byte (11111, RW, RS, 0)");
     }
     if ((start & 0x04U) != 0) {
@@ -44,7 +40,7 @@ void St7920Model::spiTransfer(std::uint8_t const* bytes, std::size_t size) {
         std::uint8_t const high = bytes[at];
         std::uint8_t const low = bytes[at + 1];
         if ((high & 0x0FU) != 0 || (low & 0x0FU) != 0) {
-            throw ModelError("ST7920: the nibble bytes " + hex(high) + " " + hex(low) +
+            throw ModelError("ST7920: the nibble bytes " + hexByte(high) + " " + hexByte(low) +
                              " do not end in four zeros");
         }
         auto const byte = static_cast<std::uint8_t>(high | (low >> 4U));
@@ -55,7 +51,7 @@ void St7920Model::spiTransfer(std::uint8_t const* bytes, std::size_t size) {
 void St7920Model::instruction(std::uint8_t byte) {
     ++instructions_;
     auto refuse = [&](std::string const& why) {
-        throw ModelError("ST7920: instruction " + hex(byte) + (extended_ ? " (extended)" : "") +
+        throw ModelError("ST7920: instruction " + hexByte(byte) + (extended_ ? " (extended)" : "") +
                          " refused: " + why);
     };
     if ((byte & 0xE0U) == 0x20U) {  // function set: 0 0 1 DL X RE G X
@@ -112,7 +108,7 @@ void St7920Model::instruction(std::uint8_t byte) {
 
 void St7920Model::data(std::uint8_t byte) {
     if (!extended_ || !addressSet_) {
-        throw ModelError("ST7920: data " + hex(byte) +
+        throw ModelError("ST7920: data " + hexByte(byte) +
                          " before a GDRAM address was set in the extended instruction set");
     }
     if (!highByteWritten_) {

@@ -1,5 +1,6 @@
 #include <yxbase2/log.h>
 #include <yxfrontpanel/runtime/connection_policy.h>
+#include <yxfrontpanel/runtime/owned_descriptor.h>
 #include <yxfrontpanel/runtime/remote_endpoint.h>
 #include <yxfrontpanel/runtime/remote_server.h>
 
@@ -47,34 +48,7 @@ std::system_error systemError(std::string const& what) {
     return std::system_error(errno, std::generic_category(), what);
 }
 
-/** An owned descriptor. */
-class Descriptor {
-public:
-    Descriptor() = default;
-    explicit Descriptor(int fd) : fd_(fd) {}
-    Descriptor(Descriptor&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
-    Descriptor& operator=(Descriptor&& other) noexcept {
-        if (this != &other) {
-            reset();
-            fd_ = std::exchange(other.fd_, -1);
-        }
-        return *this;
-    }
-    Descriptor(Descriptor const&) = delete;
-    Descriptor& operator=(Descriptor const&) = delete;
-    ~Descriptor() { reset(); }
-
-    int get() const { return fd_; }
-    void reset() {
-        if (fd_ >= 0) {
-            ::close(fd_);
-            fd_ = -1;
-        }
-    }
-
-private:
-    int fd_ = -1;
-};
+using Descriptor = OwnedDescriptor;
 
 /** The I/O thread's wake-up: written by the tasks when responses are ready, by `stop` and by a
  *  clock moved by hand. Shared with the tasks so that a task that runs after the server is gone

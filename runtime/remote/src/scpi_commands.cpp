@@ -12,16 +12,11 @@
 #include <string>
 #include <utility>
 
+#include "ascii_case.h"
+
 namespace yxfrontpanel::runtime::scpi {
 
 namespace {
-
-std::string upper(std::string_view text) {
-    std::string result(text);
-    std::transform(result.begin(), result.end(), result.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-    return result;
-}
 
 /** A pattern taken apart: its nodes with short and long form, or a common command. */
 struct Pattern {

@@ -8,16 +8,11 @@
 #include <string>
 #include <utility>
 
+#include "ascii_case.h"
+
 namespace yxfrontpanel::runtime::scpi {
 
 namespace {
-
-std::string upper(std::string_view text) {
-    std::string result(text);
-    std::transform(result.begin(), result.end(), result.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-    return result;
-}
 
 bool isBlank(char c) { return c == ' ' || c == '\t'; }
 

@@ -330,9 +330,8 @@ private:
     Device_WriteResp write(Device_WriteParms const& parms) {
         Device_WriteResp result{};
         std::unique_lock<std::mutex> lock(mutex_);
-        Link* link = find(parms.lid);
+        Link* link = linkFor(result, parms.lid);
         if (link == nullptr) {
-            result.error = static_cast<long>(Vxi11Error::InvalidLink);
             return result;
         }
         if (Vxi11Error const locked = acquireFor(lock, parms.lid, parms.flags, parms.lock_timeout);
@@ -427,9 +426,8 @@ private:
     Device_ReadStbResp readStb(Device_GenericParms const& parms) {
         Device_ReadStbResp result{};
         std::unique_lock<std::mutex> lock(mutex_);
-        Link* link = find(parms.lid);
+        Link* link = linkFor(result, parms.lid);
         if (link == nullptr) {
-            result.error = static_cast<long>(Vxi11Error::InvalidLink);
             return result;
         }
         std::uint8_t status = link->instrument->statusByte();
@@ -552,6 +550,16 @@ private:
     Link* find(long lid) {
         auto const link = links_.find(lid);
         return link == links_.end() ? nullptr : link->second.get();
+    }
+
+    /** The link `lid`, or null with `result.error` set to "invalid link identifier". */
+    template <class Result>
+    Link* linkFor(Result& result, long lid) {
+        Link* const link = find(lid);
+        if (link == nullptr) {
+            result.error = static_cast<long>(Vxi11Error::InvalidLink);
+        }
+        return link;
     }
 
     Vxi11InstrumentFactory instruments_;

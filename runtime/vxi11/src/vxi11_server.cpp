@@ -1,3 +1,4 @@
+#include <yxfrontpanel/runtime/owned_descriptor.h>
 #include <yxfrontpanel/runtime/vxi11_protocol.h>
 #include <yxfrontpanel/runtime/vxi11_server.h>
 
@@ -27,33 +28,7 @@ namespace {
 
 constexpr std::uint32_t coreProgram = 0x0607AF;
 
-/** A descriptor closed with its scope. */
-class Fd {
-public:
-    Fd() = default;
-    explicit Fd(int fd) : fd_(fd) {}
-    ~Fd() { reset(); }
-    Fd(Fd&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
-    Fd& operator=(Fd&& other) noexcept {
-        if (this != &other) {
-            reset();
-            fd_ = std::exchange(other.fd_, -1);
-        }
-        return *this;
-    }
-    Fd(Fd const&) = delete;
-    Fd& operator=(Fd const&) = delete;
-    int get() const { return fd_; }
-    void reset() {
-        if (fd_ >= 0) {
-            ::close(fd_);
-            fd_ = -1;
-        }
-    }
-
-private:
-    int fd_ = -1;
-};
+using Fd = OwnedDescriptor;
 
 sockaddr_in addressOf(std::string const& host, std::uint16_t port) {
     sockaddr_in address{};

@@ -8,13 +8,8 @@
 
 namespace {
 
-using frontpanelhw::drawing::DisplayBuffer;
-using frontpanelhw::drawing::DisplayChar;
-using frontpanelhw::drawing::DisplayLine;
-using frontpanelhw::graphic::CellRenderer;
-using frontpanelhw::graphic::Font;
-using frontpanelhw::graphic::MonoBitmap;
-using frontpanelhw::graphic::PixelRect;
+using namespace frontpanelhw::drawing;
+using namespace frontpanelhw::graphic;
 using yxfp_graphic_test::picture;
 
 /** Checks that the cell at (left, top) shows the glyph of `character`, inverted when asked. */

@@ -13,13 +13,8 @@
 
 namespace {
 
-using frontpanelhw::drawing::DisplayBuffer;
-using frontpanelhw::drawing::DisplayChar;
-using frontpanelhw::drawing::DisplayLine;
-using frontpanelhw::graphic::FramebufferDisplay;
-using frontpanelhw::graphic::FramebufferOptions;
-using frontpanelhw::graphic::MonoBitmap;
-using frontpanelhw::graphic::RgbColor;
+using namespace frontpanelhw::drawing;
+using namespace frontpanelhw::graphic;
 
 /** A zero-filled file of `bytes` bytes standing in for a framebuffer; removed at the end. */
 class FramebufferFile {

@@ -10,10 +10,7 @@
 namespace {
 
 using frontpanelhw::drawing::DisplayBuffer;
-using frontpanelhw::graphic::Font;
-using frontpanelhw::graphic::GraphicDisplay;
-using frontpanelhw::graphic::MonoBitmap;
-using frontpanelhw::graphic::PixelRect;
+using namespace frontpanelhw::graphic;
 
 /** A device that records the regions it was handed and can be told to fail. */
 class RecordingDisplay : public GraphicDisplay {

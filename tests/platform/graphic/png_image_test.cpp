@@ -19,13 +19,7 @@ namespace {
 
 using frontpanelhw::drawing::DisplayBuffer;
 using frontpanelhw::drawing::DisplayLine;
-using frontpanelhw::graphic::encodePng;
-using frontpanelhw::graphic::encodePngRgb;
-using frontpanelhw::graphic::Font;
-using frontpanelhw::graphic::MonoBitmap;
-using frontpanelhw::graphic::PngDisplay;
-using frontpanelhw::graphic::PngDisplayOptions;
-using frontpanelhw::graphic::RgbColor;
+using namespace frontpanelhw::graphic;
 
 /** A PNG decoded by libpng into 8-bit RGB. */
 struct Decoded {

@@ -33,12 +33,14 @@ std::shared_ptr<Font::Data const> builtinData(unsigned width, unsigned height, c
 Font::Font(std::shared_ptr<Data const> data) : data_(std::move(data)) {}
 
 Font Font::builtin6x8() {
-    static auto const data = builtinData(6, 8, "6x8", detail::font6x8Glyphs(), detail::font6x8GlyphCount());
+    static auto const data =
+        builtinData(6, 8, "6x8", detail::font6x8Glyphs(), detail::font6x8GlyphCount());
     return Font(data);
 }
 
 Font Font::builtin8x16() {
-    static auto const data = builtinData(8, 16, "8x16", detail::font8x16Glyphs(), detail::font8x16GlyphCount());
+    static auto const data =
+        builtinData(8, 16, "8x16", detail::font8x16Glyphs(), detail::font8x16GlyphCount());
     return Font(data);
 }
 

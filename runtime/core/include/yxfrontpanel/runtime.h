@@ -8,4 +8,5 @@
 #include <yxfrontpanel/runtime/clock.h>
 #include <yxfrontpanel/runtime/connection_policy.h>
 #include <yxfrontpanel/runtime/export.h>
+#include <yxfrontpanel/runtime/owned_descriptor.h>
 #include <yxfrontpanel/runtime/panel.h>

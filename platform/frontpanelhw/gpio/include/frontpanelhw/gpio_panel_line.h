@@ -14,7 +14,7 @@ namespace frontpanelhw::graphic {
  *  as an output at level `initialHigh`, consumer "yxfrontpanel"; released with the object.
  *  @throws PanelBusError naming the chip, the line and the reason. */
 FRONTPANELHW_EXPORT std::unique_ptr<IPanelLine> openGpioPanelLine(std::string const& chip,
-                                                                          unsigned offset,
-                                                                          bool initialHigh);
+                                                                  unsigned offset,
+                                                                  bool initialHigh);
 
 }  // namespace frontpanelhw::graphic
