@@ -89,8 +89,9 @@ TEST_F(WebPanelLifecycleTest, StalledPageIsDroppedWithoutDelayingTheOthers) {
     ASSERT_EQ(stalled->upgrade("/panel", origin()).rfind("HTTP/1.1 101", 0), 0U);
     auto reader = openPage();
     ASSERT_TRUE(waitForFrame(*reader, kFirstFrame));
-    // Enough frames to fill what the kernel buffers for the stalled page.
-    for (int round = 0; round < 600; ++round) {
+    // Enough frames to fill what the kernel buffers for the stalled page (its own small receive
+    // buffer and the server's send buffer, some 70 KiB on loopback) several times over.
+    for (int round = 0; round < 2000; ++round) {
         bool const down = round % 2 == 0;
         panel->pressKey(down ? frontpanelhw::PanelKey::Down : frontpanelhw::PanelKey::Up);
         ASSERT_TRUE(waitForFrame(*reader, down ? kCursorOnBeta : kFirstFrame)) << round;

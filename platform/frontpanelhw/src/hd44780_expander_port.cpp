@@ -32,9 +32,9 @@ std::unique_ptr<DeviceFile> openExpanderFile(std::string const& path, std::uint8
         if (::ioctl(file->descriptor(), I2C_SLAVE, static_cast<unsigned long>(address)) < 0) {
             int const error = errno;
             DeviceFile::fail("cannot select address " + hexAddress(address) + " on " + path, error,
-                             error == EBUSY    ? " (a kernel driver uses this address)"
-                             : error == ENOTTY ? " (not an I2C adapter)"
-                                               : "");
+                             error == EBUSY ? " (a kernel driver uses this address)"
+                             : error == ENOTTY || error == ENOSYS ? " (not an I2C adapter)"
+                                                                  : "");
         }
         file->setDescription(file->description() + " at " + hexAddress(address));
     }

@@ -65,9 +65,9 @@ std::unique_ptr<IPanelBus> openI2cPanelBus(std::string const& path, std::uint8_t
                 int const error = errno;
                 DeviceFile::fail("cannot select address " + hexAddress(address) + " on " + path,
                                  error,
-                                 error == EBUSY    ? " (a kernel driver uses this address)"
-                                 : error == ENOTTY ? " (not an I2C adapter)"
-                                                   : "");
+                                 error == EBUSY ? " (a kernel driver uses this address)"
+                                 : error == ENOTTY || error == ENOSYS ? " (not an I2C adapter)"
+                                                                      : "");
             }
             file->setDescription(file->description() + " at " + hexAddress(address));
         }

@@ -77,7 +77,7 @@ void configure(DeviceFile const& file, SpiBusOptions const& options) {
         DeviceFile::fail("cannot set SPI mode " + std::to_string(options.mode) +
                              (options.chipSelectHigh ? " with chip select active high" : "") +
                              " on " + device,
-                         errno, errno == ENOTTY ? " (not an SPI device)" : "");
+                         errno, errno == ENOTTY || errno == ENOSYS ? " (not an SPI device)" : "");
     }
     if (::ioctl(file.descriptor(), SPI_IOC_WR_BITS_PER_WORD, &bits) < 0) {
         DeviceFile::fail("cannot set 8-bit words on " + device, errno, "");
