@@ -28,12 +28,12 @@ public:
     std::uint8_t statusByte() override { return 0x04; }
 };
 
-constexpr std::size_t maxLinks = 4;
+constexpr std::size_t kMaxLinks = 4;
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
-    runtime::Vxi11Device device([] { return std::make_unique<EchoInstrument>(); }, maxLinks,
+    runtime::Vxi11Device device([] { return std::make_unique<EchoInstrument>(); }, kMaxLinks,
                                 std::chrono::milliseconds{0});
     device.setCorePort(1024);
     runtime::RpcRecordReader reader(64 * 1024);
@@ -50,7 +50,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
             (*reply)[11] != 0) {
             std::abort();
         }
-        if (device.linkCount() > maxLinks) {
+        if (device.linkCount() > kMaxLinks) {
             std::abort();
         }
     }

@@ -6,7 +6,7 @@ namespace yxfrontpanel::runtime {
 
 namespace {
 
-constexpr std::uint32_t lastFragment = 0x80000000U;
+constexpr std::uint32_t kLastFragment = 0x80000000U;
 
 }  // namespace
 
@@ -19,7 +19,7 @@ bool RpcRecordReader::feed(std::string_view bytes) {
         auto const* p = reinterpret_cast<unsigned char const*>(buffer_.data() + offset);
         std::uint32_t const header = (std::uint32_t{p[0]} << 24) | (std::uint32_t{p[1]} << 16) |
                                      (std::uint32_t{p[2]} << 8) | std::uint32_t{p[3]};
-        std::size_t const length = header & ~lastFragment;
+        std::size_t const length = header & ~kLastFragment;
         if (record_.size() + length > maxRecordBytes_) {
             return false;
         }
@@ -28,7 +28,7 @@ bool RpcRecordReader::feed(std::string_view bytes) {
         }
         record_.append(buffer_, offset + 4, length);
         offset += 4 + length;
-        if ((header & lastFragment) != 0) {
+        if ((header & kLastFragment) != 0) {
             ready_.push_back(std::move(record_));
             record_.clear();
         }
@@ -47,7 +47,7 @@ std::optional<std::string> RpcRecordReader::next() {
 }
 
 std::string rpcFrame(std::string_view record) {
-    std::uint32_t const header = lastFragment | static_cast<std::uint32_t>(record.size());
+    std::uint32_t const header = kLastFragment | static_cast<std::uint32_t>(record.size());
     std::string framed;
     framed += static_cast<char>(header >> 24);
     framed += static_cast<char>((header >> 16) & 0xFF);

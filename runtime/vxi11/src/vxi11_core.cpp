@@ -15,22 +15,22 @@ namespace yxfrontpanel::runtime {
 
 namespace {
 
-constexpr std::uint32_t portmapperProgram = 100000;
-constexpr std::uint32_t portmapperVersion = 2;
-constexpr std::uint32_t portmapperGetPort = 3;
-constexpr std::uint32_t ipProtoTcp = 6;
+constexpr std::uint32_t kPortmapperProgram = 100000;
+constexpr std::uint32_t kPortmapperVersion = 2;
+constexpr std::uint32_t kPortmapperGetPort = 3;
+constexpr std::uint32_t kIpProtoTcp = 6;
 
 // Flags of the core channel's calls.
-constexpr long flagWaitLock = 1;
-constexpr long flagEnd = 8;
-constexpr long flagTermChar = 0x80;
+constexpr long kFlagWaitLock = 1;
+constexpr long kFlagEnd = 8;
+constexpr long kFlagTermChar = 0x80;
 // Reasons a read ended.
-constexpr long reasonRequestCount = 1;
-constexpr long reasonTermChar = 2;
-constexpr long reasonEnd = 4;
+constexpr long kReasonRequestCount = 1;
+constexpr long kReasonTermChar = 2;
+constexpr long kReasonEnd = 4;
 // What one read or write carries at most (Create_LinkResp.maxRecvSize).
-constexpr std::uint32_t maxReceiveSize = 64 * 1024;
-constexpr std::uint8_t statusMav = 0x10;
+constexpr std::uint32_t kMaxReceiveSize = 64 * 1024;
+constexpr std::uint8_t kStatusMav = 0x10;
 
 enum AcceptStat : std::uint32_t {
     Success = 0,
@@ -111,9 +111,9 @@ private:
 
 class Vxi11Device::Impl {
 public:
-    Impl(Vxi11InstrumentFactory instruments, std::size_t maxLinks,
+    Impl(Vxi11InstrumentFactory instruments, std::size_t kMaxLinks,
          std::chrono::milliseconds maxWait)
-        : instruments_(std::move(instruments)), maxLinks_(maxLinks), maxWait_(maxWait) {}
+        : instruments_(std::move(instruments)), maxLinks_(kMaxLinks), maxWait_(maxWait) {}
 
     std::optional<std::string> call(std::string_view record, std::uint64_t connection) {
         std::string copy(record);
@@ -144,7 +144,7 @@ public:
         if (header[2] != 2) {
             return std::nullopt;
         }
-        if (program == portmapperProgram) {
+        if (program == kPortmapperProgram) {
             return portmapper(xid, version, procedure, xdr.get());
         }
         if (program != DEVICE_CORE && program != DEVICE_ASYNC) {
@@ -206,7 +206,7 @@ private:
 
     std::string portmapper(std::uint32_t xid, std::uint32_t version, std::uint32_t procedure,
                            XDR* xdr) {
-        if (version != portmapperVersion) {
+        if (version != kPortmapperVersion) {
             std::string buffer = reply(xid, ProgramMismatch, nullptr, nullptr);
             // The versions this portmapper speaks: 2 only.
             auto* p = reinterpret_cast<unsigned char*>(buffer.data() + buffer.size() - 8);
@@ -217,7 +217,7 @@ private:
         if (procedure == 0) {
             return reply(xid, Success, nullptr, nullptr);
         }
-        if (procedure != portmapperGetPort) {
+        if (procedure != kPortmapperGetPort) {
             return reply(xid, ProcedureUnavailable, nullptr, nullptr);
         }
         std::uint32_t mapping[4] = {};
@@ -228,7 +228,7 @@ private:
         }
         std::uint32_t port = 0;
         if (mapping[0] == DEVICE_CORE && mapping[1] == DEVICE_CORE_VERSION &&
-            mapping[2] == ipProtoTcp) {
+            mapping[2] == kIpProtoTcp) {
             port = corePort.load();
         }
         return reply(xid, Success, reinterpret_cast<xdrproc_t>(xdr_u_int32_t), &port);
@@ -265,7 +265,7 @@ private:
             case device_local:
                 return answer<Device_GenericParms, Device_Error>(
                     xid, xdr, generic, error,
-                    [&](Device_GenericParms& parms) { return generic_(procedure, parms); });
+                    [&](Device_GenericParms& parms) { return genericCall(procedure, parms); });
             case device_lock:
                 return answer<Device_LockParms, Device_Error>(
                     xid, xdr, reinterpret_cast<xdrproc_t>(xdr_Device_LockParms), error,
@@ -307,7 +307,7 @@ private:
 
     Create_LinkResp createLink(Create_LinkParms const& parms, std::uint64_t connection) {
         Create_LinkResp result{};
-        result.maxRecvSize = maxReceiveSize;
+        result.maxRecvSize = kMaxReceiveSize;
         std::unique_lock<std::mutex> lock(mutex_);
         if (links_.size() >= maxLinks_) {
             result.error = static_cast<long>(Vxi11Error::OutOfResources);
@@ -322,7 +322,7 @@ private:
         links_.emplace(id, std::move(link));
         result.lid = id;
         if (parms.lockDevice) {
-            result.error = static_cast<long>(acquire(lock, id, flagWaitLock, parms.lock_timeout));
+            result.error = static_cast<long>(acquire(lock, id, kFlagWaitLock, parms.lock_timeout));
         }
         return result;
     }
@@ -346,7 +346,7 @@ private:
         }
         link->input.append(parms.data.data_val, parms.data.data_len);
         result.size = parms.data.data_len;
-        if ((parms.flags & flagEnd) == 0) {
+        if ((parms.flags & kFlagEnd) == 0) {
             return result;
         }
         std::string message = std::move(link->input);
@@ -401,19 +401,19 @@ private:
             return result;
         }
         std::size_t count = std::min<std::size_t>(
-            {link->output.size(), std::max<unsigned long>(parms.requestSize, 1), maxReceiveSize});
+            {link->output.size(), std::max<unsigned long>(parms.requestSize, 1), kMaxReceiveSize});
         long reason = 0;
-        if ((parms.flags & flagTermChar) != 0) {
+        if ((parms.flags & kFlagTermChar) != 0) {
             std::size_t const term = link->output.find(parms.termChar);
             if (term != std::string::npos && term < count) {
                 count = term + 1;
-                reason |= reasonTermChar;
+                reason |= kReasonTermChar;
             }
         }
         if (count == link->output.size()) {
-            reason |= reasonEnd;
+            reason |= kReasonEnd;
         } else if (count == parms.requestSize) {
-            reason |= reasonRequestCount;
+            reason |= kReasonRequestCount;
         }
         readBuffer_.assign(link->output, 0, count);
         link->output.erase(0, count);
@@ -432,13 +432,13 @@ private:
         }
         std::uint8_t status = link->instrument->statusByte();
         if (!link->output.empty()) {
-            status |= statusMav;
+            status |= kStatusMav;
         }
         result.stb = static_cast<u_char>(status);
         return result;
     }
 
-    Device_Error generic_(std::uint32_t procedure, Device_GenericParms const& parms) {
+    Device_Error genericCall(std::uint32_t procedure, Device_GenericParms const& parms) {
         std::unique_lock<std::mutex> lock(mutex_);
         if (find(parms.lid) == nullptr) {
             return failure(Vxi11Error::InvalidLink);
@@ -507,7 +507,7 @@ private:
                        unsigned long timeout) {
         auto const free = [&] { return stopping_ || lockOwner_ == 0 || lockOwner_ == lid; };
         if (!free()) {
-            if ((flags & flagWaitLock) == 0 || !changed_.wait_for(lock, millis(timeout), free)) {
+            if ((flags & kFlagWaitLock) == 0 || !changed_.wait_for(lock, millis(timeout), free)) {
                 return Vxi11Error::Locked;
             }
         }
@@ -528,7 +528,7 @@ private:
         if (free()) {
             return Vxi11Error::None;
         }
-        if ((flags & flagWaitLock) == 0 || !changed_.wait_for(lock, millis(timeout), free)) {
+        if ((flags & kFlagWaitLock) == 0 || !changed_.wait_for(lock, millis(timeout), free)) {
             return Vxi11Error::Locked;
         }
         return stopping_ ? Vxi11Error::Abort : Vxi11Error::None;
@@ -580,9 +580,9 @@ public:
 
 thread_local std::string Vxi11Device::Impl::readBuffer_;
 
-Vxi11Device::Vxi11Device(Vxi11InstrumentFactory instruments, std::size_t maxLinks,
+Vxi11Device::Vxi11Device(Vxi11InstrumentFactory instruments, std::size_t kMaxLinks,
                          std::chrono::milliseconds maxWait)
-    : impl_(std::make_shared<Impl>(std::move(instruments), maxLinks, maxWait)) {
+    : impl_(std::make_shared<Impl>(std::move(instruments), kMaxLinks, maxWait)) {
     if (!impl_) {
         return;
     }

@@ -26,7 +26,7 @@ namespace yxfrontpanel::runtime {
 
 namespace {
 
-constexpr std::uint32_t coreProgram = 0x0607AF;
+constexpr std::uint32_t kCoreProgram = 0x0607AF;
 
 using Fd = OwnedDescriptor;
 
@@ -109,7 +109,7 @@ public:
         corePort_ = portOf(core_.get());
         device_.setCorePort(corePort_);
         if (options_.useRpcbind && rpcbindAnswers(options_.host)) {
-            if (pmap_set(coreProgram, 1, IPPROTO_TCP, corePort_)) {
+            if (pmap_set(kCoreProgram, 1, IPPROTO_TCP, corePort_)) {
                 registered_ = true;
                 registration_ = "registered with rpcbind";
             } else {
@@ -173,7 +173,7 @@ public:
             thread.join();
         }
         if (registered_) {
-            pmap_unset(coreProgram, 1);
+            pmap_unset(kCoreProgram, 1);
         }
     }
 

@@ -23,12 +23,12 @@
 namespace yxfrontpanel::runtime {
 namespace {
 
-constexpr long flagWaitLock = 1;
-constexpr long flagEnd = 8;
-constexpr long flagTermChar = 0x80;
-constexpr long reasonRequestCount = 1;
-constexpr long reasonTermChar = 2;
-constexpr long reasonEnd = 4;
+constexpr long kFlagWaitLock = 1;
+constexpr long kFlagEnd = 8;
+constexpr long kFlagTermChar = 0x80;
+constexpr long kReasonRequestCount = 1;
+constexpr long kReasonTermChar = 2;
+constexpr long kReasonEnd = 4;
 
 /** Runs the commands at once, or holds them until `runHeld` when `hold` is set. */
 struct TestExecutor {
@@ -120,7 +120,7 @@ protected:
         return result.lid;
     }
 
-    long write(long lid, std::string const& data, long flags = flagEnd) {
+    long write(long lid, std::string const& data, long flags = kFlagEnd) {
         Device_WriteParms parms{};
         parms.lid = lid;
         parms.io_timeout = 1000;
@@ -204,7 +204,7 @@ TEST_F(Vxi11ServerTest, QueryAnswersWithEndWhenReadWhole) {
     EXPECT_EQ(write(lid, "*IDN?\n"), 0);
     Read const answer = read(lid);
     EXPECT_EQ(answer.error, 0);
-    EXPECT_EQ(answer.reason, reasonEnd);
+    EXPECT_EQ(answer.reason, kReasonEnd);
     EXPECT_EQ(answer.data, "Maker,Model 1,SN7,2.0\n");
     EXPECT_EQ(byLink(destroy_link, lid), 0);
     EXPECT_EQ(server_->linkCount(), 0U);
@@ -226,13 +226,13 @@ TEST_F(Vxi11ServerTest, ReadStopsAtRequestCountAndTermChar) {
     write(lid, "*IDN?;*IDN?");
     Read const first = read(lid, 5);
     EXPECT_EQ(first.data, "Maker");
-    EXPECT_EQ(first.reason, reasonRequestCount);
-    Read const second = read(lid, 1024, 1000, flagTermChar, ';');
+    EXPECT_EQ(first.reason, kReasonRequestCount);
+    Read const second = read(lid, 1024, 1000, kFlagTermChar, ';');
     EXPECT_EQ(second.data, ",Model 1,SN7,2.0;");
-    EXPECT_EQ(second.reason, reasonTermChar);
+    EXPECT_EQ(second.reason, kReasonTermChar);
     Read const rest = read(lid);
     EXPECT_EQ(rest.data, "Maker,Model 1,SN7,2.0\n");
-    EXPECT_EQ(rest.reason, reasonEnd);
+    EXPECT_EQ(rest.reason, kReasonEnd);
 }
 
 TEST_F(Vxi11ServerTest, DeviceClearDropsAPendingQuery) {
@@ -274,9 +274,9 @@ TEST_F(Vxi11ServerTest, LockKeepsOtherLinksOutUntilUnlocked) {
     ASSERT_NE(other, nullptr);
     long const theirs = createLink(other);
     EXPECT_EQ(lock(mine, client_), 0);
-    EXPECT_EQ(lock(theirs, other), 11);                    // locked by another link
-    EXPECT_EQ(lock(theirs, other, flagWaitLock, 10), 11);  // still, after the lock timeout
-    EXPECT_EQ(byLink(device_unlock, theirs, other), 12);   // no lock held by this link
+    EXPECT_EQ(lock(theirs, other), 11);                     // locked by another link
+    EXPECT_EQ(lock(theirs, other, kFlagWaitLock, 10), 11);  // still, after the lock timeout
+    EXPECT_EQ(byLink(device_unlock, theirs, other), 12);    // no lock held by this link
     EXPECT_EQ(byLink(device_unlock, mine), 0);
     EXPECT_EQ(lock(theirs, other), 0);
     EXPECT_EQ(byLink(device_unlock, theirs, other), 0);
