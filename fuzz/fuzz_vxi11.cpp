@@ -36,7 +36,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     runtime::Vxi11Device device([] { return std::make_unique<EchoInstrument>(); }, kMaxLinks,
                                 std::chrono::milliseconds{0});
     device.setCorePort(1024);
-    runtime::RpcRecordReader reader(64 * 1024);
+    runtime::RpcRecordReader reader(std::size_t{64} * 1024);
     if (!reader.feed(std::string_view(reinterpret_cast<char const*>(data), size))) {
         return 0;
     }

@@ -96,7 +96,7 @@ extern "C" int LLVMFuzzerTestOneInput(uint8_t const* data, size_t size) {
         return 0;
     }
     std::string_view const input(reinterpret_cast<char const*>(data) + 1, size - 1);
-    std::size_t const split = std::min<std::size_t>(data[0] * 16U, input.size());
+    std::size_t const split = std::min<std::size_t>(std::size_t{data[0]} * 16U, input.size());
     WebAccess const access{yxfrontpanel::runtime::HostAllowList("127.0.0.1", 8080, {"panel.lab"}),
                            "s3cret"};
     checkRequest(input.substr(0, split), access);

@@ -55,8 +55,8 @@ private:
 TEST(CtlLineConnectionTest, RefusesAnAnswerLineOverTheLimit) {
     yxfp_test::TempDirectory directory;
     std::string const path = directory.file("panel.sock");
-    ReplyServer const server(path, std::string(256 * 1024, 'x'));
-    LineConnection connection("unix:" + path, std::chrono::seconds{30}, 64 * 1024);
+    ReplyServer const server(path, std::string(std::size_t{256} * 1024, 'x'));
+    LineConnection connection("unix:" + path, std::chrono::seconds{30}, std::size_t{64} * 1024);
     try {
         connection.readLine();
         FAIL() << "a line over the limit was taken";
@@ -69,8 +69,8 @@ TEST(CtlLineConnectionTest, RefusesAnAnswerLineOverTheLimit) {
 TEST(CtlLineConnectionTest, TakesLinesWithinTheLimit) {
     yxfp_test::TempDirectory directory;
     std::string const path = directory.file("panel.sock");
-    ReplyServer const server(path, std::string(60 * 1024, 'y') + "\nshort\n");
-    LineConnection connection("unix:" + path, std::chrono::seconds{30}, 64 * 1024);
+    ReplyServer const server(path, std::string(std::size_t{60} * 1024, 'y') + "\nshort\n");
+    LineConnection connection("unix:" + path, std::chrono::seconds{30}, std::size_t{64} * 1024);
     EXPECT_EQ(connection.readLine().size(), 60U * 1024U);
     EXPECT_EQ(connection.readLine(), "short");
 }

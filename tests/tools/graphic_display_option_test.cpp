@@ -149,7 +149,7 @@ TEST(GraphicModuleDisplayTest, FramebufferFileShowsThePanelBesideTheRunsDisplay)
     std::string const path = ::testing::TempDir() + "sim_fb_" + std::to_string(::getpid()) + ".raw";
     {
         std::ofstream file(path, std::ios::binary);
-        file << std::string(128 * 64 * 2, '\0');
+        file << std::string(std::size_t{128} * 64 * 2, '\0');
     }
     auto const options =
         parseOptions({"--display", "fbdev:" + path + ":128x64:16", "--keys", "up"});
@@ -165,8 +165,8 @@ TEST(GraphicModuleDisplayTest, FramebufferFileShowsThePanelBesideTheRunsDisplay)
     std::string const bytes((std::istreambuf_iterator<char>(file)), {});
     ASSERT_EQ(bytes.size(), 128u * 64 * 2);
     // The top row of the 'A' (.###.) from x = 1 + 1: white in RGB565.
-    EXPECT_EQ(bytes.substr(2 * 2, 2), "\xFF\xFF");
-    EXPECT_EQ(bytes.substr(1 * 2, 2), std::string(2, '\0'));
+    EXPECT_EQ(bytes.substr(std::size_t{2} * 2, 2), "\xFF\xFF");
+    EXPECT_EQ(bytes.substr(std::size_t{1} * 2, 2), std::string(2, '\0'));
     std::remove(path.c_str());
 }
 

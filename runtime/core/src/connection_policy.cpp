@@ -200,7 +200,7 @@ bool tokenMatches(std::string_view given, std::string_view expected, std::size_t
 }
 
 HostAllowList::HostAllowList(std::string_view boundHost, std::uint16_t port,
-                             std::vector<std::string> names)
+                             std::vector<std::string> const& names)
     : port_(port) {
     std::vector<std::string> all{"localhost", "127.0.0.1", "[::1]"};
     if (!isWildcard(boundHost)) {

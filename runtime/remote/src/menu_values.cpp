@@ -125,6 +125,8 @@ void applyAsConfirmedEdit(Editor& editor) {
     editor.setEditorMode(true);
     if constexpr (std::is_same_v<Editor, Slider>) {
         editor.apply();  // a slider without a callback only commits
+        editor.setEditorMode(mode);
+        return;
     } else if (editor.hasApplyCallback()) {
         editor.apply();  // what the application's callback throws passes through
     } else {

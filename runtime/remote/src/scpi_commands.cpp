@@ -405,7 +405,8 @@ void addStatusRegister(CommandTable& table, std::string const& root, StatusModel
 
 }  // namespace
 
-void addCommonCommands(CommandTable& table, Identity const& identity, InstrumentHooks hooks) {
+void addCommonCommands(CommandTable& table, Identity const& identity,
+                       InstrumentHooks const& hooks) {
     std::string const idn =
         withoutCommas(identity.manufacturer) + ',' + withoutCommas(identity.model) + ',' +
         withoutCommas(identity.serialNumber) + ',' + withoutCommas(identity.firmwareVersion);

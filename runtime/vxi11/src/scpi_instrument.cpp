@@ -118,8 +118,8 @@ private:
 
 }  // namespace
 
-Vxi11InstrumentFactory scpiInstruments(std::shared_ptr<scpi::CommandTable const> table,
-                                       Vxi11Executor executor) {
+Vxi11InstrumentFactory scpiInstruments(std::shared_ptr<scpi::CommandTable const> const& table,
+                                       Vxi11Executor const& executor) {
     if (!table || !executor) {
         throw std::invalid_argument("VXI-11 SCPI sessions need a command table and an executor");
     }

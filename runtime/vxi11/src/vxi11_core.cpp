@@ -71,7 +71,7 @@ std::string reply(std::uint32_t xid, AcceptStat stat, xdrproc_t proc, void* resu
     // The header (at most 8 words) and the result, sized without encoding it twice.
     std::size_t const resultBytes =
         stat == Success && proc != nullptr ? xdr_sizeof(proc, result) : 0;
-    std::string buffer(8 * 4 + resultBytes, '\0');
+    std::string buffer(std::size_t{8} * 4 + resultBytes, '\0');
     MemoryXdr xdr(buffer.data(), buffer.size(), XDR_ENCODE);
     std::uint32_t fields[] = {
         xid, 1 /* REPLY */, 0 /* MSG_ACCEPTED */, 0 /* AUTH_NONE */, 0 /* no verifier body */,
@@ -96,7 +96,7 @@ std::string reply(std::uint32_t xid, AcceptStat stat, xdrproc_t proc, void* resu
 template <typename T>
 class Arguments {
 public:
-    Arguments(xdrproc_t proc) : proc_(proc) {}
+    explicit Arguments(xdrproc_t proc) : proc_(proc) {}
     ~Arguments() { xdr_free(proc_, reinterpret_cast<char*>(&value)); }
     Arguments(Arguments const&) = delete;
     Arguments& operator=(Arguments const&) = delete;
@@ -358,19 +358,20 @@ private:
         lock.unlock();
         // The response lands in the link's output unless the link was cleared or destroyed.
         std::weak_ptr<Impl> const self = weak_;
-        instrument->execute(std::move(message), [self, id, generation](std::string response) {
-            auto impl = self.lock();
-            if (!impl) {
-                return;
-            }
-            std::lock_guard<std::mutex> const guard(impl->mutex_);
-            Link* target = impl->find(id);
-            if (target != nullptr && target->generation == generation) {
-                target->output += response;
-                --target->pending;
-            }
-            impl->changed_.notify_all();
-        });
+        instrument->execute(std::move(message),
+                            [self, id, generation](std::string const& response) {
+                                auto impl = self.lock();
+                                if (!impl) {
+                                    return;
+                                }
+                                std::lock_guard<std::mutex> const guard(impl->mutex_);
+                                Link* target = impl->find(id);
+                                if (target != nullptr && target->generation == generation) {
+                                    target->output += response;
+                                    --target->pending;
+                                }
+                                impl->changed_.notify_all();
+                            });
         return result;
     }
 

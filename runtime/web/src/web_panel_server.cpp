@@ -35,7 +35,7 @@ constexpr std::size_t kLongestMessage = 512;
 // Request heads are a few hundred bytes; longer ones get 431.
 constexpr std::size_t kLongestHead = 4096;
 // Bytes a refused client may still send while its answer goes out before it is closed.
-constexpr std::size_t kDrainLimit = 1024 * 1024;
+constexpr std::size_t kDrainLimit = std::size_t{1024} * 1024;
 // The kernel's send buffer per client: a few frames; a page that stops reading fills it soon.
 constexpr int kSendBuffer = 32 * 1024;
 // Seconds a client has for its request head (and a refused one to take its answer).

@@ -19,7 +19,7 @@ using namespace frontpanelhw::graphic;
 /** A zero-filled file of `bytes` bytes standing in for a framebuffer; removed at the end. */
 class FramebufferFile {
 public:
-    FramebufferFile(std::size_t bytes)
+    explicit FramebufferFile(std::size_t bytes)
         : path_(::testing::TempDir() + "framebuffer_test_" + std::to_string(::getpid()) + ".raw") {
         std::ofstream out(path_, std::ios::binary);
         std::vector<char> const zeros(bytes, 0);
@@ -121,7 +121,7 @@ TEST(FramebufferDisplayTest, ShowsThePanelInEveryDepthAndRotation) {
 }
 
 TEST(FramebufferDisplayTest, WritesOnlyTheChangedRegion) {
-    FramebufferFile file(24 * 8 * 4);
+    FramebufferFile file(std::size_t{24} * 8 * 4);
     FramebufferOptions options;
     options.fileWidth = 24;
     options.fileHeight = 8;
@@ -146,7 +146,7 @@ TEST(FramebufferDisplayTest, WritesOnlyTheChangedRegion) {
 }
 
 TEST(FramebufferDisplayTest, PowerSaveDarkensTheScreenAndWakingShowsThePanelAgain) {
-    FramebufferFile file(12 * 8 * 3);
+    FramebufferFile file(std::size_t{12} * 8 * 3);
     FramebufferOptions options;
     options.fileWidth = 12;
     options.fileHeight = 8;

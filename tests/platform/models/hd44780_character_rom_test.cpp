@@ -108,7 +108,7 @@ struct PunctuationMenu {
         auto lower = std::make_shared<yxfrontpanel::ReadOnlyMenuItem>(provider, u"Low, 'min'");
         lower->setValue(-5.0, 1);
         limits->addItem(lower);
-        for (std::shared_ptr<yxfrontpanel::MenuItem> item :
+        for (std::shared_ptr<yxfrontpanel::MenuItem> const& item :
              {std::shared_ptr<yxfrontpanel::MenuItem>(voltage),
               std::shared_ptr<yxfrontpanel::MenuItem>(address),
               std::shared_ptr<yxfrontpanel::MenuItem>(serial),

@@ -115,7 +115,7 @@ TEST(RemoteServerHostileTest, TheFortyLineAttackStaysWithinTheLineAndMemoryBound
 TEST(RemoteServerHostileTest, AClientPastItsPendingQuotaIsDisconnected) {
     LogCapture log;
     rt::RemoteControlOptions options;
-    options.server.maxPendingBytes = 8 * 1024;
+    options.server.maxPendingBytes = std::size_t{8} * 1024;
     RemoteHarness harness(options);
     harness.start();
     std::promise<void> release;
@@ -349,7 +349,7 @@ std::unique_ptr<rt::RemoteServer> unixServer(std::string const& path, unsigned m
     rt::scpi::addCommonCommands(*table, {"Yx", "Unix", "U-1", "0.1"});
     return std::make_unique<rt::RemoteServer>(
         table,
-        [](std::function<void()> task) {
+        [](std::function<void()> const& task) {
             task();
             return true;
         },

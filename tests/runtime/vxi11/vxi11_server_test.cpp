@@ -36,7 +36,7 @@ struct TestExecutor {
     bool hold = false;
     std::deque<std::function<void()>> held;
 
-    bool post(std::function<void()> task) {
+    bool post(std::function<void()> const& task) {
         {
             std::lock_guard<std::mutex> const lock(mutex);
             if (hold) {

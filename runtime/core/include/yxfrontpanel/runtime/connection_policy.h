@@ -165,7 +165,8 @@ class YXFP_RUNTIME_EXPORT HostAllowList {
 public:
     /** `boundHost` as listened on ("127.0.0.1", "::1", "0.0.0.0"), `port` as bound, `names`
      *  configured by the application ("panel.example", "192.0.2.7"). */
-    HostAllowList(std::string_view boundHost, std::uint16_t port, std::vector<std::string> names);
+    HostAllowList(std::string_view boundHost, std::uint16_t port,
+                  std::vector<std::string> const& names);
 
     /** Whether a request's `Host` header value names this server. */
     bool allowsHost(std::string_view host) const;

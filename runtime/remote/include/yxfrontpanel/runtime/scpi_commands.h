@@ -198,7 +198,7 @@ struct YXFP_RUNTIME_EXPORT Identity {
  *  Commands run in order on the panel's thread, so `*OPC`, `*OPC?` and `*WAI` complete once
  *  every command before them (and the panel work they posted) ran. */
 YXFP_RUNTIME_EXPORT void addCommonCommands(CommandTable& table, Identity const& identity,
-                                           InstrumentHooks hooks = {});
+                                           InstrumentHooks const& hooks = {});
 
 /** Registers `HCOPy:SDUMp:DATA?` (the PNG bytes from `screenshotPng` as a definite-length
  *  block) and `HCOPy:SDUMp:DATA:FORMat?` (answers PNG). */

@@ -34,7 +34,7 @@ using Vxi11Executor = std::function<bool(std::function<void()>)>;
 
 /** Sessions running SCPI messages through `table` on `executor`'s thread, with an error queue
  *  per link; the responses of one message are joined with ';' and end with a newline. */
-YXFP_RUNTIME_EXPORT Vxi11InstrumentFactory
-scpiInstruments(std::shared_ptr<scpi::CommandTable const> table, Vxi11Executor executor);
+YXFP_RUNTIME_EXPORT Vxi11InstrumentFactory scpiInstruments(
+    std::shared_ptr<scpi::CommandTable const> const& table, Vxi11Executor const& executor);
 
 }  // namespace yxfrontpanel::runtime
