@@ -190,10 +190,14 @@ TEST_F(WebPanelSecurityTest, OtherMethodsGetACompleteMethodNotAllowed) {
     for (std::string const method : {"POST", "PUT", "DELETE"}) {
         LoopbackConnection client(server->port());
         std::string const body(2000, 'b');
-        ASSERT_TRUE(client.send(
-            method + " / HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(server->port()) +
-            "\r\nContent-Type: text/plain\r\nContent-Length: " + std::to_string(body.size()) +
-            "\r\n\r\n" + body));
+        std::string request = method;
+        request.append(" / HTTP/1.1\r\nHost: 127.0.0.1:")
+            .append(std::to_string(server->port()))
+            .append("\r\nContent-Type: text/plain\r\nContent-Length: ")
+            .append(std::to_string(body.size()))
+            .append("\r\n\r\n")
+            .append(body);
+        ASSERT_TRUE(client.send(request));
         std::string const response = client.readAll(std::chrono::seconds{5});
         EXPECT_EQ(response.rfind("HTTP/1.1 405 Method Not Allowed\r\n", 0), 0U) << response;
         EXPECT_NE(response.find("\r\nAllow: GET, HEAD\r\n"), std::string::npos);

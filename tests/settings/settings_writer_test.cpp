@@ -31,15 +31,17 @@ using yxfrontpanel::testing::ManualClock;
 // A bench store on a temporary file, its calls going through a layer that can fail them, saved
 // by a scheduler on a hand-moved clock; every error it reports is collected.
 class SettingsWriterTest : public ::testing::Test {
+public:
+    ~SettingsWriterTest() override {
+        store->setScheduler(nullptr);
+        store->waitForSaves();
+    }
+
 protected:
     SettingsWriterTest() {
         store->load();
         store->setScheduler(&scheduler);
         store->subscribeErrors([this](std::string const& error) { errors.push_back(error); });
-    }
-    ~SettingsWriterTest() override {
-        store->setScheduler(nullptr);
-        store->waitForSaves();
     }
 
     // Moves the clock and waits for the writer thread to finish what that started.

@@ -88,7 +88,7 @@ void checkGolden(std::string const& name, std::vector<PanelKey> const& keys,
         module.draw(demoScreen(module.getChars(), module.getLines(), keys, homeScreen));
         std::string const path =
             std::string(YXFP_GRAPHIC_GOLDEN_DIR) + "/" + name + "_" + fontName + ".pbm";
-        char const* update = std::getenv("YXFP_UPDATE_GOLDEN");
+        char const* update = std::getenv("YXFP_UPDATE_GOLDEN");  // NOLINT(concurrency-mt-unsafe)
         if (update != nullptr && std::string(update) == "1") {
             std::ofstream(path) << toPbm(module.bitmap());
         }

@@ -12,7 +12,7 @@ int main(int argc, char** argv) {
     CtlOptions options;
     try {
         options = parseCtlOptions(std::vector<std::string>(argv + 1, argv + argc));
-        resolveToken(options, std::getenv("YXFP_TOKEN"));
+        resolveToken(options, std::getenv("YXFP_TOKEN"));  // NOLINT(concurrency-mt-unsafe)
     } catch (UsageError const& error) {
         std::cerr << "frontpanel-ctl: " << error.what() << '\n';
         return 2;

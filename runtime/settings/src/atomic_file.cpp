@@ -301,7 +301,7 @@ void removeLeftovers(IFileSystem& fs, std::string const& path) {
         for (std::string const& prefix : {base + ".tmp-", base + ".bak.tmp-"}) {
             if (name.size() == prefix.size() + kUniqueLength &&
                 name.compare(0, prefix.size(), prefix) == 0) {
-                fs.unlink(directory + "/" + name);
+                fs.unlink(std::string(directory).append("/").append(name));
             }
         }
     }

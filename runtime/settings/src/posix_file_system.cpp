@@ -96,7 +96,8 @@ public:
         }
         names.clear();
         errno = 0;
-        while (dirent const* entry = ::readdir(folder)) {
+        // The stream is this call's own: readdir is safe on it.
+        while (dirent const* entry = ::readdir(folder)) {  // NOLINT(concurrency-mt-unsafe)
             if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0) {
                 names.emplace_back(entry->d_name);
             }

@@ -111,9 +111,9 @@ private:
 
 class Vxi11Device::Impl {
 public:
-    Impl(Vxi11InstrumentFactory instruments, std::size_t kMaxLinks,
+    Impl(Vxi11InstrumentFactory instruments, std::size_t maxLinks,
          std::chrono::milliseconds maxWait)
-        : instruments_(std::move(instruments)), maxLinks_(kMaxLinks), maxWait_(maxWait) {}
+        : instruments_(std::move(instruments)), maxLinks_(maxLinks), maxWait_(maxWait) {}
 
     std::optional<std::string> call(std::string_view record, std::uint64_t connection) {
         std::string copy(record);
@@ -581,9 +581,9 @@ public:
 
 thread_local std::string Vxi11Device::Impl::readBuffer_;
 
-Vxi11Device::Vxi11Device(Vxi11InstrumentFactory instruments, std::size_t kMaxLinks,
+Vxi11Device::Vxi11Device(Vxi11InstrumentFactory instruments, std::size_t maxLinks,
                          std::chrono::milliseconds maxWait)
-    : impl_(std::make_shared<Impl>(std::move(instruments), kMaxLinks, maxWait)) {
+    : impl_(std::make_shared<Impl>(std::move(instruments), maxLinks, maxWait)) {
     if (!impl_) {
         return;
     }

@@ -128,8 +128,8 @@ public:
                 mapperPort_.reset();
                 registration_ = "no rpcbind, and portmapper port " +
                                 std::to_string(*options_.portmapperPort) + " cannot be bound (" +
-                                std::strerror(error) + "); clients must name core port " +
-                                std::to_string(corePort_);
+                                std::generic_category().message(error) +
+                                "); clients must name core port " + std::to_string(corePort_);
             } else {
                 registration_ = "portmapper on port " + std::to_string(*mapperPort_);
             }

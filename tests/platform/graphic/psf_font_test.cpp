@@ -353,7 +353,7 @@ TEST(PsfFontTest, LoadsCompressedFontsAndTheSystemsConsoleFonts) {
     // Debian's console fonts, when installed, all load and have a glyph for 'A'.
     std::string const folder = "/usr/share/consolefonts/";
     if (DIR* dir = ::opendir(folder.c_str())) {
-        while (dirent* entry = ::readdir(dir)) {
+        while (dirent* entry = ::readdir(dir)) {  // NOLINT(concurrency-mt-unsafe): own stream
             std::string const name = entry->d_name;
             if (name.size() > 7 && name.compare(name.size() - 7, 7, ".psf.gz") == 0) {
                 Font const console = Font::fromPsfFile(folder + name);

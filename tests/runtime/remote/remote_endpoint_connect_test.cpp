@@ -31,7 +31,7 @@ public:
         // Fill the accept queue: once it is full, further connection requests go unanswered.
         for (int i = 0; i < 4; ++i) {
             int const client = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-            ::connect(client, reinterpret_cast<sockaddr const*>(&address), sizeof(address));
+            (void)::connect(client, reinterpret_cast<sockaddr const*>(&address), sizeof(address));
             clients_.push_back(client);
         }
     }
@@ -69,7 +69,7 @@ TEST(ConnectToTest, NamesTheEndpointWhenRefused) {
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    ::bind(probe, reinterpret_cast<sockaddr const*>(&address), sizeof(address));
+    (void)::bind(probe, reinterpret_cast<sockaddr const*>(&address), sizeof(address));
     socklen_t length = sizeof(address);
     ::getsockname(probe, reinterpret_cast<sockaddr*>(&address), &length);
     ::close(probe);  // a port nobody listens on

@@ -197,6 +197,7 @@ TEST(RemoteServerHostileTest, EightIdleTcpClientsLockNeitherTheUnixSocketNorLate
     RemoteHarness harness(options);
     harness.start();
     std::vector<std::unique_ptr<ScpiClient>> idle;
+    idle.reserve(8);
     for (int i = 0; i < 8; ++i) {
         idle.push_back(std::make_unique<ScpiClient>(harness.tcpAddress()));
     }
@@ -357,15 +358,17 @@ std::unique_ptr<rt::RemoteServer> unixServer(std::string const& path, unsigned m
 }
 
 class RemoteServerUnixSocketTest : public ::testing::Test {
+public:
+    ~RemoteServerUnixSocketTest() override {
+        ::unlink(path.c_str());
+        ::rmdir(directory.c_str());
+    }
+
 protected:
     RemoteServerUnixSocketTest() {
         char pattern[] = "/tmp/yxfp-socket-XXXXXX";
         directory = ::mkdtemp(pattern);
         path = directory + "/panel.sock";
-    }
-    ~RemoteServerUnixSocketTest() override {
-        ::unlink(path.c_str());
-        ::rmdir(directory.c_str());
     }
     std::string directory;
     std::string path;

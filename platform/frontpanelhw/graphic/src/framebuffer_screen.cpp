@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstring>
 #include <stdexcept>
+#include <system_error>
 
 #include <fcntl.h>
 #include <linux/fb.h>
@@ -19,7 +20,7 @@ namespace {
 }
 
 [[noreturn]] void failErrno(std::string const& path, std::string const& what) {
-    fail(path, what + ": " + std::strerror(errno));
+    fail(path, what + ": " + std::generic_category().message(errno));
 }
 
 bool supportedDepth(unsigned bits) { return bits == 16 || bits == 24 || bits == 32; }

@@ -2,6 +2,7 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <system_error>
 
 #include "psf_reader.h"
 
@@ -21,7 +22,7 @@ std::string tooLarge() {
 std::vector<std::uint8_t> readAll(std::string const& path) {
     gzFile const file = gzopen(path.c_str(), "rb");
     if (file == nullptr) {
-        throw FontError(path, std::strerror(errno != 0 ? errno : ENOMEM));
+        throw FontError(path, std::generic_category().message(errno != 0 ? errno : ENOMEM));
     }
     std::unique_ptr<gzFile_s, int (*)(gzFile)> const closer(file, gzclose);
     std::vector<std::uint8_t> bytes;
@@ -31,8 +32,9 @@ std::vector<std::uint8_t> readAll(std::string const& path) {
         if (got < 0) {
             int code = 0;
             char const* message = gzerror(file, &code);
-            throw FontError(path, std::string("cannot decompress: ") +
-                                      (code == Z_ERRNO ? std::strerror(errno) : message));
+            throw FontError(
+                path, std::string("cannot decompress: ") +
+                          (code == Z_ERRNO ? std::generic_category().message(errno) : message));
         }
         if (got == 0) {
             return bytes;
