@@ -79,7 +79,7 @@ TEST_F(RemoteReadersTest, AReadAfterAChangeOnTheSameConnectionWaitsForTheChange)
     EXPECT_EQ(client.readLine(), R"("0-18")");
     // Another connection is not ordered after this one's change: it sees the key once the panel
     // has published the screen after it.
-    EXPECT_TRUE(eventually([&] { return watcher.query("DISP:INV? 1") == R"("")"; }));
+    EXPECT_TRUE(yxfp_test::eventually([&] { return watcher.query("DISP:INV? 1") == R"("")"; }));
 }
 
 // Each line alone: a key press, then a read on a line of its own sees the moved selection.
