@@ -40,7 +40,7 @@ struct TestExecutor {
         {
             std::lock_guard<std::mutex> const lock(mutex);
             if (hold) {
-                held.push_back(std::move(task));
+                held.push_back(task);
                 return true;
             }
         }
@@ -74,7 +74,7 @@ protected:
         server_ = std::make_unique<Vxi11Server>(
             scpiInstruments(
                 table,
-                [executor](std::function<void()> task) { return executor->post(std::move(task)); }),
+                [executor](std::function<void()> const& task) { return executor->post(task); }),
             options);
         server_->start();
         client_ = connect(DEVICE_CORE, DEVICE_CORE_VERSION, server_->corePort());
@@ -355,7 +355,7 @@ TEST(Vxi11ServerRegistrationTest, ServesTheCorePortWhenThePortmapperPortIsTaken)
     auto table = std::make_shared<scpi::CommandTable>();
     scpi::addCommonCommands(*table, {});
     Vxi11Server server(scpiInstruments(table,
-                                       [](std::function<void()> task) {
+                                       [](std::function<void()> const& task) {
                                            task();
                                            return true;
                                        }),
@@ -374,7 +374,8 @@ TEST(Vxi11ServerRegistrationTest, RefusesAHostThatIsNotAnIpv4Address) {
     options.host = "not-an-address";
     auto table = std::make_shared<scpi::CommandTable>();
     EXPECT_THROW(
-        Vxi11Server(scpiInstruments(table, [](std::function<void()>) { return false; }), options),
+        Vxi11Server(scpiInstruments(table, [](std::function<void()> const&) { return false; }),
+                    options),
         std::invalid_argument);
 }
 
