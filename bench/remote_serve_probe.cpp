@@ -27,7 +27,7 @@ int main(int argc, char** argv) {
     }
     yxfrontpanel::runtime::RemoteControl remote(panel, options);
     remote.start();
-    yxfrontpanel::runtime::stopOnSignals(panel, {SIGINT, SIGTERM});
+    auto const signals = yxfrontpanel::runtime::stopOnSignals(panel, {SIGINT, SIGTERM});
     panel.run();
     remote.stop();
     yxfrontpanel::runtime::clearSignalStop();
