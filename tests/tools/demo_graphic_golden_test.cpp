@@ -84,7 +84,7 @@ DisplayBuffer demoScreen(unsigned chars, unsigned lines, std::vector<PanelKey> c
 void checkGolden(std::string const& name, std::vector<PanelKey> const& keys,
                  bool homeScreen = false) {
     for (char const* fontName : {"6x8", "8x16"}) {
-        Module module(Font::fromSpec(fontName));
+        Module module(Font::fromName(fontName));
         module.draw(demoScreen(module.getChars(), module.getLines(), keys, homeScreen));
         std::string const path =
             std::string(YXFP_GRAPHIC_GOLDEN_DIR) + "/" + name + "_" + fontName + ".pbm";

@@ -54,7 +54,7 @@ char16_t halfBlockAt(MonoBitmap const& bitmap, unsigned x, unsigned y) {
 class PixelsView : public GraphicDisplay {
 public:
     PixelsView(DisplayOption const& option, frontpanelhw::IDisplay& screen)
-        : GraphicDisplay(option.graphic.width, option.graphic.height, Font::fromSpec(option.font),
+        : GraphicDisplay(option.graphic.width, option.graphic.height, Font::fromName(option.font),
                          option.graphic.chars, option.graphic.lines),
           screen_(screen),
           halfBlocks_(option.graphic.halfBlocks),
@@ -104,7 +104,7 @@ std::unique_ptr<GraphicDisplay> openDevice(DisplayOption const& option) {
     GraphicTarget const& target = option.graphic;
     if (option.kind == DisplayOption::Kind::Framebuffer) {
         frontpanelhw::graphic::FramebufferOptions options;
-        options.font = Font::fromSpec(option.font);
+        options.font = Font::fromName(option.font);
         options.chars = target.chars;
         options.lines = target.lines;
         options.rotation = target.rotation;
@@ -119,7 +119,7 @@ std::unique_ptr<GraphicDisplay> openDevice(DisplayOption const& option) {
     frontpanelhw::graphic::PngDisplayOptions options;
     options.width = target.width;
     options.height = target.height;
-    options.font = Font::fromSpec(option.font);
+    options.font = Font::fromName(option.font);
     options.chars = target.chars;
     options.lines = target.lines;
     options.everyFrame = target.everyFrame;

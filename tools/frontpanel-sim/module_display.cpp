@@ -147,7 +147,7 @@ std::unique_ptr<frontpanelhw::IDisplay> makeDisplay(DisplayOption const& option,
             return makeGraphicDisplay(option, screen);
         case DisplayOption::Kind::GraphicModule:
             return makeGraphicModuleDisplay(option.graphicModule, screen,
-                                            frontpanelhw::graphic::Font::fromSpec(option.font));
+                                            frontpanelhw::graphic::Font::fromName(option.font));
         case DisplayOption::Kind::Terminal:
             break;
     }

@@ -118,7 +118,7 @@ void fitGraphicPanel(SimOptions& options, bool sizeGiven) {
     unsigned cellWidth = 0;
     unsigned cellHeight = 0;
     try {
-        auto const font = frontpanelhw::graphic::Font::fromSpec(display.font);
+        auto const font = frontpanelhw::graphic::Font::fromName(display.font);
         cellWidth = font.cellWidth();
         cellHeight = font.cellHeight();
     } catch (frontpanelhw::graphic::FontError const& error) {

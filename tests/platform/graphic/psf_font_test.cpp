@@ -315,7 +315,7 @@ TEST(PsfFontTest, LoadsAFontFileAndNamesAMissingOne) {
     std::string const path = tempPath("three.psf");
     writeFile(path, threeGlyphs().bytes());
 
-    Font const font = Font::fromSpec(path);
+    Font const font = Font::fromName(path);
     EXPECT_TRUE(font.hasGlyph(U'A'));
     EXPECT_EQ(font.name(), path);
     std::remove(path.c_str());
@@ -329,12 +329,12 @@ TEST(PsfFontTest, LoadsAFontFileAndNamesAMissingOne) {
     }
 }
 
-TEST(PsfFontTest, FromSpecGivesTheBuiltInFontsByName) {
-    EXPECT_EQ(Font::fromSpec("6x8").cellWidth(), 6u);
-    EXPECT_EQ(Font::fromSpec("6x8").cellHeight(), 8u);
-    EXPECT_EQ(Font::fromSpec("8x16").cellWidth(), 8u);
-    EXPECT_EQ(Font::fromSpec("8x16").cellHeight(), 16u);
-    EXPECT_THROW(Font::fromSpec("7x9"), FontError);
+TEST(PsfFontTest, FromNameGivesTheBuiltInFontsByName) {
+    EXPECT_EQ(Font::fromName("6x8").cellWidth(), 6u);
+    EXPECT_EQ(Font::fromName("6x8").cellHeight(), 8u);
+    EXPECT_EQ(Font::fromName("8x16").cellWidth(), 8u);
+    EXPECT_EQ(Font::fromName("8x16").cellHeight(), 16u);
+    EXPECT_THROW(Font::fromName("7x9"), FontError);
 }
 
 #ifdef YXFP_TEST_HAVE_ZLIB

@@ -53,14 +53,14 @@ Font Font::fromPsfBytes(std::uint8_t const* bytes, std::size_t size, std::string
     return Font(parsePsf(bytes, size, source));
 }
 
-Font Font::fromSpec(std::string const& spec) {
-    if (spec == "6x8") {
+Font Font::fromName(std::string const& name) {
+    if (name == "6x8") {
         return builtin6x8();
     }
-    if (spec == "8x16") {
+    if (name == "8x16") {
         return builtin8x16();
     }
-    return fromPsfFile(spec);
+    return fromPsfFile(name);
 }
 
 unsigned Font::cellWidth() const { return data_->width(); }

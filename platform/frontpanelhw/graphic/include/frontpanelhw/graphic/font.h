@@ -44,7 +44,7 @@ public:
     static Font fromPsfBytes(std::uint8_t const* bytes, std::size_t size,
                              std::string const& source);
     /** "6x8", "8x16" or the path of a PSF font. @throws FontError as fromPsfFile does. */
-    static Font fromSpec(std::string const& spec);
+    static Font fromName(std::string const& name);
 
     /** Width of a cell in pixels. */
     unsigned cellWidth() const;
