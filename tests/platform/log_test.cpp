@@ -29,6 +29,15 @@ void operator delete(void* memory) noexcept { std::free(memory); }
 
 void operator delete(void* memory, std::size_t /*size*/) noexcept { std::free(memory); }
 
+// The non-throwing form too (the standard library's temporary buffers use it), so that every
+// delete above frees what these news allocated.
+void* operator new(std::size_t size, std::nothrow_t const& /*tag*/) noexcept {
+    ++allocationsOnThisThread;
+    return std::malloc(size == 0 ? 1 : size);
+}
+
+void operator delete(void* memory, std::nothrow_t const& /*tag*/) noexcept { std::free(memory); }
+
 namespace {
 
 // Counts how often it is streamed, so that a test can see whether a message was formatted.
