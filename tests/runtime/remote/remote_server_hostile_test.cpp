@@ -228,7 +228,7 @@ TEST(RemoteServerHostileTest, AnIdleTimeoutOfZeroNeverDisconnects) {
 
 // Out of descriptors, the listener pauses (logged once, no busy loop) and serves again after
 // the pause.
-TEST(RemoteServerHostileTest, TheListenerPausesWhenDescriptorsRunOutAndResumes) {
+TEST(RemoteServerProcessLimitsTest, TheListenerPausesWhenDescriptorsRunOutAndResumes) {
     LogCapture log;
     auto const clock = std::make_shared<yxfrontpanel::testing::ManualClock>();
     rt::RemoteControlOptions options = onClock(clock);
@@ -261,7 +261,7 @@ TEST(RemoteServerHostileTest, TheListenerPausesWhenDescriptorsRunOutAndResumes) 
     ::close(fd);
 }
 
-TEST(RemoteServerHostileTest, APollFailureEndsTheLoopWithAReportTheApplicationSees) {
+TEST(RemoteServerProcessLimitsTest, APollFailureEndsTheLoopWithAReportTheApplicationSees) {
     LogCapture log;
     auto const clock = std::make_shared<yxfrontpanel::testing::ManualClock>();
     rt::RemoteControlOptions options = onClock(clock);
