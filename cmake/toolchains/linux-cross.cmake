@@ -5,7 +5,8 @@ set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_C_COMPILER ${YXFP_CROSS_TRIPLET}-gcc)
 set(CMAKE_CXX_COMPILER ${YXFP_CROSS_TRIPLET}-g++)
 
-# Target libraries (ncurses) unpacked from Debian's packages for the target architecture.
+# Target libraries unpacked from Debian's packages for the target architecture, or a board's
+# own sysroot (a Yocto or Buildroot SDK: docs/arm.md) given as YXFP_CROSS_LIBRARY_ROOT.
 if(NOT DEFINED YXFP_CROSS_LIBRARY_ROOT)
     if(DEFINED ENV{YXFP_CROSS_LIBRARY_ROOT})
         set(YXFP_CROSS_LIBRARY_ROOT $ENV{YXFP_CROSS_LIBRARY_ROOT})
@@ -24,8 +25,10 @@ set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE BOTH)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE BOTH)
 
-# pkg-config answers for the target only: its .pc files, their paths moved below the root.
-set(ENV{PKG_CONFIG_LIBDIR} ${yxfp_target_libdir}/pkgconfig)
+# pkg-config answers for the target only: its .pc files (architecture-specific ones, then the
+# architecture-independent ones such as nlohmann-json's), their paths moved below the root.
+set(ENV{PKG_CONFIG_LIBDIR}
+    "${yxfp_target_libdir}/pkgconfig:${YXFP_CROSS_LIBRARY_ROOT}/usr/lib/pkgconfig:${YXFP_CROSS_LIBRARY_ROOT}/usr/share/pkgconfig")
 set(ENV{PKG_CONFIG_SYSROOT_DIR} ${YXFP_CROSS_LIBRARY_ROOT})
 set(ENV{PKG_CONFIG_PATH} "")
 
