@@ -42,6 +42,14 @@ set(ENV{PKG_CONFIG_LIBDIR} ${YXFP_CROSS_PKG_CONFIG_LIBDIR})
 set(ENV{PKG_CONFIG_SYSROOT_DIR} ${YXFP_CROSS_LIBRARY_ROOT})
 set(ENV{PKG_CONFIG_PATH} "")
 
+# Debian keeps a library's architecture-dependent headers (OpenSSL's opensslconf.h, which
+# libwebsockets.h includes) in usr/include/<triplet>, which its native compiler searches by
+# itself; the cross compiler is told.
+if(IS_DIRECTORY ${YXFP_CROSS_LIBRARY_ROOT}/usr/include/${YXFP_CROSS_TRIPLET})
+    set(CMAKE_C_FLAGS_INIT "-isystem ${YXFP_CROSS_LIBRARY_ROOT}/usr/include/${YXFP_CROSS_TRIPLET}")
+    set(CMAKE_CXX_FLAGS_INIT ${CMAKE_C_FLAGS_INIT})
+endif()
+
 # ncurses' linker script names its siblings (-ltinfo) without a path, and the libraries name
 # their dependencies by soname: both are looked up in the unpacked folder.
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-L${yxfp_target_libdir} -Wl,-rpath-link,${yxfp_target_libdir}")
