@@ -8,8 +8,8 @@
 #   resident bytes per plain menu item on armhf <= 200.
 # Release ARM builds reuse build/cross-aarch64 and build/cross-armhf (the cross presets) when
 # they are there; every other build goes to build/footprint/<target>-<flavour>, without tests.
-# All builds leave the optional device and web libraries (libgpiod, libevdev, libwebsockets)
-# out, so that the targets compare like for like.
+# Every build has every optional part (the cross dependency script provides their libraries for
+# the ARM targets), so that each library gets a row and the targets compare like for like.
 #   bench/footprint.sh [--items N] [--help]
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -59,8 +59,7 @@ for target in "${targets[@]}"; do
         dir=$(build_dir "$target" "$flavour")
         if [[ $dir == build/footprint/* ]]; then
             options=(-G Ninja -DCMAKE_BUILD_TYPE="${build_type[$flavour]}" -DYXFP_WERROR=ON
-                -DYXFP_BUILD_TESTS=OFF -DYXFP_BUILD_TOOLS=ON -DYXFP_BUILD_MEMORY_PROBE=ON
-                -DYXFP_WITH_GPIOD=OFF -DYXFP_WITH_EVDEV=OFF -DYXFP_WITH_WEB=OFF)
+                -DYXFP_BUILD_TESTS=OFF -DYXFP_BUILD_TOOLS=ON -DYXFP_BUILD_MEMORY_PROBE=ON)
             if [ "$target" != x86_64 ]; then
                 options+=(--toolchain "${toolchain[$target]}")
             fi

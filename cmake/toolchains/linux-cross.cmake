@@ -2,10 +2,17 @@
 # its own C and C++ runtime (/usr/<triplet>), target libraries from the tree that
 # .ci/install-cross-deps unpacks, and qemu-user as the emulator that runs the tests.
 set(CMAKE_SYSTEM_NAME Linux)
-set(CMAKE_C_COMPILER ${YXFP_CROSS_TRIPLET}-gcc)
-set(CMAKE_CXX_COMPILER ${YXFP_CROSS_TRIPLET}-g++)
+# Another compiler (a Yocto or Buildroot SDK's, docs/arm.md) is given with -DCMAKE_C_COMPILER and
+# -DCMAKE_CXX_COMPILER.
+if(NOT CMAKE_C_COMPILER)
+    set(CMAKE_C_COMPILER ${YXFP_CROSS_TRIPLET}-gcc)
+endif()
+if(NOT CMAKE_CXX_COMPILER)
+    set(CMAKE_CXX_COMPILER ${YXFP_CROSS_TRIPLET}-g++)
+endif()
 
-# Target libraries (ncurses) unpacked from Debian's packages for the target architecture.
+# Target libraries unpacked from Debian's packages for the target architecture, or a board's
+# own sysroot (a Yocto or Buildroot SDK: docs/arm.md) given as YXFP_CROSS_LIBRARY_ROOT.
 if(NOT DEFINED YXFP_CROSS_LIBRARY_ROOT)
     if(DEFINED ENV{YXFP_CROSS_LIBRARY_ROOT})
         set(YXFP_CROSS_LIBRARY_ROOT $ENV{YXFP_CROSS_LIBRARY_ROOT})
@@ -24,10 +31,24 @@ set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE BOTH)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE BOTH)
 
-# pkg-config answers for the target only: its .pc files, their paths moved below the root.
-set(ENV{PKG_CONFIG_LIBDIR} ${yxfp_target_libdir}/pkgconfig)
+# pkg-config answers for the target only: its .pc files (architecture-specific ones, then the
+# architecture-independent ones such as nlohmann-json's), their paths moved below the root.
+# A sysroot that keeps them elsewhere names its folders in YXFP_CROSS_PKG_CONFIG_LIBDIR.
+if(NOT YXFP_CROSS_PKG_CONFIG_LIBDIR)
+    set(YXFP_CROSS_PKG_CONFIG_LIBDIR
+        "${yxfp_target_libdir}/pkgconfig:${YXFP_CROSS_LIBRARY_ROOT}/usr/lib/pkgconfig:${YXFP_CROSS_LIBRARY_ROOT}/usr/share/pkgconfig")
+endif()
+set(ENV{PKG_CONFIG_LIBDIR} ${YXFP_CROSS_PKG_CONFIG_LIBDIR})
 set(ENV{PKG_CONFIG_SYSROOT_DIR} ${YXFP_CROSS_LIBRARY_ROOT})
 set(ENV{PKG_CONFIG_PATH} "")
+
+# Debian keeps a library's architecture-dependent headers (OpenSSL's opensslconf.h, which
+# libwebsockets.h includes) in usr/include/<triplet>, which its native compiler searches by
+# itself; the cross compiler is told.
+if(IS_DIRECTORY ${YXFP_CROSS_LIBRARY_ROOT}/usr/include/${YXFP_CROSS_TRIPLET})
+    set(CMAKE_C_FLAGS_INIT "-isystem ${YXFP_CROSS_LIBRARY_ROOT}/usr/include/${YXFP_CROSS_TRIPLET}")
+    set(CMAKE_CXX_FLAGS_INIT ${CMAKE_C_FLAGS_INIT})
+endif()
 
 # ncurses' linker script names its siblings (-ltinfo) without a path, and the libraries name
 # their dependencies by soname: both are looked up in the unpacked folder.

@@ -4,8 +4,10 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <map>
 #include <memory>
 #include <optional>
@@ -514,3 +516,43 @@ TEST(EvdevKeySourceTest, DirectoryIsAnError) {
 }
 
 }  // namespace
+
+/** Writes records of the layout that is not this build's (24 bytes on a 16-byte target, 16 on a
+ *  24-byte one) with a time stamp that advances, as a recording from another machine has. */
+void writeForeignLayoutRecords(std::string const& path) {
+    std::FILE* file = std::fopen(path.c_str(), "wb");
+    ASSERT_NE(file, nullptr);
+    struct Event {
+        std::uint16_t type, code;
+        std::int32_t value;
+    };
+    std::uint64_t micros = 1764028800ULL * 1000000ULL + 250000;
+    for (Event const& event : {Event{EV_KEY, KEY_DOWN, 1}, Event{EV_SYN, SYN_REPORT, 0},
+                               Event{EV_KEY, KEY_DOWN, 0}, Event{EV_SYN, SYN_REPORT, 0}}) {
+        micros += 41234;
+        unsigned char record[24] = {};
+        std::size_t const timeWord = sizeof(input_event) == 16 ? 8 : 4;
+        std::uint64_t const seconds = micros / 1000000;
+        std::uint64_t const fraction = micros % 1000000;
+        std::memcpy(record, &seconds, timeWord);  // little-endian: the low word first
+        std::memcpy(record + timeWord, &fraction, timeWord);
+        std::memcpy(record + 2 * timeWord, &event, sizeof event);
+        std::fwrite(record, 2 * timeWord + sizeof event, 1, file);
+    }
+    std::fclose(file);
+}
+
+TEST(EvdevKeySourceTest, ReplayFileOfTheOtherRecordLayoutIsRefused) {
+    TemporaryDirectory directory;
+    std::string const path = directory.file("other-machine.events");
+    writeForeignLayoutRecords(path);
+    bool const narrow = sizeof(input_event) == 16;
+    EXPECT_EQ(openError(path),
+              path +
+                  (narrow ? " holds 24-byte input event records (the layout of 64-bit systems), "
+                            "but this build reads its kernel's 16-byte records"
+                          : " holds 16-byte input event records (the layout of 32-bit systems), "
+                            "but this build reads its kernel's 24-byte records") +
+                  ": record the replay on the target (cat /dev/input/eventN > FILE) or convert "
+                  "it (docs/input.md)");
+}

@@ -10,6 +10,7 @@
 
 #include "input_device.h"
 #include "input_event_decoder.h"
+#include "replay_layout.h"
 #include <poll.h>
 #include <unistd.h>
 
@@ -137,6 +138,7 @@ private:
         try {
             isDevice = detail::checkInputDescriptor(descriptor, name_);
             checkIdentity(descriptor, isDevice);
+            detail::checkReplayLayout(descriptor, name_);
             if (isDevice && options_.grab) {
                 detail::grabInputDevice(descriptor, name_);
             }
