@@ -44,9 +44,16 @@ int main(int argc, char** argv) {
     output->addValue(1, u"On");
     auto measured = std::make_shared<ReadOnlyMenuItem>(panel.provider(), u"Measured");
     auto save = std::make_shared<TriggerMenuItem>(u"Save settings", 1s);
-    save->action = [&store] { return store.saveNow().ok; };
+    // Both write on the store's own thread: a slow flash never holds up the panel.
+    save->action = [&store] {
+        store.saveInBackground();
+        return true;
+    };
     auto reset = std::make_shared<TriggerMenuItem>(u"Reset defaults", 1s);
-    reset->action = [&store] { return store.resetToDefaults().ok; };
+    reset->action = [&store] {
+        store.resetToDefaultsInBackground();
+        return true;
+    };
     for (std::shared_ptr<MenuItem> const& item :
          {std::shared_ptr<MenuItem>(voltage), std::shared_ptr<MenuItem>(output),
           std::shared_ptr<MenuItem>(measured), std::shared_ptr<MenuItem>(save),

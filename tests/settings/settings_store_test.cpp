@@ -3,10 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "platform_capture.h"
+#include "settings_file_systems.h"
 #include "settings_test_store.h"
 #include "temp_directory.h"
 
@@ -411,6 +414,34 @@ TEST(SettingsStoreTest, FactoryResetRestoresEveryDefaultAndSaves) {
     std::string const text = readFile(path);
     EXPECT_NE(text.find("\"channel\": 3"), std::string::npos) << text;
     EXPECT_EQ(text.find("brightness"), std::string::npos) << text;
+}
+
+TEST(SettingsStoreTest, FactoryResetInTheBackgroundNotifiesAtOnceAndSavesOnTheWriterThread) {
+    TempDirectory dir;
+    std::string const path = dir.file("settings.json");
+    writeFile(path, R"({"application": "bench-supply", "schemaVersion": 2,
+                        "values": {"channel": 9, "brightness": 7}})");
+    auto gate =
+        std::make_shared<yxfp_test::GatedFileSystem>(yxfrontpanel::settings::posixFileSystem());
+    auto store = yxfp_test::benchStoreOn(path, gate);
+    store->load();
+    std::vector<std::int64_t> heard;
+    store->subscribe("channel", [&heard](SettingValue const& value) {
+        heard.push_back(std::get<std::int64_t>(value));
+    });
+    LogCapture const log;
+    gate->hold();
+    store->resetToDefaultsInBackground();  // returns although the write cannot end
+    expectDefaults(*store);
+    EXPECT_EQ(heard, (std::vector<std::int64_t>{3}));
+    gate->waitUntilHeld();
+    gate->release();
+    EXPECT_TRUE(store->waitForSaves().ok);
+    EXPECT_FALSE(store->hasUnsavedChanges());
+    std::string const text = readFile(path);
+    EXPECT_NE(text.find("\"channel\": 3"), std::string::npos) << text;
+    EXPECT_EQ(text.find("brightness"), std::string::npos) << text;
+    EXPECT_EQ(gate->syncingThreads().count(std::this_thread::get_id()), 0U);
 }
 
 TEST(SettingsStoreTest, FlushWritesOnlyWhenSomethingChanged) {

@@ -2,17 +2,23 @@
 
 #if YXFP_HAS_SETTINGS
 
+#include <yxfrontpanel/apply_key.h>
+#include <yxfrontpanel/runtime/settings_store.h>
+
 #include <gtest/gtest.h>
 
 #include <iostream>
 #include <memory>
 #include <sstream>
 #include <string>
+#include <thread>
 
 #include "attachment.h"
 #include "demo_panel.h"
 #include "platform_capture.h"
+#include "recording_provider.h"
 #include "runners.h"
+#include "settings_file_systems.h"
 #include "temp_directory.h"
 #include <sys/stat.h>
 
@@ -124,6 +130,42 @@ TEST(DemoSettingsTest, ACorruptFileIsMovedAsideAndTheDefaultsAreUsed) {
         warned = warned || contains(record.message, "moved aside");
     }
     EXPECT_TRUE(warned);
+}
+
+// "Save settings" and "Reset defaults" run on the panel's thread; their writes (and fsync) go
+// to the store's writer thread, so a slow flash never holds up a key press.
+TEST(DemoSettingsTest, SaveSettingsAndResetDefaultsWriteOnTheStoresThread) {
+    TempDirectory dir;
+    auto gate =
+        std::make_shared<yxfp_test::GatedFileSystem>(yxfrontpanel::settings::posixFileSystem());
+    yxfp_test::RecordingProvider provider(20, 4);
+    frontpanelsim::DemoPanel demo(provider);
+    yxfrontpanel::settings::SettingsStoreOptions options;
+    options.applicationName = "frontpanel-sim";
+    options.fileSystem = gate;
+    yxfrontpanel::settings::SettingsStore store(dir.file("demo.json"), options,
+                                                demo.settingDefinitions());
+    store.load();
+    demo.useSettings(store);
+    demo.root().setFocus(true);
+    using frontpanelhw::PanelKey;
+    // System > Save settings.
+    for (PanelKey key : {PanelKey::Down, PanelKey::Down, PanelKey::Down, PanelKey::Enter,
+                         PanelKey::Down, PanelKey::Down, PanelKey::Down, PanelKey::Enter}) {
+        yxfrontpanel::applyKey(demo.root(), key);
+    }
+    EXPECT_TRUE(store.waitForSaves().ok);
+    EXPECT_EQ(store.writeCount(), 1U);
+    // Reset defaults, confirmed.
+    for (PanelKey key : {PanelKey::Down, PanelKey::Enter, PanelKey::Enter}) {
+        yxfrontpanel::applyKey(demo.root(), key);
+    }
+    EXPECT_TRUE(store.waitForSaves().ok);
+    EXPECT_EQ(store.writeCount(), 2U);
+    EXPECT_EQ(gate->syncingThreads().count(std::this_thread::get_id()), 0U)
+        << "the panel's thread wrote the file";
+    EXPECT_EQ(gate->syncingThreads().size(), 1U);
+    demo.releaseSettings();
 }
 
 }  // namespace

@@ -160,7 +160,14 @@ void DemoPanel::buildSystemMenu() {
 #if YXFP_HAS_SETTINGS
     // Only where the settings store was built: elsewhere there is nothing to save.
     auto save = add<yxfrontpanel::TriggerMenuItem>(*menu, u"Save settings", 1000ms);
-    save->action = [this] { return store_ == nullptr || store_->saveNow().ok; };
+    // The write goes to the store's writer thread; a failure is reported by the store's error
+    // listeners (stderr, the remote error queue), not by the item.
+    save->action = [this] {
+        if (store_ != nullptr) {
+            store_->saveInBackground();
+        }
+        return true;
+    };
 #endif
 
     auto reset = add<yxfrontpanel::TriggerMenuItem>(*menu, u"Reset defaults", 1000ms);
@@ -177,7 +184,8 @@ void DemoPanel::buildSystemMenu() {
 bool DemoPanel::resetDefaults() {
 #if YXFP_HAS_SETTINGS
     if (store_ != nullptr) {
-        return store_->resetToDefaults().ok;  // the items and the state follow the store
+        store_->resetToDefaultsInBackground();  // the items and the state follow the store
+        return true;
     }
 #endif
     resetToDefaults();

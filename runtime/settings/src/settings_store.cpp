@@ -147,21 +147,41 @@ public:
         SaveOutcome outcome;
         {
             std::lock_guard<std::mutex> const writing(writeMutex_);
-            {
-                std::lock_guard<std::mutex> const lock(mutex_);
-                for (std::size_t i = 0; i < definitions_.size(); ++i) {
-                    assign(i, definitions_[i].defaultValue(), 0, notifications);
-                }
-                unknownValues_ = nlohmann::json::object();
-                otherMembers_ = nlohmann::json::object();
-                ++generation_;
-            }
-            log::write(log::Level::Info, kLogCategory, "factory reset of ", path_);
+            notifications = resetValues();
             outcome = saveLocked(false);
         }
         deliver(notifications);
         afterSave(outcome);
         return outcome.result;
+    }
+
+    void resetToDefaultsInBackground() {
+        std::vector<Notification> notifications;
+        {
+            // Not between another thread's snapshot and its write: that save would then
+            // finish after the reset and could be taken for the reset's own.
+            std::lock_guard<std::mutex> const writing(writeMutex_);
+            notifications = resetValues();
+        }
+        deliver(notifications);
+        saveInBackground(true);
+    }
+
+    // Every declared value back to its default and unknown keys dropped; the caller holds
+    // writeMutex_ and delivers the notifications.
+    std::vector<Notification> resetValues() {
+        std::vector<Notification> notifications;
+        {
+            std::lock_guard<std::mutex> const lock(mutex_);
+            for (std::size_t i = 0; i < definitions_.size(); ++i) {
+                assign(i, definitions_[i].defaultValue(), 0, notifications);
+            }
+            unknownValues_ = nlohmann::json::object();
+            otherMembers_ = nlohmann::json::object();
+            ++generation_;
+        }
+        log::write(log::Level::Info, kLogCategory, "factory reset of ", path_);
+        return notifications;
     }
 
     void saveInBackground(bool force) {
@@ -714,6 +734,8 @@ SettingsStore::ListenerId SettingsStore::subscribeErrors(ErrorListener listener)
 }
 
 SaveResult SettingsStore::resetToDefaults() { return impl_->resetToDefaults(); }
+
+void SettingsStore::resetToDefaultsInBackground() { impl_->resetToDefaultsInBackground(); }
 
 SettingValue SettingsStore::get(std::string const& key) const { return impl_->get(key); }
 

@@ -195,6 +195,10 @@ public:
      *  application does not know dropped, then `saveNow` (which a read-only store refuses: the
      *  values are then reset in memory only). */
     SaveResult resetToDefaults();
+    /** The same factory reset for a "Reset defaults" item on the panel's thread: the values
+     *  are reset and the listeners notified on the calling thread, the save is handed to the
+     *  writer thread as by `saveInBackground`. */
+    void resetToDefaultsInBackground();
 
     /** The value of `key`. @throws std::out_of_range for a key that was not declared. */
     SettingValue get(std::string const& key) const;
