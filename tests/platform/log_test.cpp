@@ -162,9 +162,9 @@ TEST_F(LogTest, WriteFormatsItsArgumentsOnlyWhenTheLevelIsOn) {
 }
 
 // Counts allocations through the replaced global operator new, which memcheck replaces first.
-class LogAllocationProcessLimitsTest : public LogTest {};
+class LogAllocationCountTest : public LogTest {};
 
-TEST_F(LogAllocationProcessLimitsTest, DisabledWriteAllocatesNothing) {
+TEST_F(LogAllocationCountTest, DisabledWriteAllocatesNothing) {
     log::setMaxLevel(log::Level::Error);
     std::string const peer = "127.0.0.1:4000";
     int formatted = 0;

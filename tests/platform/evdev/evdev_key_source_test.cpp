@@ -384,7 +384,7 @@ TEST(EvdevKeySourceTest, DeviceThatReappearsIsOpenedAgainWithoutBusyLooping) {
 // Waiting for input fails (here: poll(2) refuses any descriptor while RLIMIT_NOFILE is 0).
 // The source backs off instead of retrying at once, warns once, and after several failures in
 // a row stops: held keys released, closed, and the reason in error().
-TEST(EvdevKeySourceProcessLimitsTest, PollThatKeepsFailingBacksOffAndStopsWithAnError) {
+TEST(EvdevKeySourceDescriptorLimitTest, PollThatKeepsFailingBacksOffAndStopsWithAnError) {
     yxfp_test::LogCapture const log;
     InputEventPipe pipe;
     auto now = std::chrono::steady_clock::time_point(1h);

@@ -228,7 +228,7 @@ TEST(RemoteServerHostileTest, AnIdleTimeoutOfZeroNeverDisconnects) {
 
 // Out of descriptors, the listener pauses (logged once, no busy loop) and serves again after
 // the pause.
-TEST(RemoteServerProcessLimitsTest, TheListenerPausesWhenDescriptorsRunOutAndResumes) {
+TEST(RemoteServerDescriptorLimitTest, TheListenerPausesWhenDescriptorsRunOutAndResumes) {
     LogCapture log;
     auto const clock = std::make_shared<yxfrontpanel::testing::ManualClock>();
     rt::RemoteControlOptions options = onClock(clock);
@@ -261,7 +261,7 @@ TEST(RemoteServerProcessLimitsTest, TheListenerPausesWhenDescriptorsRunOutAndRes
     ::close(fd);
 }
 
-TEST(RemoteServerProcessLimitsTest, APollFailureEndsTheLoopWithAReportTheApplicationSees) {
+TEST(RemoteServerDescriptorLimitTest, APollFailureEndsTheLoopWithAReportTheApplicationSees) {
     LogCapture log;
     auto const clock = std::make_shared<yxfrontpanel::testing::ManualClock>();
     rt::RemoteControlOptions options = onClock(clock);
