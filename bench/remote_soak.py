@@ -6,8 +6,10 @@ Starts a server (frontpanel-sim --headless --listen 127.0.0.1:PORT, or any comma
 one of:
 
   attack   forty lines of a deep header followed by relative headers (and forty of relative
-           headers only) from one client, while another client asks *IDN? in a loop: prints
-           the server's RSS growth and the other client's answer times.
+           headers only) from one client, while another client asks *IDN? in a loop and a third
+           presses a key and waits for it (SYST:KEY DOWN;*OPC?): prints the server's RSS
+           growth, the answer times, and the key presses' times against those of an idle
+           server measured first.
   token    N clients per second that fail the token check and hang up, for S seconds: prints
            the server's CPU time over that span (needs a server with an access token).
   soak     8 clients sending key presses and screen reads for S seconds: prints the server's
@@ -103,31 +105,52 @@ def percentile(values, fraction):
     return ordered[min(len(ordered) - 1, int(fraction * len(ordered)))]
 
 
-def ask_idn(port, stop, results):
-    """Asks *IDN? until `stop`, at most 100,000 times; puts the answer times on `results`."""
+def ask(port, query, stop, results, limit=100000):
+    """Sends `query` until `stop` (or `limit` times); puts the answer times on `results`."""
     client = LineClient(port)
     times = []
-    for _ in range(100000):
+    for _ in range(limit):
         if stop.is_set():
             break
         start = time.perf_counter()
-        if client.query("*IDN?") is None:
+        if client.query(query) is None:
             break
         times.append(time.perf_counter() - start)
     client.close()
     results.put(times)
 
 
+# A key press the panel's thread serves, and the answer once it has.
+KEY_PRESS = "SYST:KEY DOWN;*OPC?"
+
+
+def key_press_times(port, count):
+    """`count` key presses on an otherwise idle server: their answer times."""
+    stop = multiprocessing.Event()
+    results = multiprocessing.Queue()
+    ask(port, KEY_PRESS, stop, results, count)
+    return results.get(timeout=60)
+
+
+def summary(times):
+    return (f"{len(times)} answers, median {percentile(times, 0.5) * 1000:.3f} ms, "
+            f"p99 {percentile(times, 0.99) * 1000:.3f} ms, max {max(times) * 1000:.3f} ms")
+
+
 def attack(args, port, pid):
+    idle_keys = key_press_times(port, 2000)
     before = rss_kib(pid)
     deep = "A:" * 1000 + "A" + ";A" * 999
     wide = "A" + ";A" * 1999
-    # The asking client runs in a process of its own, so that the attacker's sending does not
-    # hold up its measurement (one interpreter runs one thread at a time).
+    # The asking clients run in processes of their own, so that the attacker's sending does not
+    # hold up their measurements (one interpreter runs one thread at a time).
     stop = multiprocessing.Event()
     results = multiprocessing.Queue()
-    asker = multiprocessing.Process(target=ask_idn, args=(port, stop, results))
+    key_results = multiprocessing.Queue()
+    asker = multiprocessing.Process(target=ask, args=(port, "*IDN?", stop, results))
+    presser = multiprocessing.Process(target=ask, args=(port, KEY_PRESS, stop, key_results))
     asker.start()
+    presser.start()
     peak = before
     for _ in range(args.rounds):
         attacker = connect(port)
@@ -146,14 +169,18 @@ def attack(args, port, pid):
         attacker.close()
     stop.set()
     times = results.get(timeout=60)
+    keys = key_results.get(timeout=60)
     asker.join()
+    presser.join()
     after = rss_kib(pid)
     print(f"RSS before {before} KiB, peak {peak} KiB, after {after} KiB, "
           f"growth {peak - before} KiB")
     if times:
-        print(f"*IDN? during the attack: {len(times)} answers, median "
-              f"{percentile(times, 0.5) * 1000:.2f} ms, p99 {percentile(times, 0.99) * 1000:.2f} ms, "
-              f"max {max(times) * 1000:.2f} ms")
+        print(f"*IDN? during the attack: {summary(times)}")
+    print(f"key press ({KEY_PRESS}) idle: {summary(idle_keys)}")
+    if keys:
+        ratio = percentile(keys, 0.5) / percentile(idle_keys, 0.5)
+        print(f"key press during the attack: {summary(keys)}; median {ratio:.2f} x idle")
 
 
 def token(args, port, pid):

@@ -257,13 +257,11 @@ void CommandTable::addReader(std::string_view pattern, Handler handler, unsigned
 
 std::optional<std::vector<std::string>> CommandTable::runReaders(ParsedLine const& line,
                                                                  Session& session) const {
-    // Every command must name a reader before anything runs: nothing is half done here.
+    // Every command must name a reader, or nothing at all (it only adds an error), before
+    // anything runs: nothing is half done here.
     for (auto const& command : line.commands) {
-        std::vector<std::string> const full = command.fullPath();
-        auto const entry = std::find_if(entries_.begin(), entries_.end(), [&](Entry const& e) {
-            return patternMatches(e.pattern, command, full);
-        });
-        if (entry == entries_.end() || !entry->reader) {
+        auto const entry = find(command);
+        if (entry != entries_.end() && !entry->reader) {
             return std::nullopt;
         }
     }
@@ -292,18 +290,23 @@ std::optional<std::vector<std::string>> CommandTable::runReaders(ParsedLine cons
     return responses;
 }
 
-void CommandTable::execute(Request& request) const {
-    Command const& command = request.command();
-    auto const find = [this](Command const& wanted) {
+std::vector<CommandTable::Entry>::const_iterator CommandTable::find(Command const& command) const {
+    auto const lookUp = [this](Command const& wanted) {
         std::vector<std::string> const full = wanted.fullPath();
         return std::find_if(entries_.begin(), entries_.end(), [&](Entry const& e) {
             return patternMatches(e.pattern, wanted, full);
         });
     };
-    auto entry = find(command);
+    auto entry = lookUp(command);
     if (entry == entries_.end() && command.inherited > 0) {
-        entry = find(fromRoot(command));
+        entry = lookUp(fromRoot(command));
     }
+    return entry;
+}
+
+void CommandTable::execute(Request& request) const {
+    Command const& command = request.command();
+    auto const entry = find(command);
     if (entry == entries_.end()) {
         throw Error(ErrorCode::UndefinedHeader, command.header());
     }

@@ -101,4 +101,21 @@ TEST_F(RemoteReadersTest, ModeChangesAreSeenByTheNextRead) {
     EXPECT_EQ(client.query("SYST:MODE?"), "LOC");
 }
 
+// A line that only fails (unknown headers, a header past the parser's limits) changes nothing
+// but the client's error queue: it is answered off the panel's thread, so lines of garbage
+// never queue up in front of the panel's key presses.
+TEST_F(RemoteReadersTest, LinesThatOnlyFailNeverWaitForThePanel) {
+    ScpiClient client(harness.tcpAddress());
+    PanelHold hold(harness.panel);
+    ASSERT_TRUE(hold.held());
+    std::string deep;
+    for (int i = 0; i < 1000; ++i) {
+        deep += "A:";
+    }
+    ASSERT_TRUE(client.send("NO:SUCH:COMMAND\n" + deep + "A;A;A\nFOO;*IDN?\n"));
+    EXPECT_EQ(client.readLine(), "Yx,Test Panel,T-1,0.1");
+    hold.release();
+    EXPECT_EQ(client.query("SYST:ERR:COUN?"), "3");
+}
+
 }  // namespace

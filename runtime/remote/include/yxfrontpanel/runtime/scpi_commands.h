@@ -151,10 +151,11 @@ public:
      *  errors. */
     void addReader(std::string_view pattern, Handler handler, unsigned minParameters = 0,
                    unsigned maxParameters = 0);
-    /** Runs `line` off the panel's thread when every command on it is a reader and none
-     *  declines: returns the response lines (errors go to the session's queue). Empty, with
-     *  nothing run and nothing queued, when the line must run on the panel's thread. Any
-     *  thread, as long as the session is not used elsewhere at the same time. */
+    /** Runs `line` off the panel's thread when every command on it is a reader or names no
+     *  command at all (it only queues "Undefined header") and no reader declines: returns the
+     * response lines (errors go to the session's queue). Empty, with nothing run and nothing
+     * queued, when the line must run on the panel's thread. Any thread, as long as the session is
+     * not used elsewhere at the same time. */
     std::optional<std::vector<std::string>> runReaders(ParsedLine const& line,
                                                        Session& session) const;
     /** Runs `command`: the handler of the first matching pattern with the parameter count
@@ -174,6 +175,10 @@ public:
 
 private:
     struct Entry;
+    /** The entry `command` names, also by its full path from the root for a command that
+     *  inherited its path; `entries_.end()` when none. */
+    std::vector<Entry>::const_iterator find(Command const& command) const;
+
     std::vector<Entry> entries_;
 };
 
