@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "long_run.h"
 #include "web_panel_fixture.h"
 
 namespace {
@@ -25,7 +26,7 @@ class WebPanelLifecycleTest : public yxfp_test::WebPanelTest {};
 TEST_F(WebPanelLifecycleTest, ThousandServersComeAndGoWhileThePanelRuns) {
     start();
     server.reset();
-    for (int cycle = 0; cycle < 1000; ++cycle) {
+    for (int cycle = 0; cycle < yxfp_test::lifecycleCycles(); ++cycle) {
         WebPanelOptions options;
         options.port = 0;
         server = std::make_unique<WebPanelServer>(*panel, options);

@@ -32,4 +32,15 @@ inline std::size_t longRunCount(std::size_t full) {
 #endif
 }
 
+/** The create/destroy cycles of a server lifecycle test: 1,000 (also under the sanitizers,
+ *  where the lifecycle matters most), or what YXFP_LIFECYCLE_CYCLES says (.ci/valgrind sets
+ *  it: memcheck runs the server's, the panel's and the test's threads one at a time). */
+inline int lifecycleCycles() {
+    if (char const* const text =
+            std::getenv("YXFP_LIFECYCLE_CYCLES")) {  // NOLINT(concurrency-mt-unsafe)
+        return std::stoi(text);
+    }
+    return 1000;
+}
+
 }  // namespace yxfp_test
