@@ -14,4 +14,5 @@
 #include <yxfrontpanel/runtime/scpi_error.h>
 #include <yxfrontpanel/runtime/scpi_number.h>
 #include <yxfrontpanel/runtime/scpi_parser.h>
+#include <yxfrontpanel/runtime/scpi_device_status.h>
 #include <yxfrontpanel/runtime/scpi_status.h>
