@@ -25,7 +25,9 @@ public:
     void execute(std::string message, std::function<void(std::string)> done) override {
         done(std::move(message));
     }
-    std::uint8_t statusByte() override { return 0x04; }
+    std::uint8_t statusByte(bool messageAvailable) override {
+        return messageAvailable ? 0x14 : 0x04;
+    }
 };
 
 constexpr std::size_t kMaxLinks = 4;

@@ -4,6 +4,7 @@
 
 #include <iostream>
 
+#include "device_errors.h"
 #include "input_devices.h"
 #include "printed_frames.h"
 #if YXFP_HAS_SETTINGS
@@ -28,22 +29,24 @@ bool Attachment::keepsRunning() const { return false; }
 
 Attachments attachmentsFor(SimOptions const& options) {
     Attachments attachments;
+    // The instrument's own errors (a failed settings save) reach the remote channels' clients.
+    auto const errors = std::make_shared<DeviceErrors>();
     // One entry per option that plugs something into the run, in the order they attach. The
     // settings come first, so that whatever attaches later finds the stored values in place.
 #if YXFP_HAS_SETTINGS
     if (options.settingsFile) {
-        attachments.push_back(std::make_unique<SettingsAttachment>(*options.settingsFile));
+        attachments.push_back(std::make_unique<SettingsAttachment>(*options.settingsFile, errors));
     }
 #endif
     // The options of a part this build left out were refused by parseOptions.
 #if YXFP_HAS_REMOTE
     if (!options.listen.empty()) {
-        attachments.push_back(std::make_unique<RemoteAttachment>(options.listen));
+        attachments.push_back(std::make_unique<RemoteAttachment>(options.listen, errors));
     }
 #endif
 #if YXFP_HAS_VXI11
     if (options.vxi11) {
-        attachments.push_back(std::make_unique<Vxi11Attachment>(*options.vxi11));
+        attachments.push_back(std::make_unique<Vxi11Attachment>(*options.vxi11, errors));
     }
 #endif
 #if YXFP_HAS_WEB && YXFP_HAS_REMOTE

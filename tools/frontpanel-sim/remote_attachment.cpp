@@ -12,8 +12,9 @@ yxfrontpanel::runtime::scpi::Identity demoIdentity() {
     return {"YxFrontPanel", "frontpanel-sim demo PSU", "YX-2026-00042", "1.4.2"};
 }
 
-RemoteAttachment::RemoteAttachment(std::vector<std::string> addresses)
-    : addresses_(std::move(addresses)) {}
+RemoteAttachment::RemoteAttachment(std::vector<std::string> addresses,
+                                   std::shared_ptr<DeviceErrors> errors)
+    : addresses_(std::move(addresses)), errors_(std::move(errors)) {}
 
 // The server stops (its thread joined) before the addresses go.
 RemoteAttachment::~RemoteAttachment() = default;
@@ -36,13 +37,27 @@ void RemoteAttachment::attach(SimContext const& context) {
     }
     remote_ = std::make_unique<yxfrontpanel::runtime::RemoteControl>(context.panel, options);
     remote_->start();
+    if (errors_) {
+        yxfrontpanel::runtime::RemoteControl* const remote = remote_.get();
+        errorSink_ = errors_->add(
+            [remote](int code, std::string const& text) { remote->reportError(code, text); });
+    }
     // The bound addresses, with the port the system picked for port 0, for scripts to read.
     for (std::string const& address : remote_->addresses()) {
         std::cerr << "frontpanel-sim: remote control on " << address << std::endl;
     }
 }
 
-void RemoteAttachment::detach() noexcept { remote_.reset(); }
+void RemoteAttachment::detach() noexcept {
+    if (errors_ && errorSink_ != 0) {
+        errors_->remove(std::exchange(errorSink_, 0));
+    }
+    remote_.reset();
+}
+
+std::vector<std::string> RemoteAttachment::addresses() const {
+    return remote_ ? remote_->addresses() : std::vector<std::string>{};
+}
 
 bool RemoteAttachment::keepsRunning() const { return true; }
 

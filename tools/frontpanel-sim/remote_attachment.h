@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "attachment.h"
+#include "device_errors.h"
 
 namespace frontpanelsim {
 
@@ -14,10 +15,13 @@ namespace frontpanelsim {
 yxfrontpanel::runtime::scpi::Identity demoIdentity();
 
 /** --listen: the panel's command server on the given addresses, with the demo's identity and
- *  its LOCAL/REMOTE mode. It keeps a --headless run going until SIGINT, SIGTERM or SIGHUP. */
+ *  its LOCAL/REMOTE mode. The instrument's own errors (`errors`) go into every client's error
+ *  queue while it serves. It keeps a --headless run going until SIGINT, SIGTERM or SIGHUP. */
 class RemoteAttachment : public Attachment {
 public:
-    explicit RemoteAttachment(std::vector<std::string> addresses);
+    /** Serves on `addresses`; reports what `errors` (may be null) passes on. */
+    explicit RemoteAttachment(std::vector<std::string> addresses,
+                              std::shared_ptr<DeviceErrors> errors = nullptr);
     ~RemoteAttachment() override;
 
     /** Binds the addresses and starts serving. @throws std::system_error naming an address
@@ -25,9 +29,13 @@ public:
     void attach(SimContext const& context) override;
     void detach() noexcept override;
     bool keepsRunning() const override;
+    /** The bound addresses while attached (an ephemeral port with its number). */
+    std::vector<std::string> addresses() const;
 
 private:
     std::vector<std::string> addresses_;
+    std::shared_ptr<DeviceErrors> errors_;
+    std::size_t errorSink_ = 0;
     std::unique_ptr<yxfrontpanel::runtime::RemoteControl> remote_;
 };
 

@@ -8,7 +8,8 @@
 
 namespace frontpanelsim {
 
-SettingsAttachment::SettingsAttachment(std::string path) : path_(std::move(path)) {}
+SettingsAttachment::SettingsAttachment(std::string path, std::shared_ptr<DeviceErrors> errors)
+    : path_(std::move(path)), errors_(std::move(errors)) {}
 
 SettingsAttachment::~SettingsAttachment() { unplug(); }
 
@@ -19,9 +20,14 @@ void SettingsAttachment::attach(SimContext const& context) {
     store_ = std::make_unique<yxfrontpanel::settings::SettingsStore>(
         path_, options, context.app.settingDefinitions());
     // A save that fails (and is retried) or a file the store refuses is said on stderr, where
-    // the simulator reports everything else that goes wrong, from whichever thread saw it.
-    store_->subscribeErrors(
-        [](std::string const& error) { std::cerr << "frontpanel-sim: " << error << std::endl; });
+    // the simulator reports everything else that goes wrong, from whichever thread saw it, and
+    // to the clients of the remote channels that serve.
+    store_->subscribeErrors([errors = errors_](std::string const& error) {
+        std::cerr << "frontpanel-sim: " << error << std::endl;
+        if (errors) {
+            errors->report(DeviceErrors::kConfigurationMemoryLost, error);
+        }
+    });
     store_->load();
     app_ = &context.app;
     app_->useSettings(*store_);

@@ -15,7 +15,8 @@ namespace frontpanelsim {
 
 namespace runtime = yxfrontpanel::runtime;
 
-Vxi11Attachment::Vxi11Attachment(Endpoint address) : address_(std::move(address)) {}
+Vxi11Attachment::Vxi11Attachment(Endpoint address, std::shared_ptr<DeviceErrors> errors)
+    : address_(std::move(address)), errors_(std::move(errors)) {}
 
 Vxi11Attachment::~Vxi11Attachment() = default;
 
@@ -44,12 +45,23 @@ void Vxi11Attachment::attach(SimContext const& context) {
     server_ =
         std::make_unique<runtime::Vxi11Server>(runtime::scpiInstruments(table, executor), options);
     server_->start();
+    if (errors_) {
+        std::shared_ptr<runtime::scpi::DeviceStatus> const device = table->deviceStatus();
+        errorSink_ = errors_->add([device](int code, std::string const& text) {
+            device->reportError({static_cast<runtime::scpi::ErrorCode>(code), text});
+        });
+    }
     std::cerr << "frontpanel-sim: VXI-11 on " << address_.host << " (core port "
               << server_->corePort() << ")" << std::endl;
     std::cerr << "frontpanel-sim: VXI-11 " << server_->registration() << std::endl;
 }
 
-void Vxi11Attachment::detach() noexcept { server_.reset(); }
+void Vxi11Attachment::detach() noexcept {
+    if (errors_ && errorSink_ != 0) {
+        errors_->remove(std::exchange(errorSink_, 0));
+    }
+    server_.reset();
+}
 
 bool Vxi11Attachment::keepsRunning() const { return true; }
 

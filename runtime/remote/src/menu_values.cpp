@@ -190,16 +190,17 @@ bool isDefault(std::string const& text) {
     return word == "DEF" || word == "DEFAULT";
 }
 
-/** `text` for a value editor: a number with an optional suffix in the editor's unit, or MIN or
- *  MAX for its bounds. */
-double editorNumber(ValueEditor const& editor, std::string_view path, std::string const& text) {
-    if (isDefault(text)) {
+/** `text` for a value editor: a number with an optional suffix in the editor's unit, MIN or
+ *  MAX for its bounds, or DEF for `defaultValue`. */
+double editorNumber(ValueEditor const& editor, std::string_view path, std::string const& text,
+                    std::optional<double> defaultValue) {
+    if (isDefault(text) && !defaultValue) {
         throw Error(ErrorCode::IllegalParameterValue,
                     "no default value known for " + std::string(path));
     }
-    double const value =
-        scpi::parseNumber(text, utf16ToUtf8(editor.getUnit()),
-                          scpi::NumericBounds{editor.getMinValue(), editor.getMaxValue(), 0.0});
+    double const value = scpi::parseNumber(
+        text, utf16ToUtf8(editor.getUnit()),
+        scpi::NumericBounds{editor.getMinValue(), editor.getMaxValue(), defaultValue.value_or(0)});
     if (!std::isfinite(value)) {
         throw Error(ErrorCode::DataTypeError, "not a number: " + text);
     }
@@ -208,20 +209,31 @@ double editorNumber(ValueEditor const& editor, std::string_view path, std::strin
 
 }  // namespace
 
-MenuValue readMenuBound(IMenuTree& root, std::string_view path, std::string const& which) {
+std::optional<double> MenuDefaults::note(IMenuTree& root, std::string_view path) {
+    // Looked up first: an unknown path is refused even when a stale entry could answer.
+    auto* const number = dynamic_cast<ValueEditorMenuItem*>(&findMenuItem(root, path));
+    if (number == nullptr) {
+        return std::nullopt;
+    }
+    if (auto const known = values_.find(path); known != values_.end()) {
+        return known->second;
+    }
+    double const value = number->getEditor().getValue();
+    values_.emplace(std::string(path), value);
+    return value;
+}
+
+MenuValue readMenuBound(IMenuTree& root, std::string_view path, std::string const& which,
+                        std::optional<double> defaultValue) {
     MenuItem& item = findMenuItem(root, path);
     auto* const number = dynamic_cast<ValueEditorMenuItem*>(&item);
     if (number == nullptr) {
         throw Error(ErrorCode::IllegalParameterValue, "no bounds for " + std::string(path));
     }
     ValueEditor const& editor = number->getEditor();
-    if (isDefault(which)) {
-        throw Error(ErrorCode::IllegalParameterValue,
-                    "no default value known for " + std::string(path));
-    }
-    double const value = editorNumber(editor, path, which);
-    if (value != editor.getMinValue() && value != editor.getMaxValue()) {
-        throw Error(ErrorCode::IllegalParameterValue, "not MIN or MAX: " + which);
+    double const value = editorNumber(editor, path, which, defaultValue);
+    if (!isDefault(which) && value != editor.getMinValue() && value != editor.getMaxValue()) {
+        throw Error(ErrorCode::IllegalParameterValue, "not MIN, MAX or DEF: " + which);
     }
     return MenuValue{formatNumber(value, editor.getPrecision()), true};
 }
@@ -258,14 +270,15 @@ MenuValue readMenuValue(IMenuTree& root, std::string_view path) {
     throw noValue(path);
 }
 
-void writeMenuValue(IMenuTree& root, std::string_view path, std::string const& text) {
+void writeMenuValue(IMenuTree& root, std::string_view path, std::string const& text,
+                    std::optional<double> defaultValue) {
     MenuItem& item = findMenuItem(root, path);
     if (!item.getAvailable()) {
         throw Error(ErrorCode::ExecutionError, "item not available: " + std::string(path));
     }
     if (auto* const number = dynamic_cast<ValueEditorMenuItem*>(&item)) {
         ValueEditor& editor = number->getEditor();
-        std::optional<double> const value = editorNumber(editor, path, text);
+        std::optional<double> const value = editorNumber(editor, path, text, defaultValue);
         if (*value < editor.getMinValue() || *value > editor.getMaxValue()) {
             throw Error(ErrorCode::DataOutOfRange,
                         text + " outside " + formatNumber(editor.getMinValue(), 0) + " to " +

@@ -7,6 +7,7 @@
 #include <array>
 #include <cctype>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -124,26 +125,32 @@ void addPanelCommands(scpi::CommandTable& table, std::shared_ptr<IRemotePanel> c
             request.respond(state->local ? "LOC" : "REM");
         }
     });
+    // DEFault: the value an item held when these commands first named it (panel's thread).
+    auto const defaults = std::make_shared<MenuDefaults>();
     table.add(
         "MENU:VALue?",
-        [panel](Request& request) {
-            MenuValue const value = request.parameterCount() > 1
-                                        ? readMenuBound(rootOf(*panel), request.parameter(0).text,
-                                                        request.parameter(1).text)
-                                        : readMenuValue(rootOf(*panel), request.parameter(0).text);
+        [panel, defaults](Request& request) {
+            IMenuTree& root = rootOf(*panel);
+            std::string const& path = request.parameter(0).text;
+            std::optional<double> const defaultValue = defaults->note(root, path);
+            MenuValue const value =
+                request.parameterCount() > 1
+                    ? readMenuBound(root, path, request.parameter(1).text, defaultValue)
+                    : readMenuValue(root, path);
             request.respond(value.numeric ? value.text : scpi::quoted(value.text));
         },
         1, 2);
     table.add(
         "MENU:VALue",
-        [panel, options](Request& request) {
+        [panel, options, defaults](Request& request) {
             IMenuTree& root = rootOf(*panel);
             std::string const& path = request.parameter(0).text;
-            findMenuItem(root, path);  // an unknown path changes nothing, not even the mode
+            // An unknown path changes nothing, not even the mode.
+            std::optional<double> const defaultValue = defaults->note(root, path);
             if (options.remoteOnMenuWrite && panel->isLocal()) {
                 panel->setLocal(false);
             }
-            writeMenuValue(root, path, request.parameter(1).text);
+            writeMenuValue(root, path, request.parameter(1).text, defaultValue);
         },
         2, 2);
 }

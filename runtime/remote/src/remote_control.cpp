@@ -25,6 +25,19 @@ scpi::CommandTable& RemoteControl::commands() { return *table_; }
 
 PanelControl& RemoteControl::control() { return *control_; }
 
+void RemoteControl::setCondition(scpi::StatusModel::Set set, std::uint16_t mask,
+                                 std::uint16_t bits) {
+    table_->deviceStatus()->setCondition(set, mask, bits);
+}
+
+void RemoteControl::reportError(int code, std::string text) {
+    if (code == 0) {
+        return;
+    }
+    table_->deviceStatus()->reportError(
+        scpi::ErrorEntry{static_cast<scpi::ErrorCode>(code), std::move(text)});
+}
+
 void RemoteControl::start() {
     std::lock_guard<std::mutex> const lock(mutex_);
     if (server_) {

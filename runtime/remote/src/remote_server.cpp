@@ -100,6 +100,9 @@ std::size_t lineCost(scpi::ParsedLine const& line, std::size_t textBytes) {
 
 /** What the I/O thread and the executor's thread share for one client. */
 struct ClientWork {
+    /** A client of the instrument whose state `device` holds. */
+    explicit ClientWork(std::shared_ptr<scpi::DeviceStatus> device) : session(std::move(device)) {}
+
     std::mutex mutex;
     std::deque<PendingLine> pending;  // parsed lines waiting for the executor
     std::size_t pendingCost = 0;      // the sum of their costs
@@ -153,6 +156,8 @@ void serveClient(std::shared_ptr<TaskContext> const& context,
             work->next = 0;
         }
         responses.clear();
+        // MAV for `*STB?`: responses of this turn not yet handed to the socket.
+        work->session.messageAvailable = !output.empty();
         scpi::RunResult result{work->current->commands.size(), false};
         try {
             result = context->table->run(*work->current, work->next, work->session, responses);
@@ -209,7 +214,7 @@ struct Connection {
     bool authenticated = false;
     std::optional<IClock::TimePoint> closeAt;  // after a failed authentication
     ConnectionDeadline deadline;
-    std::shared_ptr<ClientWork> work = std::make_shared<ClientWork>();
+    std::shared_ptr<ClientWork> work;
 };
 
 struct Listener {
@@ -531,6 +536,7 @@ private:
         Connection& connection = connections_.emplace_back(
             static_cast<std::size_t>(&listener - listeners_.data()),
             ConnectionDeadline(options_.policy, clock_->now(), loginRequired));
+        connection.work = std::make_shared<ClientWork>(context_->table->deviceStatus());
         connection.fd = std::move(fd);
         connection.peer = name;
         connection.authenticated = !loginRequired;

@@ -154,8 +154,19 @@ struct CommandTable::Entry {
     bool reader = false;
 };
 
-Session::Session() {
+Session::Session() : Session(nullptr) {}
+
+Session::Session(std::shared_ptr<DeviceStatus> device) : device_(std::move(device)) {
     errors.setObserver([this](ErrorCode code) { status.recordError(static_cast<int>(code)); });
+    if (device_) {
+        device_->attach(*this);
+    }
+}
+
+Session::~Session() {
+    if (device_) {
+        device_->detach(*this);
+    }
 }
 
 Request::Request(Command const& command, Session& session) : command_(command), session_(session) {}
@@ -334,6 +345,7 @@ RunResult CommandTable::run(ParsedLine const& line, std::size_t first, Session& 
                             std::vector<std::string>& responses) const {
     for (std::size_t index = first; index < line.commands.size(); ++index) {
         Request request(line.commands[index], session);
+        request.setOutputWaiting(!responses.empty());
         try {
             execute(request);
         } catch (Error const& e) {
@@ -441,8 +453,8 @@ void addCommonCommands(CommandTable& table, Identity const& identity,
         request.respond(std::to_string(request.session().status.serviceRequestEnable()));
     });
     table.add("*STB?", [](Request& request) {
-        Session const& session = request.session();
-        request.respond(std::to_string(session.status.statusByte(session.messageAvailable)));
+        request.respond(
+            std::to_string(request.session().status.statusByte(request.outputWaiting())));
     });
     // The table runs a client's commands in order on the panel's thread, after the panel work
     // the commands before posted (a key press defers the rest of its line): by the time these

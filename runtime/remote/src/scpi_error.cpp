@@ -108,6 +108,8 @@ std::string errorText(ErrorCode code) {
             return "Too much data";
         case ErrorCode::IllegalParameterValue:
             return "Illegal parameter value";
+        case ErrorCode::ConfigurationMemoryLost:
+            return "Configuration memory lost";
         case ErrorCode::QueueOverflow:
             return "Queue overflow";
         case ErrorCode::InputBufferOverrun:

@@ -15,6 +15,9 @@ namespace {
 
 /** The state a message's tasks share with the session; outlives the session while they run. */
 struct SessionState {
+    explicit SessionState(std::shared_ptr<scpi::DeviceStatus> device)
+        : session(std::move(device)) {}
+
     std::mutex mutex;
     scpi::Session session;
     unsigned generation = 0;
@@ -38,7 +41,9 @@ std::string joined(std::vector<std::string> const& responses) {
 class ScpiInstrument : public Vxi11Instrument {
 public:
     ScpiInstrument(std::shared_ptr<scpi::CommandTable const> table, Vxi11Executor executor)
-        : table_(std::move(table)), executor_(std::move(executor)) {}
+        : table_(std::move(table)),
+          executor_(std::move(executor)),
+          state_(std::make_shared<SessionState>(table_->deviceStatus())) {}
 
     void execute(std::string message, std::function<void(std::string)> done) override {
         auto line = std::make_shared<scpi::ParsedLine>();
@@ -68,9 +73,15 @@ public:
         runFrom(table_, executor_, state_, line, 0, responses, generation, std::move(done));
     }
 
+    std::uint8_t statusByte(bool messageAvailable) override {
+        // The status model has a lock of its own: no wait for a message that runs.
+        return state_->session.status.statusByte(messageAvailable);
+    }
+
     void clear() override {
         std::lock_guard<std::mutex> const lock(state_->mutex);
         ++state_->generation;
+        state_->session.deviceClear();
     }
 
 private:
@@ -113,7 +124,7 @@ private:
 
     std::shared_ptr<scpi::CommandTable const> table_;
     Vxi11Executor executor_;
-    std::shared_ptr<SessionState> state_ = std::make_shared<SessionState>();
+    std::shared_ptr<SessionState> state_;
 };
 
 }  // namespace

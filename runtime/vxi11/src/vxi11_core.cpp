@@ -30,7 +30,6 @@ constexpr long kReasonTermChar = 2;
 constexpr long kReasonEnd = 4;
 // What one read or write carries at most (Create_LinkResp.maxRecvSize).
 constexpr std::uint32_t kMaxReceiveSize = 64 * 1024;
-constexpr std::uint8_t kStatusMav = 0x10;
 
 enum AcceptStat : std::uint32_t {
     Success = 0,
@@ -431,11 +430,7 @@ private:
         if (link == nullptr) {
             return result;
         }
-        std::uint8_t status = link->instrument->statusByte();
-        if (!link->output.empty()) {
-            status |= kStatusMav;
-        }
-        result.stb = static_cast<u_char>(status);
+        result.stb = static_cast<u_char>(link->instrument->statusByte(!link->output.empty()));
         return result;
     }
 

@@ -120,8 +120,36 @@ TEST_F(PanelCommandsTest, MenuValueMinMaxAreTheEditorsBounds) {
     EXPECT_EQ(run("MENU:VAL? \"Output/Voltage\""), Lines{"0.00"});
     run("MENU:VAL? \"Output/Mode\",MAX");
     EXPECT_EQ(session.errors.pop().code, ErrorCode::IllegalParameterValue);
+}
+
+TEST_F(PanelCommandsTest, MenuValueDefaultIsTheValueWhenFirstNamed) {
+    // The first command naming the path sees 5 V: that is its default from then on.
+    EXPECT_EQ(run("MENU:VAL? \"Output/Voltage\",DEF"), Lines{"5.00"});
+    run("MENU:VAL \"Output/Voltage\",12.5");
+    EXPECT_EQ(run("MENU:VAL? \"Output/Voltage\";VAL? \"Output/Voltage\",DEFault"),
+              (Lines{"12.50", "5.00"}));
+    menu.heard.clear();
+    run("MENU:VAL \"Output/Voltage\",def");
+    EXPECT_EQ(run("MENU:VAL? \"Output/Voltage\""), Lines{"5.00"});
+    EXPECT_EQ(menu.heard, Lines{"Voltage=5.000000"}) << "the application hears the default";
+    EXPECT_EQ(error(), R"(0,"No error")");
+}
+
+TEST_F(PanelCommandsTest, MenuValueDefaultIsRecordedByTheFirstWriteToo) {
+    menu.voltage->setValue(7.0);  // the application's own change before any command
+    run("MENU:VAL \"Output/Voltage\",MAX");
+    menu.voltage->setValue(3.0);  // and after: the default stays
     run("MENU:VAL \"Output/Voltage\",DEF");
+    EXPECT_EQ(run("MENU:VAL? \"Output/Voltage\""), Lines{"7.00"});
+}
+
+TEST_F(PanelCommandsTest, MenuValueDefaultIsRefusedForItemsWithoutBounds) {
+    run("MENU:VAL? \"Output/Mode\",DEF");
     EXPECT_EQ(session.errors.pop().code, ErrorCode::IllegalParameterValue);
+    run("MENU:VAL \"Display/Brightness\",DEF");
+    EXPECT_EQ(session.errors.pop().code, ErrorCode::DataTypeError);
+    run("MENU:VAL? \"No/Such\",DEF");
+    EXPECT_EQ(error(), R"(-224,"Illegal parameter value;no menu item No/Such")");
 }
 
 TEST_F(PanelCommandsTest, ChoicesMayBeWrittenByKeyOrId) {

@@ -34,4 +34,33 @@ TEST(RemoteControlTest, StopTwiceAndStartTwiceAreHarmless) {
     EXPECT_EQ(harness.remote->clientCount(), 0U);
 }
 
+TEST(RemoteControlTest, StatusByteShowsMavForAnAnswerOfTheSameLine) {
+    RemoteHarness harness;
+    harness.start();
+    ScpiClient client(harness.tcpAddress());
+    EXPECT_EQ(client.query("*IDN?;*STB?"), "Yx,Test Panel,T-1,0.1");
+    EXPECT_EQ(client.readLine(), "16") << "the *IDN? answer is still in the output queue";
+    EXPECT_EQ(client.query("*STB?"), "0");
+    EXPECT_EQ(client.query("*SRE 16;*IDN?;*STB?"), "Yx,Test Panel,T-1,0.1");
+    EXPECT_EQ(client.readLine(), "80") << "MAV enabled: MSS";
+}
+
+TEST(RemoteControlTest, ReportedErrorGoesToEveryConnectedClient) {
+    RemoteHarness harness;
+    harness.start();
+    ScpiClient first(harness.tcpAddress());
+    ScpiClient second(harness.unixAddress());
+    ASSERT_EQ(first.query("*ESR?"), "0");
+    ASSERT_EQ(second.query("*ESR?"), "0");
+    harness.remote->reportError(-315, "disk full");
+    harness.remote->reportError(0, "nothing");
+    for (ScpiClient* client : {&first, &second}) {
+        EXPECT_EQ(client->query("SYST:ERR:COUN?"), "1");
+        EXPECT_EQ(client->query("SYST:ERR?"), "-315,\"Configuration memory lost;disk full\"");
+        EXPECT_EQ(client->query("*ESR?"), "8");  // device-specific error
+    }
+    ScpiClient later(harness.tcpAddress());
+    EXPECT_EQ(later.query("SYST:ERR?"), "0,\"No error\"") << "a later client has none";
+}
+
 }  // namespace

@@ -13,6 +13,8 @@
 #include <string>
 #include <vector>
 
+#include "remote_harness.h"
+#include "scpi_client.h"
 #include "vxi11_rpc.h"
 #include <arpa/inet.h>
 #include <netinet/in.h>
@@ -68,14 +70,16 @@ protected:
         // A query that runs on the executor's thread (not a reader).
         table->add("MEASure?", [](scpi::Request& request) { request.respond("1.25"); });
         auto executor = executor_;
+        serve(scpiInstruments(
+            table, [executor](std::function<void()> const& task) { return executor->post(task); }));
+    }
+
+    /** Serves `instruments` on loopback and connects `client_` to the core channel. */
+    void serve(Vxi11InstrumentFactory instruments) {
         Vxi11ServerOptions options;
         options.useRpcbind = false;
         options.portmapperPort = 0;
-        server_ = std::make_unique<Vxi11Server>(
-            scpiInstruments(
-                table,
-                [executor](std::function<void()> const& task) { return executor->post(task); }),
-            options);
+        server_ = std::make_unique<Vxi11Server>(std::move(instruments), options);
         server_->start();
         client_ = connect(DEVICE_CORE, DEVICE_CORE_VERSION, server_->corePort());
         ASSERT_NE(client_, nullptr);
@@ -221,6 +225,32 @@ TEST_F(Vxi11ServerTest, WriteWithoutEndWaitsForTheRestOfTheMessage) {
     EXPECT_EQ(readStb(lid) & 0x10, 0);
 }
 
+TEST_F(Vxi11ServerTest, ReadStbReportsTheLinksStatusModel) {
+    long const lid = createLink();
+    write(lid, "*ESE 32");
+    write(lid, "BOGUS");
+    EXPECT_EQ(readStb(lid), 0x20);  // ESB: the command error is enabled
+    write(lid, "*SRE 32");
+    EXPECT_EQ(readStb(lid), 0x60);  // and MSS/RQS through the service request enable
+    write(lid, "*CLS;*SRE 16");
+    EXPECT_EQ(readStb(lid), 0);
+    write(lid, "*IDN?");  // written, not read: MAV, and MSS since MAV is enabled
+    EXPECT_EQ(readStb(lid), 0x50);
+    EXPECT_EQ(generic(device_clear, lid), 0);
+    EXPECT_EQ(readStb(lid), 0) << "device clear drops the unread response";
+    write(lid, "*SRE?");
+    EXPECT_EQ(read(lid).data, "16\n") << "device clear keeps the enables";
+}
+
+TEST_F(Vxi11ServerTest, ReadStbOfOneLinkIgnoresTheOthers) {
+    long const lid = createLink();
+    long const other = createLink();
+    write(other, "*ESE 255;BOGUS");
+    write(other, "*IDN?");
+    EXPECT_EQ(readStb(other), 0x30);
+    EXPECT_EQ(readStb(lid), 0);
+}
+
 TEST_F(Vxi11ServerTest, ReadStopsAtRequestCountAndTermChar) {
     long const lid = createLink();
     write(lid, "*IDN?;*IDN?");
@@ -337,6 +367,99 @@ TEST_F(Vxi11ServerTest, PortmapperAnswersGetPortOverTcpAndUdp) {
 
 namespace yxfrontpanel::runtime {
 namespace {
+
+/** A remote control with its raw command server and a VXI-11 server on its command table, as
+ *  an application serves both. */
+class Vxi11RemoteControlTest : public Vxi11ServerTest {
+protected:
+    void SetUp() override {
+        harness_.start();
+        // The table lives as long as the remote control, which outlives the server.
+        std::shared_ptr<scpi::CommandTable const> const table(std::shared_ptr<void>{},
+                                                              &harness_.remote->commands());
+        Panel* const panel = &harness_.panel;
+        serve(scpiInstruments(
+            table, [panel](std::function<void()> task) { return panel->post(std::move(task)); }));
+    }
+
+    /** One query over the link, without its newline. */
+    std::string linkQuery(long lid, std::string const& query) {
+        EXPECT_EQ(write(lid, query), 0);
+        std::string answer = read(lid).data;
+        if (!answer.empty() && answer.back() == '\n') {
+            answer.pop_back();
+        }
+        return answer;
+    }
+
+    yxfp_test::RemoteHarness harness_;
+};
+
+TEST_F(Vxi11RemoteControlTest, ConditionReachesEveryClientThroughItsOwnFilters) {
+    yxfp_test::ScpiClient rising(harness_.tcpAddress());
+    yxfp_test::ScpiClient falling(harness_.unixAddress());
+    long const lid = createLink();
+    // Answered once the server accepted the connection and opened its session.
+    ASSERT_EQ(rising.query("STAT:QUES:ENAB 4;*SRE 8;*SRE?"), "8");
+    ASSERT_EQ(falling.query("STAT:QUES:PTR 0;NTR 4;NTR?"), "4");
+    ASSERT_EQ(linkQuery(lid, "STAT:QUES:ENAB 4;ENAB?"), "4");
+
+    harness_.remote->setCondition(scpi::StatusModel::Set::Questionable, 0x4, 0x4);
+    EXPECT_EQ(rising.query("STAT:QUES:COND?"), "4");
+    EXPECT_EQ(rising.query("*STB?"), "72");  // QUES summary and MSS
+    EXPECT_EQ(rising.query("STAT:QUES?"), "4");
+    EXPECT_EQ(rising.query("STAT:QUES?"), "0") << "the event is cleared when read";
+    EXPECT_EQ(falling.query("STAT:QUES:COND?"), "4");
+    EXPECT_EQ(falling.query("STAT:QUES?"), "0") << "a rise does not pass its filter";
+    EXPECT_EQ(readStb(lid), 0x08);
+    EXPECT_EQ(linkQuery(lid, "STAT:QUES:COND?"), "4");
+    EXPECT_EQ(linkQuery(lid, "STAT:QUES?"), "4");
+
+    harness_.remote->setCondition(scpi::StatusModel::Set::Questionable, 0x4, 0);
+    EXPECT_EQ(falling.query("STAT:QUES?"), "4") << "the fall passes its filter";
+    EXPECT_EQ(rising.query("STAT:QUES:COND?"), "0");
+    EXPECT_EQ(rising.query("STAT:QUES?"), "0");
+    EXPECT_EQ(linkQuery(lid, "STAT:QUES:COND?;:STAT:QUES?"), "0;0");
+}
+
+TEST_F(Vxi11RemoteControlTest, ConditionBitsOutsideTheMaskStay) {
+    yxfp_test::ScpiClient client(harness_.tcpAddress());
+    ASSERT_EQ(client.query("STAT:OPER:COND?"), "0");
+    harness_.remote->setCondition(scpi::StatusModel::Set::Operation, 0x1, 0xffff);
+    harness_.remote->setCondition(scpi::StatusModel::Set::Operation, 0x110, 0x100);
+    EXPECT_EQ(client.query("STAT:OPER:COND?"), "257");
+    EXPECT_EQ(client.query("STAT:QUES:COND?"), "0");
+}
+
+TEST_F(Vxi11RemoteControlTest, LaterClientsStartWithTheConditionAndNoEvent) {
+    harness_.remote->setCondition(scpi::StatusModel::Set::Operation, 0x10, 0x10);
+    yxfp_test::ScpiClient client(harness_.tcpAddress());
+    EXPECT_EQ(client.query("STAT:OPER:COND?"), "16");
+    EXPECT_EQ(client.query("STAT:OPER?"), "0");
+    long const lid = createLink();
+    EXPECT_EQ(linkQuery(lid, "STAT:OPER:COND?;:STAT:OPER?"), "16;0");
+}
+
+TEST_F(Vxi11RemoteControlTest, ReportedErrorReachesEveryClientsQueue) {
+    yxfp_test::ScpiClient first(harness_.tcpAddress());
+    yxfp_test::ScpiClient second(harness_.unixAddress());
+    long const lid = createLink();
+    ASSERT_EQ(first.query("*ESE 8;*ESE?"), "8");
+    ASSERT_EQ(second.query("*ESR?"), "0");
+    ASSERT_EQ(linkQuery(lid, "*ESE 8;*ESE?"), "8");
+
+    harness_.remote->reportError(-315, "settings.ini: No space left on device");
+    std::string const error =
+        "-315,\"Configuration memory lost;settings.ini: No space left on device\"";
+    EXPECT_EQ(first.query("*STB?"), "32");  // ESB: device-specific error enabled
+    EXPECT_EQ(first.query("SYST:ERR?"), error);
+    EXPECT_EQ(first.query("*ESR?"), "8");
+    EXPECT_EQ(second.query("SYST:ERR?"), error);
+    EXPECT_EQ(second.query("*ESR?"), "8");
+    EXPECT_EQ(readStb(lid), 0x20);
+    EXPECT_EQ(linkQuery(lid, "SYST:ERR?;*ESR?"), error + ";8");
+    EXPECT_EQ(first.query("SYST:ERR:COUN?"), "0") << "one entry per client";
+}
 
 TEST(Vxi11ServerRegistrationTest, ServesTheCorePortWhenThePortmapperPortIsTaken) {
     // Another socket holds the portmapper port (as port 111 is out of reach without root).

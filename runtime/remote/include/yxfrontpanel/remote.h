@@ -11,6 +11,7 @@
 #include <yxfrontpanel/runtime/remote_panel.h>
 #include <yxfrontpanel/runtime/remote_server.h>
 #include <yxfrontpanel/runtime/scpi_commands.h>
+#include <yxfrontpanel/runtime/scpi_device_status.h>
 #include <yxfrontpanel/runtime/scpi_error.h>
 #include <yxfrontpanel/runtime/scpi_number.h>
 #include <yxfrontpanel/runtime/scpi_parser.h>

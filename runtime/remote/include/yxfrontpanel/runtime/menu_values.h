@@ -2,6 +2,9 @@
 
 #include <yxfrontpanel/runtime/export.h>
 
+#include <functional>
+#include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -32,15 +35,33 @@ YXFP_RUNTIME_EXPORT MenuItem& findMenuItem(IMenuTree& root, std::string_view pat
  *  @throws scpi::Error for an unknown path or an item that has no value. */
 YXFP_RUNTIME_EXPORT MenuValue readMenuValue(IMenuTree& root, std::string_view path);
 
-/** A value editor's bound: `which` is MINimum or MAXimum (`MENU:VALue? "path",MAX`).
- *  @throws scpi::Error (illegal parameter value) for an item without bounds or another word. */
+/** What DEFault means for the value editors a remote channel reaches: the value each held when
+ *  a command of that channel first named its path (read or written). A script that changes a
+ *  value can so put it back as it found it. Panel's thread only. */
+class YXFP_RUNTIME_EXPORT MenuDefaults {
+public:
+    /** Records the committed value of the value editor at `path` if this is the first time the
+     *  path is named; returns the recorded value. Nothing for another kind of item.
+     *  @throws scpi::Error (illegal parameter value) for an unknown path. */
+    std::optional<double> note(IMenuTree& root, std::string_view path);
+
+private:
+    std::map<std::string, double, std::less<>> values_;
+};
+
+/** A value editor's bound or default: `which` is MINimum, MAXimum or DEFault
+ *  (`MENU:VALue? "path",MAX`); the default is `defaultValue` (see `MenuDefaults`).
+ *  @throws scpi::Error (illegal parameter value) for an item without bounds, another word, or
+ *  DEFault without `defaultValue`. */
 YXFP_RUNTIME_EXPORT MenuValue readMenuBound(IMenuTree& root, std::string_view path,
-                                            std::string const& which);
+                                            std::string const& which,
+                                            std::optional<double> defaultValue = std::nullopt);
 
 /** Sets the value of the item at `path` from `text` through the item, as a confirmed edit on
  *  the panel would: the item's bounds apply and the application hears the new value through the
  *  item's callback. Numbers for value editors (with an optional suffix in the editor's unit, such
- * as "500 mV", or MINimum / MAXimum for its bounds) and sliders; a dotted address for IP address
+ *  as "500 mV", MINimum / MAXimum for its bounds, DEFault for `defaultValue`) and sliders; a
+ *  dotted address for IP address
  *  editors; a value text or key for inline choices; a choice name or id for radio groups.
  *  Panel's thread only.
  *  @throws scpi::Error: unknown path or item without value (illegal parameter value), an item
@@ -50,6 +71,7 @@ YXFP_RUNTIME_EXPORT MenuValue readMenuBound(IMenuTree& root, std::string_view pa
  *  item's bounds (data out of range); nothing is changed then. Whatever the item's callback
  *  throws (std::bad_function_call included) passes through, after the value was committed. */
 YXFP_RUNTIME_EXPORT void writeMenuValue(IMenuTree& root, std::string_view path,
-                                        std::string const& text);
+                                        std::string const& text,
+                                        std::optional<double> defaultValue = std::nullopt);
 
 }  // namespace yxfrontpanel::runtime

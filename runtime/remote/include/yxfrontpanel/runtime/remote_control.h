@@ -7,6 +7,7 @@
 #include <yxfrontpanel/runtime/scpi_commands.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -58,6 +59,15 @@ public:
     scpi::CommandTable& commands();
     /** The remote operations on the panel (for other remote channels of the application). */
     PanelControl& control();
+    /** Sets the application's condition bits of `set` selected by `mask` to those of `bits`
+     *  ("over-temperature" in QUEStionable) for the whole instrument: every client (connection,
+     *  VXI-11 link on `commands()`) sees the change through its own transition filters, a
+     *  client that connects later starts with the condition. Any thread. */
+    void setCondition(scpi::StatusModel::Set set, std::uint16_t mask, std::uint16_t bits);
+    /** Reports an error of the instrument itself (-315 "Configuration memory lost" when the
+     *  settings could not be saved) with `text` as its detail: it goes into every client's
+     *  error queue and sets the ESR bit of its range there. 0 reports nothing. Any thread. */
+    void reportError(int code, std::string text);
     /** Binds the addresses and starts serving; after `stop`, starts a new server on the
      *  addresses of the options (an ephemeral port then gets a new number). A call while
      *  serving does nothing. Any thread.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <yxfrontpanel/runtime/export.h>
+#include <yxfrontpanel/runtime/scpi_device_status.h>
 #include <yxfrontpanel/runtime/scpi_error.h>
 #include <yxfrontpanel/runtime/scpi_number.h>
 #include <yxfrontpanel/runtime/scpi_parser.h>
@@ -8,6 +9,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -20,8 +22,13 @@ namespace yxfrontpanel::runtime::scpi {
  *  and enables never disturb another's polling. Not copyable: the queue reports to the status
  *  model of the same session. */
 struct YXFP_RUNTIME_EXPORT Session {
-    /** An empty queue whose errors set the bits of `status`, everything clear. */
+    /** An empty queue whose errors set the bits of `status`, everything clear; no instrument
+     *  state reaches it. */
     Session();
+    /** Like `Session()`, and attached to `device` (when not null) until destroyed: it starts
+     *  with the instrument's conditions and sees its later changes and reported errors. */
+    explicit Session(std::shared_ptr<DeviceStatus> device);
+    ~Session();
     Session(Session const&) = delete;
     Session& operator=(Session const&) = delete;
 
@@ -36,6 +43,9 @@ struct YXFP_RUNTIME_EXPORT Session {
     /** A transport's device clear (VXI-11 device_clear): forgets pending output state
      *  (`messageAvailable`); the status registers and error queue stay, as IEEE 488.2 says. */
     void deviceClear() { messageAvailable = false; }
+
+private:
+    std::shared_ptr<DeviceStatus> device_;
 };
 
 /** What the application supplies to the common commands: `*RST` and `*TST?`. */
@@ -89,6 +99,11 @@ public:
     std::vector<std::string> const& responses() const;
     /** Whether `deferRest` was called. */
     bool restDeferred() const;
+    /** Whether responses wait for the client while the command runs: the session's
+     *  `messageAvailable` or a response of an earlier command of the same line (MAV). */
+    bool outputWaiting() const { return outputWaiting_ || session_.messageAvailable; }
+    /** Marks that earlier commands of the line answered; by `CommandTable::run`. */
+    void setOutputWaiting(bool waiting) { outputWaiting_ = waiting; }
     /** Whether the handler runs off the panel's thread (see `CommandTable::runReaders`): a
      *  reader then answers from published state, never from the panel's own objects. */
     bool offPanelThread() const { return offPanel_; }
@@ -107,6 +122,7 @@ private:
     bool deferred_ = false;
     bool offPanel_ = false;
     bool declined_ = false;
+    bool outputWaiting_ = false;
 };
 
 /** Runs one command on the panel's thread (or whatever thread the table is used on). It may
@@ -172,6 +188,10 @@ public:
                   std::vector<std::string>& responses) const;
     /** The registered patterns, in the order of registration. */
     std::vector<std::string> patterns() const;
+    /** The state of the instrument these commands control, shared by every session a transport
+     *  opens for this table (`Session(table.deviceStatus())`): the application's condition
+     *  bits and the errors it reports. */
+    std::shared_ptr<DeviceStatus> deviceStatus() const { return device_; }
 
 private:
     struct Entry;
@@ -180,6 +200,7 @@ private:
     std::vector<Entry>::const_iterator find(Command const& command) const;
 
     std::vector<Entry> entries_;
+    std::shared_ptr<DeviceStatus> device_ = std::make_shared<DeviceStatus>();
 };
 
 /** What `*IDN?` answers: four fields supplied by the application. Commas in a field are

@@ -51,6 +51,8 @@ enum class ErrorCode : int {
     TooMuchData = -223,
     /** -224: a value the target does not accept (unknown key, item or choice; bad address). */
     IllegalParameterValue = -224,
+    /** -315: the instrument could not keep its configuration (settings could not be saved). */
+    ConfigurationMemoryLost = -315,
     /** -350: errors were lost because the queue was full. */
     QueueOverflow = -350,
     /** -363: a line longer than the server's limit; the rest of the line is discarded. */
