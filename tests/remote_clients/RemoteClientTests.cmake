@@ -23,4 +23,17 @@ if(TARGET frontpanel-sim AND YXFP_WITH_REMOTE AND NOT CMAKE_CROSSCOMPILING)
         message(STATUS "YxFrontPanel: pyvisa end-to-end tests: OFF "
                        "(no python3 imports pyvisa and pyvisa_py: python3-pyvisa python3-pyvisa-py)")
     endif()
+
+    # Every resolved address is tried: a name whose first address refuses still connects.
+    find_library(YXFP_NSS_WRAPPER_LIBRARY NAMES nss_wrapper)
+    if(TARGET frontpanel-ctl AND YXFP_NSS_WRAPPER_LIBRARY)
+        message(STATUS "YxFrontPanel: resolver test with nss_wrapper: ON")
+        add_test(NAME remote.every_resolved_address
+            COMMAND bash ${CMAKE_CURRENT_LIST_DIR}/every_address_test.sh
+                $<TARGET_FILE:frontpanel-sim> $<TARGET_FILE:frontpanel-ctl>
+                ${YXFP_NSS_WRAPPER_LIBRARY})
+        set_tests_properties(remote.every_resolved_address PROPERTIES TIMEOUT 60)
+    elseif(TARGET frontpanel-ctl)
+        message(STATUS "YxFrontPanel: resolver test with nss_wrapper: OFF (libnss-wrapper)")
+    endif()
 endif()

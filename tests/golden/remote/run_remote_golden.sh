@@ -17,24 +17,10 @@ cleanup() {
 }
 trap cleanup EXIT
 
-mkfifo "$work/log"
-"${emulator[@]}" "$sim" --headless --idle 0 --listen 127.0.0.1:0 --listen "unix:$work/panel.sock" \
-    2> "$work/log" &
-sim_pid=$!
-exec 3< "$work/log"
-# The server logs each address once it listens: read until the TCP one (no polling, no sleep).
-tcp=
-while IFS= read -r line <&3; do
-    case $line in
-        *"listening on 127.0.0.1:"*) tcp=${line##*listening on } ;;
-        *"listening on unix:"*) ;;
-        *) echo "$line" >&2 ;;
-    esac
-    [ -n "$tcp" ] && break
-done
-[ -n "$tcp" ] || { echo "frontpanel-sim did not start listening" >&2; exit 1; }
-# Keep reading the log so that the simulator never blocks on it.
-cat <&3 > "$work/rest.log" &
+# shellcheck source=tests/support/listening_sim.sh
+source "$(dirname "$0")/../../support/listening_sim.sh"
+start_listening_sim "${emulator[@]}" "$sim" --headless --idle 0 --listen 127.0.0.1:0 \
+    --listen "unix:$work/panel.sock"
 
 actual="$work/actual"
 : > "$actual"
