@@ -144,6 +144,7 @@ void serveClient(std::shared_ptr<TaskContext> const& context,
     std::string output;
     std::vector<std::string> responses;
     bool deferred = false;
+    bool ran = false;
     for (std::size_t lines = 0; lines < context->linesPerTurn && !deferred;) {
         if (!work->current) {
             std::lock_guard<std::mutex> const lock(work->mutex);
@@ -155,6 +156,7 @@ void serveClient(std::shared_ptr<TaskContext> const& context,
             work->pending.pop_front();
             work->next = 0;
         }
+        ran = true;
         responses.clear();
         // MAV for `*STB?`: responses of this turn not yet handed to the socket.
         work->session.messageAvailable = !output.empty();
@@ -183,10 +185,12 @@ void serveClient(std::shared_ptr<TaskContext> const& context,
     {
         std::lock_guard<std::mutex> const lock(work->mutex);
         work->output += output;
-        // After a deferred command (a key press the panel applies in its next turn) one more
-        // turn follows even with nothing left, so that whatever runs after each turn (the
-        // panel publishing its screen) sees the key applied before the client counts as idle.
-        more = !work->closed && (work->current || !work->pending.empty() || deferred);
+        // After a turn that ran commands one more turn follows even with nothing left: it
+        // comes after whatever they posted to the panel (a key press the panel applies in its
+        // next turn, a value's publication, an application's own work), so whatever runs after
+        // each turn (the panel publishing its screen) sees all of it before the client counts
+        // as idle and its reads are answered from the published screen.
+        more = !work->closed && (work->current || !work->pending.empty() || deferred || ran);
         work->scheduled = more;
     }
     if (more && !schedule(context, work)) {

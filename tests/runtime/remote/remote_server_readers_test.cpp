@@ -1,5 +1,6 @@
 // Reads of identity, screen and mode are answered from what the panel's thread published, so they
 // never wait for a busy panel; a read after a change on the same connection waits for the change.
+#include <yxfrontpanel/apply_key.h>
 #include <yxfrontpanel/remote.h>
 
 #include <gtest/gtest.h>
@@ -116,6 +117,34 @@ TEST_F(RemoteReadersTest, LinesThatOnlyFailNeverWaitForThePanel) {
     EXPECT_EQ(client.readLine(), "Yx,Test Panel,T-1,0.1");
     hold.release();
     EXPECT_EQ(client.query("SYST:ERR:COUN?"), "3");
+}
+
+// A change that posts more work to the panel (an item whose value reaches the screen through
+// a posted publication, an application command) is finished only when that work has run: a
+// read on the next line waits for it instead of answering from the screen before it.
+TEST(RemoteReadersFollowUpTest, AReadAfterAChangeSeesWhatTheChangePostedToThePanel) {
+    RemoteHarness harness;
+    std::promise<void> started;
+    std::promise<void> gate;
+    std::shared_future<void> const released = gate.get_future().share();
+    yxfrontpanel::runtime::Panel* const panel = &harness.panel;
+    yxfrontpanel::IMenuTree* const root = harness.menu.root.get();
+    harness.remote->commands().add(
+        "TEST:FOLLow", [panel, root, &started, released](yxfrontpanel::runtime::scpi::Request&) {
+            panel->post([root, &started, released] {
+                started.set_value();
+                released.wait();
+                yxfrontpanel::applyKey(*root, frontpanelhw::PanelKey::Down);
+            });
+        });
+    harness.start();
+    ScpiClient client(harness.tcpAddress());
+    EXPECT_EQ(client.query("DISP:INV? 2"), R"("")");
+    ASSERT_TRUE(client.sendLine("TEST:FOLL"));
+    started.get_future().wait();  // the line has run; what it posted waits
+    ASSERT_TRUE(client.sendLine("DISP:INV? 2"));
+    gate.set_value();
+    EXPECT_EQ(client.readLine(), R"("0-18")");
 }
 
 }  // namespace
