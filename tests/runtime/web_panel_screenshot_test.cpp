@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <future>
+#include <mutex>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -76,8 +77,11 @@ TEST_F(WebPanelScreenshotTest, FailingProviderAnswersServerError) {
 // thread, where the panel's screen may be read.
 TEST_F(WebPanelScreenshotTest, ServesTheProvidersBytesFromThePanelsThread) {
     WebPanelOptions options;
+    // Written on the panel's thread, read here after the answer came.
+    std::mutex threadMutex;
     std::thread::id providerThread;
-    options.screenshotPng = [&providerThread] {
+    options.screenshotPng = [&threadMutex, &providerThread] {
+        std::lock_guard<std::mutex> const lock(threadMutex);
         providerThread = std::this_thread::get_id();
         return std::string("\x89PNG fake\0bytes", 15);
     };
@@ -89,6 +93,7 @@ TEST_F(WebPanelScreenshotTest, ServesTheProvidersBytesFromThePanelsThread) {
     EXPECT_NE(response.head.find("\r\nCache-Control: no-store\r\n"), std::string::npos);
     EXPECT_NE(response.head.find("\r\nContent-Length: 15\r\n"), std::string::npos);
     EXPECT_EQ(response.body, std::string("\x89PNG fake\0bytes", 15));
+    std::lock_guard<std::mutex> const lock(threadMutex);
     EXPECT_EQ(providerThread, runner.get_id());
 }
 

@@ -301,6 +301,14 @@ test("Save screenshot downloads the screen as a PNG of columns x 6 by lines x 8 
     const columns = Math.max(...lines.map((line) => Array.from(line).length));
     assert.equal(png.readUInt32BE(16), columns * 6);
     assert.equal(png.readUInt32BE(20), lines.length * 8);
+    // Enter on the focused link saves again and is not the panel's ENTER key.
+    await page.focus("#screenshot");
+    const [again] = await Promise.all([
+      page.waitForEvent("download"),
+      page.keyboard.press("Enter"),
+    ]);
+    assert.equal(again.suggestedFilename(), "panel.png");
+    assert.deepEqual(await screenByScpi(sim.scpi), lines);
     await shoot(page, "save-screenshot");
     await page.close();
   } finally {
