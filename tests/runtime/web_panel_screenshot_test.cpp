@@ -1,6 +1,3 @@
-#include <frontpanelhw/graphic/cell_renderer.h>
-#include <frontpanelhw/graphic/font.h>
-#include <frontpanelhw/graphic/mono_bitmap.h>
 #include <yxfrontpanel/components.h>
 
 #include <cstdint>
@@ -14,6 +11,9 @@
 #include "web_panel_fixture.h"
 
 #if YXFP_HAS_PNG
+#include <frontpanelhw/graphic/cell_renderer.h>
+#include <frontpanelhw/graphic/font.h>
+#include <frontpanelhw/graphic/mono_bitmap.h>
 #include <frontpanelhw/graphic/png_image.h>
 #endif
 
@@ -34,14 +34,6 @@ Response split(std::string const& response) {
         return {response, {}};
     }
     return {response.substr(0, end + 2), response.substr(end + 4)};
-}
-
-std::uint32_t bigEndian(std::string const& bytes, std::size_t at) {
-    std::uint32_t value = 0;
-    for (std::size_t index = 0; index < 4; ++index) {
-        value = (value << 8U) | static_cast<unsigned char>(bytes.at(at + index));
-    }
-    return value;
 }
 
 class WebPanelScreenshotTest : public WebPanelTest {
@@ -123,6 +115,14 @@ TEST_F(WebPanelScreenshotTest, ForeignHostIsRefused) {
 }
 
 #if YXFP_HAS_PNG
+std::uint32_t bigEndian(std::string const& bytes, std::size_t at) {
+    std::uint32_t value = 0;
+    for (std::size_t index = 0; index < 4; ++index) {
+        value = (value << 8U) | static_cast<unsigned char>(bytes.at(at + index));
+    }
+    return value;
+}
+
 // With the PNG encoder the screenshot is a PNG of the panel's screen: columns x cell width by
 // lines x cell height.
 TEST_F(WebPanelScreenshotTest, ScreenshotIsAPngOfThePanelsSize) {
