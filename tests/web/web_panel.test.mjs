@@ -8,7 +8,7 @@ import { test, before, after } from "node:test";
 import assert from "node:assert/strict";
 import { spawn } from "node:child_process";
 import { createConnection } from "node:net";
-import { mkdirSync } from "node:fs";
+import { mkdirSync, readFileSync } from "node:fs";
 import path from "node:path";
 import { chromium } from "playwright-core";
 
@@ -94,7 +94,7 @@ async function screenByScpi(port) {
 }
 
 async function openPage(port, query = "", host = "127.0.0.1") {
-  const page = await browser.newPage();
+  const page = await browser.newPage({ acceptDownloads: true });
   await page.goto(`http://${host}:${port}/${query}`);
   await page.waitForSelector("#lcd .line");
   return page;
@@ -278,6 +278,38 @@ test("the page works under localhost and keeps to its Content-Security-Policy", 
       .querySelector(".inv") !== null);
     assert.deepEqual(problems, []);
     await shoot(page, "localhost");
+    await page.close();
+  } finally {
+    await stopSimulator(sim);
+  }
+});
+
+test("Save screenshot downloads the screen as a PNG of columns x 6 by lines x 8 pixels", async () => {
+  const sim = await startSimulator();
+  try {
+    const page = await openPage(sim.web);
+    const lines = await pageLines(page);
+    const [download] = await Promise.all([
+      page.waitForEvent("download"),
+      page.click("text=Save screenshot"),
+    ]);
+    assert.equal(download.suggestedFilename(), "panel.png");
+    assert.equal(await download.failure(), null);
+    const png = readFileSync(await download.path());
+    assert.deepEqual([...png.subarray(0, 8)], [0x89, 0x50, 0x4e, 0x47, 0x0d, 0x0a, 0x1a, 0x0a]);
+    assert.equal(png.toString("latin1", 12, 16), "IHDR");
+    const columns = Math.max(...lines.map((line) => Array.from(line).length));
+    assert.equal(png.readUInt32BE(16), columns * 6);
+    assert.equal(png.readUInt32BE(20), lines.length * 8);
+    // Enter on the focused link saves again and is not the panel's ENTER key.
+    await page.focus("#screenshot");
+    const [again] = await Promise.all([
+      page.waitForEvent("download"),
+      page.keyboard.press("Enter"),
+    ]);
+    assert.equal(again.suggestedFilename(), "panel.png");
+    assert.deepEqual(await screenByScpi(sim.scpi), lines);
+    await shoot(page, "save-screenshot");
     await page.close();
   } finally {
     await stopSimulator(sim);

@@ -27,6 +27,8 @@ Attachment::~Attachment() = default;
 
 bool Attachment::keepsRunning() const { return false; }
 
+std::vector<std::string> Attachment::instrumentAddresses() const { return {}; }
+
 Attachments attachmentsFor(SimOptions const& options) {
     Attachments attachments;
     // The instrument's own errors (a failed settings save) reach the remote channels' clients.
@@ -51,8 +53,13 @@ Attachments attachmentsFor(SimOptions const& options) {
 #endif
 #if YXFP_HAS_WEB && YXFP_HAS_REMOTE
     if (options.web) {
-        attachments.push_back(
-            std::make_unique<WebAttachment>(*options.web, options.webToken, options.webHosts));
+        // The servers above attach first; the web panel lists what they serve.
+        std::vector<Attachment const*> servers;
+        for (auto const& attachment : attachments) {
+            servers.push_back(attachment.get());
+        }
+        attachments.push_back(std::make_unique<WebAttachment>(*options.web, options.webToken,
+                                                              options.webHosts, servers));
     }
 #endif
     if (!options.inputs.empty()) {

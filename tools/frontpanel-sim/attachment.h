@@ -3,6 +3,7 @@
 #include <yxfrontpanel/runtime/panel.h>
 
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "panel_app.h"
@@ -45,6 +46,10 @@ public:
     /** True for a server: a --headless run then keeps going when all key sources have closed
      *  and ends only on SIGINT, SIGTERM or SIGHUP. */
     virtual bool keepsRunning() const;
+    /** The VISA resource strings of the remote interfaces this attachment serves while
+     *  attached (`TCPIP::HOST::PORT::SOCKET`, `TCPIP::HOST::inst0::INSTR`), for the LXI
+     *  identification; none by default. */
+    virtual std::vector<std::string> instrumentAddresses() const;
 };
 
 using Attachments = std::vector<std::unique_ptr<Attachment>>;

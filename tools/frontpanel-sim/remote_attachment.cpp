@@ -31,10 +31,7 @@ void RemoteAttachment::attach(SimContext const& context) {
             throw std::runtime_error("the defaults could not be restored");
         }
     };
-    if (screenshotsAvailable()) {
-        yxfrontpanel::runtime::Panel* const panel = &context.panel;
-        options.screenshotPng = [panel] { return screenshotPng(panel->shownFrame()); };
-    }
+    options.screenshotPng = screenshotProvider(context.panel);
     remote_ = std::make_unique<yxfrontpanel::runtime::RemoteControl>(context.panel, options);
     remote_->start();
     if (errors_) {
@@ -57,6 +54,19 @@ void RemoteAttachment::detach() noexcept {
 
 std::vector<std::string> RemoteAttachment::addresses() const {
     return remote_ ? remote_->addresses() : std::vector<std::string>{};
+}
+
+std::vector<std::string> RemoteAttachment::instrumentAddresses() const {
+    std::vector<std::string> resources;
+    for (std::string const& address : addresses()) {
+        std::size_t const colon = address.rfind(':');
+        if (address.rfind("unix:", 0) == 0 || colon == std::string::npos) {
+            continue;  // a Unix socket has no VISA resource string
+        }
+        resources.push_back("TCPIP::" + address.substr(0, colon) +
+                            "::" + address.substr(colon + 1) + "::SOCKET");
+    }
+    return resources;
 }
 
 bool RemoteAttachment::keepsRunning() const { return true; }

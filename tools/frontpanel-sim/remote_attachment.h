@@ -31,6 +31,8 @@ public:
     bool keepsRunning() const override;
     /** The bound addresses while attached (an ephemeral port with its number). */
     std::vector<std::string> addresses() const;
+    /** `TCPIP::HOST::PORT::SOCKET` for each bound TCP address (none for Unix sockets). */
+    std::vector<std::string> instrumentAddresses() const override;
 
 private:
     std::vector<std::string> addresses_;

@@ -4,6 +4,7 @@
 #include <frontpanelhw/graphic/font.h>
 #include <frontpanelhw/graphic/mono_bitmap.h>
 #include <yxfrontpanel/components.h>
+#include <yxfrontpanel/runtime/panel.h>
 
 #include <stdexcept>
 #include <vector>
@@ -28,6 +29,14 @@ std::string screenshotPng(frontpanelhw::drawing::DisplayBuffer const& screen) {
 #else
     throw std::runtime_error("this build has no PNG support");
 #endif
+}
+
+std::function<std::string()> screenshotProvider(yxfrontpanel::runtime::Panel& panel) {
+    if (!screenshotsAvailable()) {
+        return {};
+    }
+    yxfrontpanel::runtime::Panel* const shown = &panel;
+    return [shown] { return screenshotPng(shown->shownFrame()); };
 }
 
 }  // namespace frontpanelsim

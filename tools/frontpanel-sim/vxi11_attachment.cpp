@@ -65,4 +65,13 @@ void Vxi11Attachment::detach() noexcept {
 
 bool Vxi11Attachment::keepsRunning() const { return true; }
 
+std::vector<std::string> Vxi11Attachment::instrumentAddresses() const {
+    if (!server_) {
+        return {};
+    }
+    std::string const host =
+        address_.host.find(':') == std::string::npos ? address_.host : "[" + address_.host + "]";
+    return {"TCPIP::" + host + "::inst0::INSTR"};
+}
+
 }  // namespace frontpanelsim

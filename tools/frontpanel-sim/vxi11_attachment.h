@@ -25,6 +25,8 @@ public:
     void attach(SimContext const& context) override;
     void detach() noexcept override;
     bool keepsRunning() const override;
+    /** `TCPIP::HOST::inst0::INSTR` while serving. */
+    std::vector<std::string> instrumentAddresses() const override;
 
 private:
     Endpoint address_;

@@ -138,11 +138,6 @@ Command fromRoot(Command const& command) {
     return rooted;
 }
 
-std::string withoutCommas(std::string field) {
-    std::replace(field.begin(), field.end(), ',', ' ');
-    return field;
-}
-
 }  // namespace
 
 struct CommandTable::Entry {
@@ -422,9 +417,9 @@ void addStatusRegister(CommandTable& table, std::string const& root, StatusModel
 
 void addCommonCommands(CommandTable& table, Identity const& identity,
                        InstrumentHooks const& hooks) {
-    std::string const idn =
-        withoutCommas(identity.manufacturer) + ',' + withoutCommas(identity.model) + ',' +
-        withoutCommas(identity.serialNumber) + ',' + withoutCommas(identity.firmwareVersion);
+    InstrumentIdentity const shown = shownIdentity(identity);
+    std::string const idn = shown.manufacturer + ',' + shown.model + ',' + shown.serialNumber +
+                            ',' + shown.firmwareVersion;
     table.addReader("*IDN?", [idn](Request& request) { request.respond(idn); });
     table.add("*CLS", [](Request& request) {
         request.session().errors.clear();

@@ -256,6 +256,10 @@ std::string_view statusText(int status) {
             return "Upgrade Required";
         case 431:
             return "Request Header Fields Too Large";
+        case 500:
+            return "Internal Server Error";
+        case 501:
+            return "Not Implemented";
         case 503:
             return "Service Unavailable";
         default:

@@ -88,6 +88,10 @@
                    Enter: "enter", Backspace: "back", Escape: "back" };
   document.addEventListener("keydown", function (event) {
     var key = keyboard[event.key];
+    // Enter on the focused "Save screenshot" link follows the link instead.
+    if (key === "enter" && event.target instanceof HTMLAnchorElement) {
+      return;
+    }
     if (key) {
       event.preventDefault();
       press(key);

@@ -7,17 +7,20 @@
 #include <atomic>
 #include <chrono>
 #include <cstring>
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <vector>
 
 #include "frame_message.h"
 #include "http_request.h"
+#include "lxi_identification.h"
 #include "web_page.h"
 #include "websocket_stream.h"
 #include <libwebsockets.h>
@@ -46,6 +49,13 @@ constexpr unsigned kLoggedIgnoredMessages = 3;
 // frame of its own).
 constexpr std::chrono::milliseconds kModeWatchPeriod{200};
 constexpr char const* kProtocolName = "yxfp-panel";
+constexpr std::string_view kScreenshotPath = "/screenshot.png";
+constexpr char const* kNoScreenshots =
+    "No screenshots: this build has no PNG support. Install libpng-dev and rebuild the "
+    "toolkit (the PNG component), and give the web panel the screenshot provider.\n";
+constexpr char const* kNoIdentity =
+    "No LXI identification: the instrument's identity (what *IDN? answers) was not given to "
+    "the web panel.\n";
 
 extern "C" void logFromLibwebsockets(int /*level*/, char const* line) {
     std::string text(line);
@@ -116,6 +126,28 @@ struct PanelLink {
         }
     }
 
+    /** A screenshot made on the panel's thread for the request `id`: the PNG, or why none. */
+    struct Screenshot {
+        std::string png;
+        std::string error;
+    };
+
+    /** Panel's thread: makes the screenshot for request `id` and wakes the server for it. */
+    void takeScreenshot(std::uint64_t id, std::function<std::string()> const& provider) {
+        Screenshot shot;
+        try {
+            shot.png = provider();
+        } catch (std::exception const& error) {
+            shot.error = error.what();
+        }
+        std::lock_guard<std::mutex> const lock(mutex);
+        if (context == nullptr) {
+            return;
+        }
+        screenshots[id] = std::move(shot);
+        lws_cancel_service(context);
+    }
+
     Panel& panel;
     std::atomic<unsigned> viewers{0};
     std::mutex mutex;
@@ -125,6 +157,8 @@ struct PanelLink {
     bool shownLocal = true;
     std::size_t frameListener = 0;
     bool listening = false;
+    // Screenshots made and not yet taken by the server's thread, by request.
+    std::map<std::uint64_t, Screenshot> screenshots;
 };
 
 }  // namespace
@@ -233,6 +267,9 @@ private:
         bool waiting = false;
         IClock::TimePoint waitingSince{};
         std::size_t drained = 0;
+        // The screenshot this request waits for (0: none) and whether it asked for the head only.
+        std::uint64_t screenshot = 0;
+        bool headOnly = false;
         unsigned ignoredMessages = 0;
         std::string peer;
     };
@@ -259,6 +296,7 @@ private:
             case LWS_CALLBACK_EVENT_WAIT_CANCELLED:
                 if (!self->stopping_.load()) {
                     self->newFrame();
+                    self->screenshotsTaken();
                 }
                 return 0;
             default:
@@ -342,18 +380,9 @@ private:
                        : verdict.status == 426 ? "Sec-WebSocket-Version: 13\r\n"
                                                : "");
                 return;
-            case detail::RequestKind::Resource: {
-                detail::WebResource const* resource = detail::findWebResource(request.path);
-                if (resource == nullptr) {
-                    refuse(wsi, session, 404, "no page at " + request.path);
-                    return;
-                }
-                session.outgoing = detail::httpResponse(200, resource->contentType, resource->body,
-                                                        request.method == "HEAD");
-                session.closeAfterWrite = true;
-                session.state = State::Closing;
+            case detail::RequestKind::Resource:
+                serveResource(wsi, session, request);
                 return;
-            }
             case detail::RequestKind::Upgrade:
                 break;
         }
@@ -387,6 +416,95 @@ private:
         if (!rest.empty()) {
             session.reader.feed(rest);
             readMessages(wsi, session);
+        }
+    }
+
+    /** Answers `status` with `body` and closes once it is out. */
+    static void answer(Session& session, int status, std::string_view contentType,
+                       std::string_view body, bool headOnly) {
+        session.outgoing = detail::httpResponse(status, contentType, body, headOnly);
+        session.closeAfterWrite = true;
+        session.state = State::Closing;
+        session.received.clear();
+    }
+
+    void serveResource(lws* wsi, Session& session, detail::HttpRequest const& request) {
+        bool const headOnly = request.method == "HEAD";
+        if (request.path == detail::kLxiIdentificationPath) {
+            if (!options_.identity) {
+                log::write(
+                    log::Level::Warning, kLogCategory,
+                    "web panel: " + session.peer + " asked for the LXI identification (404)");
+                answer(session, 404, "text/plain; charset=utf-8", kNoIdentity, headOnly);
+                return;
+            }
+            detail::LxiReach const reach{request.header("host"), options_.address};
+            answer(
+                session, 200, "text/xml; charset=utf-8",
+                detail::lxiIdentification(*options_.identity, reach, options_.instrumentAddresses),
+                headOnly);
+            return;
+        }
+        if (request.path == kScreenshotPath) {
+            requestScreenshot(wsi, session, headOnly);
+            return;
+        }
+        detail::WebResource const* resource = detail::findWebResource(request.path);
+        if (resource == nullptr) {
+            refuse(wsi, session, 404, "no page at " + request.path);
+            return;
+        }
+        answer(session, 200, resource->contentType, resource->body, headOnly);
+    }
+
+    /** Has the panel's thread make the screenshot; the answer goes out once it is there
+     *  (`screenshotsTaken`). */
+    void requestScreenshot(lws* wsi, Session& session, bool headOnly) {
+        if (!options_.screenshotPng) {
+            log::write(log::Level::Warning, kLogCategory,
+                       "web panel: " + session.peer + " asked for a screenshot (501)");
+            answer(session, 501, "text/plain; charset=utf-8", kNoScreenshots, headOnly);
+            return;
+        }
+        std::uint64_t const id = ++screenshotNumber_;
+        std::shared_ptr<PanelLink> const link = link_;
+        std::function<std::string()> const provider = options_.screenshotPng;
+        if (!panel_.post([link, provider, id] { link->takeScreenshot(id, provider); })) {
+            refuse(wsi, session, 503, "the panel is not running");
+            return;
+        }
+        session.screenshot = id;
+        session.headOnly = headOnly;
+        session.state = State::Closing;  // what else it sends is drained (bounded)
+        session.received.clear();
+    }
+
+    /** Server's thread: answers the requests whose screenshot the panel made. */
+    void screenshotsTaken() {
+        std::map<std::uint64_t, PanelLink::Screenshot> taken;
+        {
+            std::lock_guard<std::mutex> const lock(link_->mutex);
+            taken.swap(link_->screenshots);
+        }
+        if (taken.empty()) {
+            return;
+        }
+        for (auto& [wsi, session] : sessions_) {
+            auto const shot = taken.find(session.screenshot);
+            if (session.screenshot == 0 || shot == taken.end()) {
+                continue;
+            }
+            session.screenshot = 0;
+            if (shot->second.error.empty()) {
+                answer(session, 200, "image/png", shot->second.png, session.headOnly);
+            } else {
+                log::write(
+                    log::Level::Warning, kLogCategory,
+                    "web panel: screenshot for " + session.peer + " failed: " + shot->second.error);
+                answer(session, 500, "text/plain; charset=utf-8",
+                       "The screenshot failed: " + shot->second.error + "\n", session.headOnly);
+            }
+            lws_callback_on_writable(wsi);
         }
     }
 
@@ -583,6 +701,7 @@ private:
     std::map<lws*, Session> sessions_;
     std::vector<unsigned char> outgoing_;
     Panel::TimerId modeWatch_ = 0;
+    std::uint64_t screenshotNumber_ = 0;
 };
 
 WebPanelServer::WebPanelServer(Panel& panel, WebPanelOptions options)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <yxfrontpanel/runtime/export.h>
+#include <yxfrontpanel/runtime/instrument_identity.h>
 #include <yxfrontpanel/runtime/scpi_device_status.h>
 #include <yxfrontpanel/runtime/scpi_error.h>
 #include <yxfrontpanel/runtime/scpi_number.h>
@@ -203,18 +204,8 @@ private:
     std::shared_ptr<DeviceStatus> device_ = std::make_shared<DeviceStatus>();
 };
 
-/** What `*IDN?` answers: four fields supplied by the application. Commas in a field are
- *  replaced by blanks, since they separate the fields. */
-struct YXFP_RUNTIME_EXPORT Identity {
-    /** The first field, the maker; "YxFrontPanel" by default. */
-    std::string manufacturer = "YxFrontPanel";
-    /** The second field, the model; "Panel" by default. */
-    std::string model = "Panel";
-    /** The third field, the serial number; "0" by default. */
-    std::string serialNumber = "0";
-    /** The fourth field, the firmware version; "0" by default. */
-    std::string firmwareVersion = "0";
-};
+/** What `*IDN?` answers: the instrument's identity (see `shownIdentity` for commas). */
+using Identity = InstrumentIdentity;
 
 /** Registers the IEEE 488.2 common commands and the SCPI required commands: `*IDN?` (from
  *  `identity`), `*CLS`, `*ESE`, `*ESE?`, `*ESR?`, `*SRE`, `*SRE?`, `*STB?`, `*OPC`, `*OPC?`,

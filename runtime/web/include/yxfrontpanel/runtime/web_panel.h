@@ -1,11 +1,14 @@
 #pragma once
 
 #include <yxfrontpanel/runtime/export.h>
+#include <yxfrontpanel/runtime/instrument_identity.h>
 #include <yxfrontpanel/runtime/panel.h>
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -33,12 +36,25 @@ struct WebPanelOptions {
     /** A page that has not taken a frame for this long (by the panel's clock) while a newer one
      *  waits is dropped; the other pages never wait for it. */
     std::chrono::milliseconds stalledViewerTimeout{10000};
+    /** Who the instrument is, for the LXI identification document at `/lxi/identification`:
+     *  give it the value the remote channels answer `*IDN?` with
+     *  (`RemoteControlOptions::identity`). Without one that path answers 404. */
+    std::optional<InstrumentIdentity> identity;
+    /** The VISA resource strings of the instrument's other interfaces, listed in the LXI
+     *  identification after the web panel's own address: `TCPIP::HOST::PORT::SOCKET` for the
+     *  raw SCPI socket, `TCPIP::HOST::inst0::INSTR` for VXI-11 (only those that are serving). */
+    std::vector<std::string> instrumentAddresses;
+    /** The current screen as a PNG file, called on the panel's thread for `/screenshot.png`:
+     *  the provider `RemoteControlOptions::screenshotPng` gets. When empty that path answers
+     *  501 (the build has no PNG support). */
+    std::function<std::string()> screenshotPng;
 };
 
 /** A remote front panel in the browser: serves one self-contained page at `/` (with its style
- *  sheet and script) and, over a WebSocket at `/panel` on the same port, pushes every frame the
- * panel draws to every open page and takes key presses from pages that may press keys (they go to
- * the panel through `pressKey`, exactly like a key source's). A page that reads slowly gets only
+ *  sheet and script), the current screen as a PNG at `/screenshot.png`, the LXI identification
+ *  at `/lxi/identification` and, over a WebSocket at `/panel` on the same port, pushes every frame
+ * the panel draws to every open page and takes key presses from pages that may press keys (they go
+ * to the panel through `pressKey`, exactly like a key source's). A page that reads slowly gets only
  * the newest frame when it can take one; it never blocks the panel. Requests whose Host is not one
  * of the panel's and WebSocket connections whose Origin names another host are refused.
  *
