@@ -6,13 +6,14 @@
 #include <string>
 #include <system_error>
 
+#include "../gpiod_shared.h"
 #include <gpiod.h>
 
 namespace frontpanelhw::graphic {
 
 namespace {
 
-std::string reason(int error) { return std::generic_category().message(error); }
+using frontpanelhw::detail::errorText;
 
 class GpiodPanelLine : public IPanelLine {
 public:
@@ -20,19 +21,14 @@ public:
         : name_("line " + std::to_string(offset) + " of GPIO chip " + chip) {
         chip_ = ::gpiod_chip_open_lookup(chip.c_str());
         if (chip_ == nullptr) {
-            int const error = errno;
-            throw PanelBusError("cannot open GPIO chip " + chip + ": " + reason(error) +
-                                (error == ENOENT ? " (gpiodetect lists the chips)"
-                                 : error == EACCES
-                                     ? " (no permission; add the user to the gpio group)"
-                                     : ""));
+            throw PanelBusError("cannot open GPIO chip " + chip + ": " + errorText(errno));
         }
         line_ = ::gpiod_chip_get_line(chip_, offset);
         if (line_ == nullptr ||
             ::gpiod_line_request_output(line_, "yxfrontpanel", initialHigh ? 1 : 0) != 0) {
             int const error = errno;
             ::gpiod_chip_close(chip_);
-            throw PanelBusError("cannot request " + name_ + " as an output: " + reason(error));
+            throw PanelBusError("cannot request " + name_ + " as an output: " + errorText(error));
         }
     }
     ~GpiodPanelLine() override {
@@ -44,7 +40,7 @@ public:
 
     void set(bool high) override {
         if (::gpiod_line_set_value(line_, high ? 1 : 0) != 0) {
-            throw PanelBusError("setting " + name_ + " failed: " + reason(errno));
+            throw PanelBusError("setting " + name_ + " failed: " + errorText(errno));
         }
     }
 
