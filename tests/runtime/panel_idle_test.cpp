@@ -139,4 +139,91 @@ TEST_F(PanelRepeatTest, EnterDoesNotRepeatDeviceRepeatsPassOn) {
     EXPECT_EQ(invertedLine(), 2);
 }
 
+yxfrontpanel::runtime::PanelOptions darkAfterAMinute() {
+    yxfrontpanel::runtime::PanelOptions options;
+    options.darkTimeout = 60s;
+    return options;
+}
+
+/** A panel that darkens its display after a minute without a key (no home screen). */
+class PanelDarkTest : public yxfp_test::PanelFixture {
+protected:
+    explicit PanelDarkTest(yxfrontpanel::runtime::PanelOptions options = darkAfterAMinute())
+        : PanelFixture(options) {
+        panel.setDarkListener([this](bool dark) { heard.push_back(dark); });
+    }
+    std::vector<bool> heard;
+};
+
+// A minute without a key darkens the display once; not a moment before.
+TEST_F(PanelDarkTest, DarkAfterTheTimeoutWithoutAKey) {
+    turn();
+    keys->press(PanelKey::Down);
+    turn();
+    advance(59s);
+    advance(999ms);
+    EXPECT_TRUE(heard.empty());
+    EXPECT_FALSE(panel.dark());
+    advance(1ms);
+    EXPECT_EQ(heard, std::vector<bool>{true});
+    EXPECT_TRUE(panel.dark());
+    advance(10min);
+    EXPECT_EQ(heard, std::vector<bool>{true}) << "told once";
+}
+
+// The key that lights the display again is not passed on: a user pressing a key in the dark
+// only sees the panel as it was.
+TEST_F(PanelDarkTest, TheWakingKeyLightsTheDisplayAndIsNotPassedOn) {
+    turn();
+    advance(60s);
+    ASSERT_TRUE(panel.dark());
+    keys->press(PanelKey::Down);
+    advance(1s);
+    EXPECT_EQ(heard, (std::vector<bool>{true, false}));
+    EXPECT_FALSE(panel.dark());
+    EXPECT_EQ(invertedLine(), 0);
+    keys->press(PanelKey::Down);
+    advance(1s);
+    EXPECT_EQ(invertedLine(), 1);
+    advance(59s);
+    EXPECT_EQ(heard, (std::vector<bool>{true, false})) << "the minute counts from the key";
+    advance(1s);
+    EXPECT_EQ(heard, (std::vector<bool>{true, false, true}));
+}
+
+// With a home screen too, the home screen comes first and the display darkens later; one key
+// wakes both.
+yxfrontpanel::runtime::PanelOptions homeAfterTenSecondsDarkAfterAMinute() {
+    yxfrontpanel::runtime::PanelOptions options = darkAfterAMinute();
+    options.idleTimeout = 10s;
+    return options;
+}
+
+/** A panel with a home screen after ten seconds and a dark display after a minute. */
+class PanelDarkHomeTest : public PanelDarkTest {
+protected:
+    PanelDarkHomeTest() : PanelDarkTest(homeAfterTenSecondsDarkAfterAMinute()) {
+        panel.setHomeScreen([](yxfrontpanel::IDrawingProvider const& provider) {
+            frontpanelhw::drawing::DisplayBuffer screen(provider.getChars(), provider.getLines());
+            screen.setLineContent(0, 0, u"HOME");
+            provider.draw(screen);
+        });
+    }
+};
+
+// The home screen comes first and the display darkens later; one key wakes both.
+TEST_F(PanelDarkHomeTest, HomeScreenFirstThenDarkAndOneKeyWakesBoth) {
+    turn();
+    advance(10s);
+    EXPECT_TRUE(panel.homeScreenShown());
+    EXPECT_TRUE(heard.empty());
+    advance(50s);
+    EXPECT_EQ(heard, std::vector<bool>{true});
+    keys->press(PanelKey::Up);
+    advance(1s);
+    EXPECT_EQ(heard, (std::vector<bool>{true, false}));
+    EXPECT_FALSE(panel.homeScreenShown());
+    EXPECT_EQ(invertedLine(), 0);
+}
+
 }  // namespace

@@ -96,6 +96,7 @@ public:
     }
 
     void setHomeScreen(HomeScreen draw) { homeScreenDraw_ = std::move(draw); }
+    void setDarkListener(DarkListener listener) { darkListener_ = std::move(listener); }
     void setEventHandler(EventHandler handler) { eventHandler_ = std::move(handler); }
 
     std::size_t addFrameListener(FrameListener listener) {
@@ -188,6 +189,7 @@ public:
     DisplayBuffer const& currentScreen() const { return menuScreen_; }
     DisplayBuffer const& shownFrame() const { return shown_; }
     bool homeScreenShown() const { return homeShown_; }
+    bool dark() const { return dark_; }
 
 private:
     struct Source {
@@ -266,6 +268,7 @@ private:
         if (workRan && homeShown_ && !entered) {
             drawHome();  // refreshed with what the work changed
         }
+        darkenWhenIdle();
         flushFrame();
         if (stopped_.load()) {
             return endStopped();
@@ -386,6 +389,9 @@ private:
         if (idleEnabled() && !homeShown_) {
             consider(lastActivity_ + options_.idleTimeout);
         }
+        if (darkEnabled() && !dark_) {
+            consider(lastActivity_ + options_.darkTimeout);
+        }
         return deadline;
     }
 
@@ -478,9 +484,16 @@ private:
                 }
             }
         }
+        bool const wasDark = dark_;
+        if (dark_) {
+            setDark(false);
+        }
         if (homeShown_) {
             leaveHome();  // the key that wakes the panel is not passed on
             return;
+        }
+        if (wasDark) {
+            return;  // nor the key that lights the display
         }
         applyKey(*root_, event.panelKey);
     }
@@ -569,6 +582,26 @@ private:
     }
 
     void drawHome() { homeScreenDraw_(homeProvider_); }
+
+    // --- dark display ---
+
+    bool darkEnabled() const {
+        return options_.darkTimeout.count() > 0 && static_cast<bool>(darkListener_);
+    }
+
+    void darkenWhenIdle() {
+        if (darkEnabled() && !dark_ && clock_->now() - lastActivity_ >= options_.darkTimeout) {
+            repeat_.active = false;
+            setDark(true);
+        }
+    }
+
+    void setDark(bool dark) {
+        dark_ = dark;
+        if (darkListener_) {
+            darkListener_(dark);
+        }
+    }
 
     // --- frames ---
 
@@ -669,6 +702,8 @@ private:
     detail::PanelProvider menuProvider_;
     detail::PanelProvider homeProvider_;
     HomeScreen homeScreenDraw_;
+    DarkListener darkListener_;
+    bool dark_ = false;
     EventHandler eventHandler_;
     std::vector<std::pair<std::size_t, FrameListener>> frameListeners_;
     std::vector<std::pair<std::size_t, Task>> stopListeners_;
@@ -704,6 +739,7 @@ void Panel::addKeySource(std::shared_ptr<frontpanelhw::IKeySource> source) {
     impl_->addKeySource(std::move(source));
 }
 void Panel::setHomeScreen(HomeScreen draw) { impl_->setHomeScreen(std::move(draw)); }
+void Panel::setDarkListener(DarkListener listener) { impl_->setDarkListener(std::move(listener)); }
 void Panel::setEventHandler(EventHandler handler) { impl_->setEventHandler(std::move(handler)); }
 std::size_t Panel::addFrameListener(FrameListener listener) {
     return impl_->addFrameListener(std::move(listener));
@@ -733,6 +769,7 @@ bool Panel::cancel(TimerId id) { return impl_->cancel(id); }
 DisplayBuffer const& Panel::currentScreen() const { return impl_->currentScreen(); }
 DisplayBuffer const& Panel::shownFrame() const { return impl_->shownFrame(); }
 bool Panel::homeScreenShown() const { return impl_->homeScreenShown(); }
+bool Panel::dark() const { return impl_->dark(); }
 IMenuTree* Panel::root() const { return impl_->root(); }
 IClock const& Panel::clock() const { return impl_->clock(); }
 

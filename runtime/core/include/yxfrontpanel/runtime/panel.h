@@ -31,6 +31,11 @@ struct PanelOptions {
     /** Time without a key after which the home screen is shown; zero (the default) turns the
      *  home screen off. */
     std::chrono::milliseconds idleTimeout{0};
+    /** Time without a key after which the display goes dark (the listener set with
+     *  `Panel::setDarkListener` hears true; e.g. an OLED's power save against burn-in). The
+     *  next key lights it again (the listener hears false) and is not passed on. Zero (the
+     *  default) never darkens. */
+    std::chrono::milliseconds darkTimeout{0};
     /** For sources that report releases but no repeats: how long an arrow key is held before it
      *  repeats, and the time between repeats. Enter and back never repeat. */
     std::chrono::milliseconds repeatDelay{500};
@@ -69,6 +74,9 @@ public:
     /** Sees every event of the key sources first (characters, resizes, closes and panel keys);
      *  returns true when it handled the event, so that the panel does not. */
     using EventHandler = std::function<bool(frontpanelhw::KeyEvent const& event)>;
+    /** Hears that the display goes dark (true) or lights again (false); see
+     *  `PanelOptions::darkTimeout`. On the panel's thread. */
+    using DarkListener = std::function<void(bool dark)>;
     /** Sees every screen that reached the display, on the panel's thread. */
     using FrameListener = std::function<void(frontpanelhw::drawing::DisplayBuffer const& frame)>;
 
@@ -94,6 +102,10 @@ public:
     /** The home screen shown after `PanelOptions::idleTimeout` without a key. It is drawn when
      *  shown and again after every turn of the loop in which posted work or a timer ran. */
     void setHomeScreen(HomeScreen draw);
+    /** Installs what darkens and lights the display (see `PanelOptions::darkTimeout`), e.g.
+     *  `[&oled](bool dark) { oled.setPowerSave(dark); }`; an empty one removes it. Before `run`
+     *  or on the panel's thread. */
+    void setDarkListener(DarkListener listener);
     /** Installs the handler that sees each key event first; an empty one removes it. */
     void setEventHandler(EventHandler handler);
     /** Adds a listener for every screen that reaches the display (menu or home screen); returns
@@ -163,6 +175,8 @@ public:
     frontpanelhw::drawing::DisplayBuffer const& shownFrame() const;
     /** Whether the home screen is shown. Panel's thread only. */
     bool homeScreenShown() const;
+    /** Whether the display is dark after `PanelOptions::darkTimeout`. Panel's thread only. */
+    bool dark() const;
     /** The root tree, or null before `setRoot`. */
     IMenuTree* root() const;
     /** The panel's clock. */
