@@ -97,7 +97,8 @@ double parseNumber(std::string_view text, std::string_view unit,
     if (suffixStart == end) {
         return result;
     }
-    std::string const suffix = upper(std::string_view(suffixStart, end - suffixStart));
+    std::string const suffix =
+        upper(std::string_view(suffixStart, static_cast<std::size_t>(end - suffixStart)));
     if (!std::all_of(suffix.begin(), suffix.end(),
                      [](unsigned char c) { return std::isalpha(c) != 0; })) {
         throw Error(ErrorCode::DataTypeError, "not a number: " + std::string(text));
