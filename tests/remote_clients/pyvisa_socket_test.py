@@ -5,41 +5,19 @@ SCPI socket (TCPIP::127.0.0.1::PORT::SOCKET), as an instrument's user would.
 Usage: pyvisa_socket_test.py FRONTPANEL_SIM"""
 
 import csv
-import re
+import os
 import struct
-import subprocess
 import sys
 
 import pyvisa
 
-FAILURES = []
-
-
-def check(what, got, expected):
-    if got != expected:
-        FAILURES.append(f"{what}: got {got!r}, expected {expected!r}")
-    print(f"{'ok  ' if got == expected else 'FAIL'} {what}: {got!r}")
-
-
-def start_simulator(command):
-    """Starts the simulator on a port the system picks and returns (process, port)."""
-    process = subprocess.Popen(
-        command + ["--headless", "--listen", "127.0.0.1:0"],
-        stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True)
-    # The simulator names its bound address before serving; a bounded number of lines.
-    for _ in range(50):
-        line = process.stderr.readline()
-        if not line:
-            break
-        found = re.search(r"remote control on 127\.0\.0\.1:(\d+)", line)
-        if found:
-            return process, int(found.group(1))
-    process.kill()
-    raise SystemExit("frontpanel-sim did not report its address")
-
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
+from sim_process import check, exit_status, start_simulator, stop_simulator  # noqa: E402
 
 def main():
-    process, port = start_simulator(sys.argv[1:])
+    process, ports = start_simulator(sys.argv[1:] + ["--headless", "--listen", "127.0.0.1:0"],
+                                     ["raw"])
+    port = ports["raw"]
     try:
         manager = pyvisa.ResourceManager("@py")
         inst = manager.open_resource(f"TCPIP::127.0.0.1::{port}::SOCKET")
@@ -91,12 +69,8 @@ def main():
         inst.close()
         manager.close()
     finally:
-        process.terminate()
-        process.wait(timeout=10)
-    if FAILURES:
-        print("\n".join(FAILURES), file=sys.stderr)
-        return 1
-    return 0
+        stop_simulator(process)
+    return exit_status()
 
 
 if __name__ == "__main__":

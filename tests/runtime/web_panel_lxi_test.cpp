@@ -9,19 +9,7 @@ using yxfp_test::WebPanelTest;
 using yxfrontpanel::runtime::InstrumentIdentity;
 using yxfrontpanel::runtime::WebPanelOptions;
 
-/** The head of an HTTP response (without the blank line) and its body. */
-struct Response {
-    std::string head;
-    std::string body;
-};
-
-Response split(std::string const& response) {
-    std::size_t const end = response.find("\r\n\r\n");
-    if (end == std::string::npos) {
-        return {response, {}};
-    }
-    return {response.substr(0, end + 2), response.substr(end + 4)};
-}
+using Response = yxfp_test::HttpResponse;
 
 /** The text of the first element `name` in `xml`; "(missing)" when there is none. */
 std::string elementText(std::string const& xml, std::string const& name) {
@@ -54,7 +42,7 @@ protected:
 TEST_F(WebPanelLxiTest, IdentificationNamesTheIdentityAndTheInterfaces) {
     start(withIdentity());
     LoopbackConnection client(server->port());
-    Response const response = split(client.get("/lxi/identification"));
+    Response const response = yxfp_test::splitResponse(client.get("/lxi/identification"));
     EXPECT_EQ(response.head.rfind("HTTP/1.1 200 OK\r\n", 0), 0U) << response.head;
     EXPECT_NE(response.head.find("\r\nContent-Type: text/xml"), std::string::npos) << response.head;
     std::string const& xml = response.body;
@@ -89,7 +77,7 @@ TEST_F(WebPanelLxiTest, IdentificationShowsTheFieldsAsIdnAnswersThem) {
     options.identity = InstrumentIdentity{"Acme, Inc.", "M1", "0,1", "1"};
     start(options);
     LoopbackConnection client(server->port());
-    std::string const xml = split(client.get("/lxi/identification")).body;
+    std::string const xml = yxfp_test::splitResponse(client.get("/lxi/identification")).body;
     EXPECT_EQ(elementText(xml, "Manufacturer"), "Acme  Inc.");
     EXPECT_EQ(elementText(xml, "SerialNumber"), "0 1");
 }
@@ -100,7 +88,7 @@ TEST_F(WebPanelLxiTest, HeadRequestGetsNoBody) {
     LoopbackConnection client(server->port());
     client.send("HEAD /lxi/identification HTTP/1.1\r\nHost: " + hostPort("127.0.0.1") +
                 "\r\nConnection: close\r\n\r\n");
-    Response const response = split(client.readAll());
+    Response const response = yxfp_test::splitResponse(client.readAll());
     EXPECT_EQ(response.head.rfind("HTTP/1.1 200 OK\r\n", 0), 0U) << response.head;
     EXPECT_TRUE(response.body.empty()) << response.body;
 }
@@ -109,7 +97,7 @@ TEST_F(WebPanelLxiTest, HeadRequestGetsNoBody) {
 TEST_F(WebPanelLxiTest, WithoutIdentityIdentificationIsNotFound) {
     start();
     LoopbackConnection client(server->port());
-    Response const response = split(client.get("/lxi/identification"));
+    Response const response = yxfp_test::splitResponse(client.get("/lxi/identification"));
     EXPECT_EQ(response.head.rfind("HTTP/1.1 404 Not Found\r\n", 0), 0U) << response.head;
     EXPECT_NE(response.head.find("text/plain"), std::string::npos);
     EXPECT_NE(response.body.find("identity"), std::string::npos) << response.body;
@@ -133,7 +121,7 @@ TEST_F(WebPanelLxiTest, IdentificationUsesTheHostTheClientNamed) {
     start(options);
     LoopbackConnection client(server->port());
     client.setHost(hostPort("panel.lab"));
-    std::string const xml = split(client.get("/lxi/identification")).body;
+    std::string const xml = yxfp_test::splitResponse(client.get("/lxi/identification")).body;
     EXPECT_EQ(elementText(xml, "IdentificationURL"),
               "http://" + hostPort("panel.lab") + "/lxi/identification");
     EXPECT_EQ(elementText(xml, "Hostname"), "panel.lab");

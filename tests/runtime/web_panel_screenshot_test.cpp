@@ -23,18 +23,7 @@ using yxfp_test::LoopbackConnection;
 using yxfp_test::WebPanelTest;
 using yxfrontpanel::runtime::WebPanelOptions;
 
-struct Response {
-    std::string head;
-    std::string body;
-};
-
-Response split(std::string const& response) {
-    std::size_t const end = response.find("\r\n\r\n");
-    if (end == std::string::npos) {
-        return {response, {}};
-    }
-    return {response.substr(0, end + 2), response.substr(end + 4)};
-}
+using Response = yxfp_test::HttpResponse;
 
 class WebPanelScreenshotTest : public WebPanelTest {
 protected:
@@ -47,7 +36,7 @@ protected:
 TEST_F(WebPanelScreenshotTest, WithoutProviderScreenshotIsNotImplemented) {
     start();
     LoopbackConnection client(server->port());
-    Response const response = split(client.get("/screenshot.png"));
+    Response const response = yxfp_test::splitResponse(client.get("/screenshot.png"));
     EXPECT_EQ(response.head.rfind("HTTP/1.1 501 Not Implemented\r\n", 0), 0U) << response.head;
     EXPECT_NE(response.head.find("text/plain"), std::string::npos);
     EXPECT_NE(response.body.find("libpng-dev"), std::string::npos) << response.body;
@@ -59,7 +48,7 @@ TEST_F(WebPanelScreenshotTest, FailingProviderAnswersServerError) {
     options.screenshotPng = []() -> std::string { throw std::runtime_error("no memory left"); };
     start(options);
     LoopbackConnection client(server->port());
-    Response const response = split(client.get("/screenshot.png"));
+    Response const response = yxfp_test::splitResponse(client.get("/screenshot.png"));
     EXPECT_EQ(response.head.rfind("HTTP/1.1 500 Internal Server Error\r\n", 0), 0U)
         << response.head;
     EXPECT_NE(response.body.find("no memory left"), std::string::npos) << response.body;
@@ -79,7 +68,7 @@ TEST_F(WebPanelScreenshotTest, ServesTheProvidersBytesFromThePanelsThread) {
     };
     start(options);
     LoopbackConnection client(server->port());
-    Response const response = split(client.get("/screenshot.png"));
+    Response const response = yxfp_test::splitResponse(client.get("/screenshot.png"));
     EXPECT_EQ(response.head.rfind("HTTP/1.1 200 OK\r\n", 0), 0U) << response.head;
     EXPECT_NE(response.head.find("\r\nContent-Type: image/png\r\n"), std::string::npos);
     EXPECT_NE(response.head.find("\r\nCache-Control: no-store\r\n"), std::string::npos);
@@ -140,7 +129,7 @@ TEST_F(WebPanelScreenshotTest, ScreenshotIsAPngOfThePanelsSize) {
     };
     start(options);
     LoopbackConnection client(server->port());
-    Response const response = split(client.get("/screenshot.png"));
+    Response const response = yxfp_test::splitResponse(client.get("/screenshot.png"));
     ASSERT_EQ(response.head.rfind("HTTP/1.1 200 OK\r\n", 0), 0U) << response.head;
     EXPECT_NE(response.head.find("\r\nContent-Type: image/png\r\n"), std::string::npos);
     std::string const& png = response.body;

@@ -195,4 +195,19 @@ private:
     std::string buffer_;
 };
 
+/** The head of an HTTP response (up to its last CRLF, without the blank line) and its body. */
+struct HttpResponse {
+    std::string head;
+    std::string body;
+};
+
+/** Splits a whole response at its blank line; all head when there is none. */
+inline HttpResponse splitResponse(std::string const& response) {
+    std::size_t const end = response.find("\r\n\r\n");
+    if (end == std::string::npos) {
+        return {response, {}};
+    }
+    return {response.substr(0, end + 2), response.substr(end + 4)};
+}
+
 }  // namespace yxfp_test

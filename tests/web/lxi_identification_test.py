@@ -9,45 +9,25 @@ Without PNG support in the build (--no-png) the screenshot must be refused with 
 Usage: lxi_identification_test.py FRONTPANEL_SIM [--vxi11] [--no-png]"""
 
 import http.client
-import re
+import os
 import socket
 import struct
-import subprocess
 import sys
 import xml.etree.ElementTree as ElementTree
 
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
+from sim_process import check, exit_status, start_simulator, stop_simulator  # noqa: E402
+
 NAMESPACE = "{http://www.lxistandard.org/InstrumentIdentification/1.0}"
-FAILURES = []
 
 
-def check(what, got, expected):
-    if got != expected:
-        FAILURES.append(f"{what}: got {got!r}, expected {expected!r}")
-    print(f"{'ok  ' if got == expected else 'FAIL'} {what}: {got!r}")
-
-
-def start_simulator(program, vxi11):
+def start(program, vxi11):
+    """The simulator with the raw socket and the web panel (and VXI-11): (process, raw, web)."""
     command = [program, "--headless", "--listen", "127.0.0.1:0", "--web", "127.0.0.1:0"]
     if vxi11:
         command += ["--listen", "vxi11:127.0.0.1"]
-    process = subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
-                               stderr=subprocess.PIPE, text=True)
-    raw_port = web_port = None
-    # The listeners are announced before the panel runs; a bounded number of lines.
-    for _ in range(50):
-        line = process.stderr.readline()
-        if not line:
-            break
-        found = re.search(r"remote control on 127\.0\.0\.1:(\d+)", line)
-        if found:
-            raw_port = int(found.group(1))
-        found = re.search(r"web panel on http://127\.0\.0\.1:(\d+)/", line)
-        if found:
-            web_port = int(found.group(1))
-        if raw_port and web_port:
-            return process, raw_port, web_port
-    process.kill()
-    raise SystemExit("frontpanel-sim did not announce its listeners")
+    process, ports = start_simulator(command, ["raw", "web"])
+    return process, ports["raw"], ports["web"]
 
 
 class RawSocket:
@@ -107,7 +87,7 @@ def png_size(data):
 def main():
     vxi11 = "--vxi11" in sys.argv[2:]
     png = "--no-png" not in sys.argv[2:]
-    process, raw_port, web_port = start_simulator(sys.argv[1], vxi11)
+    process, raw_port, web_port = start(sys.argv[1], vxi11)
     try:
         scpi = RawSocket(raw_port)
         idn = scpi.query("*IDN?").split(",")
@@ -152,15 +132,9 @@ def main():
         check("screenshot is a PNG the size of HCOPy:SDUMp:DATA?'s", size, png_size(block))
         check("screenshot size is 20x4 cells of 6x8", size, (120, 32))
     finally:
-        process.terminate()
-        try:
-            process.wait(timeout=10)
-        except subprocess.TimeoutExpired:
-            process.kill()
+        stop_simulator(process)
 
 
 if __name__ == "__main__":
     main()
-    if FAILURES:
-        print("\n".join(FAILURES), file=sys.stderr)
-        sys.exit(1)
+    sys.exit(exit_status())
