@@ -7,16 +7,9 @@
 set -euo pipefail
 sim=$1 ctl=$2 wrapper=$3
 
-work=$(mktemp -d)
-sim_pid=
-cleanup() {
-    if [ -n "$sim_pid" ]; then kill -TERM "$sim_pid" 2> /dev/null || true; fi
-    rm -rf "$work"
-}
-trap cleanup EXIT
-
 # shellcheck source=tests/support/listening_sim.sh
 source "$(dirname "$0")/../support/listening_sim.sh"
+make_work_dir
 start_listening_sim "$sim" --headless --idle 0 --listen 127.0.0.1:0
 port=${tcp##*:}
 

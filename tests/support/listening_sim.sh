@@ -1,11 +1,22 @@
 # shellcheck shell=bash
-# Sourced by the end-to-end scripts. start_listening_sim COMMAND... runs COMMAND (a simulator
+# Sourced by the end-to-end scripts. make_work_dir makes the temporary folder $work, removed
+# at exit with the simulator (if one runs) stopped first. start_listening_sim COMMAND... runs COMMAND (a simulator
 # with --listen 127.0.0.1:0) in the background with its log on a FIFO in $work, reads the log
 # until the command server says which TCP port it took (no polling, no sleep), and keeps
 # reading it afterwards so the simulator never blocks on it. Sets sim_pid and tcp (HOST:PORT).
+make_work_dir() {
+    work=$(mktemp -d)
+    sim_pid=
+    trap stop_sim_and_remove_work_dir EXIT
+}
+
+stop_sim_and_remove_work_dir() {
+    if [ -n "$sim_pid" ]; then kill -TERM "$sim_pid" 2> /dev/null || true; fi
+    rm -rf "$work"
+}
+
 # shellcheck disable=SC2034 # sim_pid and tcp are for the sourcing script
 start_listening_sim() {
-    # shellcheck disable=SC2154 # the sourcing script sets work
     mkfifo "$work/log"
     "$@" 2> "$work/log" &
     sim_pid=$!

@@ -9,16 +9,9 @@ sim=$1 ctl=$2 commands=$3 expected=$4
 shift 4
 emulator=("$@")
 
-work=$(mktemp -d)
-sim_pid=
-cleanup() {
-    if [ -n "$sim_pid" ]; then kill -TERM "$sim_pid" 2> /dev/null || true; fi
-    rm -rf "$work"
-}
-trap cleanup EXIT
-
 # shellcheck source=tests/support/listening_sim.sh
 source "$(dirname "$0")/../../support/listening_sim.sh"
+make_work_dir
 start_listening_sim "${emulator[@]}" "$sim" --headless --idle 0 --listen 127.0.0.1:0 \
     --listen "unix:$work/panel.sock"
 
