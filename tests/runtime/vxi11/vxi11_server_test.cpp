@@ -60,6 +60,14 @@ struct TestExecutor {
     }
 };
 
+std::string longTrace() {
+    std::string trace;
+    for (int i = 0; i < 60000; ++i) {
+        trace += static_cast<char>('0' + i % 10);
+    }
+    return trace;
+}
+
 class Vxi11ServerTest : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -67,6 +75,8 @@ protected:
         scpi::addCommonCommands(*table, {"Maker", "Model 1", "SN7", "2.0"});
         // A query that runs on the executor's thread (not a reader).
         table->add("MEASure?", [](scpi::Request& request) { request.respond("1.25"); });
+        // A response longer than most replies: 60000 digits counting 0 to 9 over and over.
+        table->add("TRACe?", [](scpi::Request& request) { request.respond(longTrace()); });
         auto executor = executor_;
         Vxi11ServerOptions options;
         options.useRpcbind = false;
@@ -209,6 +219,15 @@ TEST_F(Vxi11ServerTest, QueryAnswersWithEndWhenReadWhole) {
     EXPECT_EQ(byLink(destroy_link, lid), 0);
     EXPECT_EQ(server_->linkCount(), 0U);
     EXPECT_EQ(byLink(destroy_link, lid), 4);  // invalid link identifier
+}
+
+TEST_F(Vxi11ServerTest, LongResponseComesWholeInOneRead) {
+    long const lid = createLink();
+    EXPECT_EQ(write(lid, "TRAC?"), 0);
+    Read const answer = read(lid, 65536);
+    EXPECT_EQ(answer.error, 0);
+    EXPECT_EQ(answer.reason, kReasonEnd);
+    EXPECT_EQ(answer.data, longTrace() + "\n");
 }
 
 TEST_F(Vxi11ServerTest, WriteWithoutEndWaitsForTheRestOfTheMessage) {
