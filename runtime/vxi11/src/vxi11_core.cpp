@@ -146,15 +146,16 @@ public:
         if (header[1] != 0 /* CALL */) {
             return std::nullopt;
         }
-        // Credentials and verifier: any flavour, their bodies skipped.
+        // Credentials and verifier: any flavour, their bodies (400 bytes at most) skipped.
         for (int i = 0; i < 2; ++i) {
             std::uint32_t flavour = 0;
-            char* body = nullptr;
-            u_int length = 0;
-            if (!xdr_u_int32_t(xdr.get(), &flavour) || !xdr_bytes(xdr.get(), &body, &length, 400)) {
+            std::uint32_t length = 0;
+            if (!xdr_u_int32_t(xdr.get(), &flavour) || !xdr_u_int32_t(xdr.get(), &length) ||
+                length > 400 ||
+                !xdr_setpos(xdr.get(),
+                            static_cast<u_int>(xdr.position() + ((length + 3U) & ~3U)))) {
                 return std::nullopt;
             }
-            free(body);
         }
         std::uint32_t const program = header[3];
         std::uint32_t const version = header[4];

@@ -230,6 +230,19 @@ TEST_F(Vxi11ServerTest, LongResponseComesWholeInOneRead) {
     EXPECT_EQ(answer.data, longTrace() + "\n");
 }
 
+TEST_F(Vxi11ServerTest, CallsWithUnixCredentialsAreAnswered) {
+    // AUTH_UNIX: a credential body of 36 bytes (stamp, machine name, uid, gid, two groups).
+    AUTH* const none = client_->cl_auth;
+    gid_t groups[] = {5, 6};
+    client_->cl_auth = authunix_create(const_cast<char*>("host1"), 1000, 1000, 2, groups);
+    ASSERT_NE(client_->cl_auth, nullptr);
+    long const lid = createLink();
+    EXPECT_EQ(write(lid, "*IDN?"), 0);
+    EXPECT_EQ(read(lid).data, "Maker,Model 1,SN7,2.0\n");
+    auth_destroy(client_->cl_auth);
+    client_->cl_auth = none;
+}
+
 TEST_F(Vxi11ServerTest, WriteWithoutEndWaitsForTheRestOfTheMessage) {
     long const lid = createLink();
     EXPECT_EQ(write(lid, "*ID", 0), 0);
