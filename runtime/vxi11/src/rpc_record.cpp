@@ -16,8 +16,9 @@ RpcRecordReader::RpcRecordReader(std::size_t maxRecordBytes) : maxRecordBytes_(m
 bool RpcRecordReader::feed(std::string_view bytes) {
     // Records that arrive whole are taken straight from `bytes`; only a partial one waits in
     // the buffer for the rest.
+    bool const buffered = !buffer_.empty();
     std::string_view data = bytes;
-    if (!buffer_.empty()) {
+    if (buffered) {
         buffer_.append(bytes);
         data = buffer_;
     }
@@ -45,7 +46,7 @@ bool RpcRecordReader::feed(std::string_view bytes) {
             record_.clear();
         }
     }
-    if (data.data() == buffer_.data()) {
+    if (buffered) {
         buffer_.erase(0, offset);
     } else {
         buffer_.assign(bytes.substr(offset));
