@@ -1,6 +1,7 @@
 #include <yxfrontpanel/runtime/vxi11_protocol.h>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <condition_variable>
 #include <cstdlib>
@@ -65,26 +66,43 @@ private:
     XDR xdr_{};
 };
 
-/** Encodes the accepted reply header and, for success, `result` with `proc`. */
-std::string reply(std::uint32_t xid, AcceptStat stat, xdrproc_t proc, void* result) {
-    // The header (at most 8 words) and the result, sized without encoding it twice.
-    std::size_t const resultBytes =
-        stat == Success && proc != nullptr ? xdr_sizeof(proc, result) : 0;
-    std::string buffer(std::size_t{8} * 4 + resultBytes, '\0');
-    MemoryXdr xdr(buffer.data(), buffer.size(), XDR_ENCODE);
+/** Encodes the header of an accepted reply to `xid` and, for success, `result` with `proc`
+ *  into `xdr`; false when it does not fit. */
+bool encodeReply(XDR* xdr, std::uint32_t xid, AcceptStat stat, xdrproc_t proc, void* result) {
     std::uint32_t fields[] = {
         xid, 1 /* REPLY */, 0 /* MSG_ACCEPTED */, 0 /* AUTH_NONE */, 0 /* no verifier body */,
         stat};
     for (std::uint32_t& field : fields) {
-        xdr_u_int32_t(xdr.get(), &field);
+        if (!xdr_u_int32_t(xdr, &field)) {
+            return false;
+        }
     }
     if (stat == ProgramMismatch) {
         std::uint32_t low = 1;
         std::uint32_t high = 1;
-        xdr_u_int32_t(xdr.get(), &low);
-        xdr_u_int32_t(xdr.get(), &high);
+        if (!xdr_u_int32_t(xdr, &low) || !xdr_u_int32_t(xdr, &high)) {
+            return false;
+        }
     }
-    if (stat == Success && proc != nullptr && !proc(xdr.get(), result)) {
+    return stat != Success || proc == nullptr || proc(xdr, result);
+}
+
+/** Encodes the accepted reply header and, for success, `result` with `proc`. */
+std::string reply(std::uint32_t xid, AcceptStat stat, xdrproc_t proc, void* result) {
+    // Most replies (every one but a long read) fit a small buffer on the stack: encoded once,
+    // copied once. A longer one is sized first, without encoding it twice into memory.
+    std::array<char, 512> small{};
+    {
+        MemoryXdr xdr(small.data(), small.size(), XDR_ENCODE);
+        if (encodeReply(xdr.get(), xid, stat, proc, result)) {
+            return std::string(small.data(), xdr.position());
+        }
+    }
+    std::size_t const resultBytes =
+        stat == Success && proc != nullptr ? xdr_sizeof(proc, result) : 0;
+    std::string buffer(std::size_t{8} * 4 + resultBytes, '\0');
+    MemoryXdr xdr(buffer.data(), buffer.size(), XDR_ENCODE);
+    if (!encodeReply(xdr.get(), xid, stat, proc, result)) {
         return {};
     }
     buffer.resize(xdr.position());
@@ -115,8 +133,8 @@ public:
         : instruments_(std::move(instruments)), maxLinks_(maxLinks), maxWait_(maxWait) {}
 
     std::optional<std::string> call(std::string_view record, std::uint64_t connection) {
-        std::string copy(record);
-        MemoryXdr xdr(copy.data(), copy.size(), XDR_DECODE);
+        // Decoding only reads the buffer: the record is not copied.
+        MemoryXdr xdr(const_cast<char*>(record.data()), record.size(), XDR_DECODE);
         std::uint32_t header[6] = {};
         for (std::uint32_t& field : header) {
             if (!xdr_u_int32_t(xdr.get(), &field)) {
@@ -127,15 +145,16 @@ public:
         if (header[1] != 0 /* CALL */) {
             return std::nullopt;
         }
-        // Credentials and verifier: any flavour, their bodies skipped.
+        // Credentials and verifier: any flavour, their bodies (400 bytes at most) skipped.
         for (int i = 0; i < 2; ++i) {
             std::uint32_t flavour = 0;
-            char* body = nullptr;
-            u_int length = 0;
-            if (!xdr_u_int32_t(xdr.get(), &flavour) || !xdr_bytes(xdr.get(), &body, &length, 400)) {
+            std::uint32_t length = 0;
+            if (!xdr_u_int32_t(xdr.get(), &flavour) || !xdr_u_int32_t(xdr.get(), &length) ||
+                length > 400 ||
+                !xdr_setpos(xdr.get(),
+                            static_cast<u_int>(xdr.position() + ((length + 3U) & ~3U)))) {
                 return std::nullopt;
             }
-            free(body);
         }
         std::uint32_t const program = header[3];
         std::uint32_t const version = header[4];

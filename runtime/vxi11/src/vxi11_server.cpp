@@ -2,6 +2,7 @@
 #include <yxfrontpanel/runtime/vxi11_protocol.h>
 #include <yxfrontpanel/runtime/vxi11_server.h>
 
+#include <array>
 #include <atomic>
 #include <cerrno>
 #include <cstring>
@@ -20,6 +21,7 @@
 #include <rpc/pmap_clnt.h>
 #include <rpc/rpc.h>
 #include <sys/socket.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
 namespace yxfrontpanel::runtime {
@@ -74,17 +76,33 @@ bool rpcbindAnswers(std::string const& host) {
            ::connect(fd.get(), reinterpret_cast<sockaddr const*>(&address), sizeof address) == 0;
 }
 
-bool sendAll(int fd, std::string const& bytes) {
-    std::size_t sent = 0;
-    while (sent < bytes.size()) {
-        ssize_t const n = ::send(fd, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
+/** Sends `record` framed as one fragment: mark and record in one call, without copying them
+ *  together. */
+bool sendRecord(int fd, std::string& record) {
+    std::array<char, 4> mark = rpcRecordMark(record.size());
+    iovec parts[2] = {{mark.data(), mark.size()}, {record.data(), record.size()}};
+    msghdr message{};
+    message.msg_iov = parts;
+    message.msg_iovlen = 2;
+    while (message.msg_iovlen > 0) {
+        ssize_t const n = ::sendmsg(fd, &message, MSG_NOSIGNAL);
         if (n < 0 && errno == EINTR) {
             continue;
         }
         if (n <= 0) {
             return false;
         }
-        sent += static_cast<std::size_t>(n);
+        // A partial send: skip what went out.
+        auto sent = static_cast<std::size_t>(n);
+        while (message.msg_iovlen > 0 && sent >= message.msg_iov->iov_len) {
+            sent -= message.msg_iov->iov_len;
+            ++message.msg_iov;
+            --message.msg_iovlen;
+        }
+        if (message.msg_iovlen > 0) {
+            message.msg_iov->iov_base = static_cast<char*>(message.msg_iov->iov_base) + sent;
+            message.msg_iov->iov_len -= sent;
+        }
     }
     return true;
 }
@@ -270,8 +288,8 @@ private:
                 return;
             }
             while (std::optional<std::string> record = reader.next()) {
-                std::optional<std::string> const reply = device_.call(*record, id);
-                if (reply && !sendAll(fd, rpcFrame(*reply))) {
+                std::optional<std::string> reply = device_.call(*record, id);
+                if (reply && !sendRecord(fd, *reply)) {
                     return;
                 }
             }

@@ -62,6 +62,14 @@ struct TestExecutor {
     }
 };
 
+std::string longTrace() {
+    std::string trace;
+    for (int i = 0; i < 60000; ++i) {
+        trace += static_cast<char>('0' + i % 10);
+    }
+    return trace;
+}
+
 class Vxi11ServerTest : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -69,6 +77,8 @@ protected:
         scpi::addCommonCommands(*table, {"Maker", "Model 1", "SN7", "2.0"});
         // A query that runs on the executor's thread (not a reader).
         table->add("MEASure?", [](scpi::Request& request) { request.respond("1.25"); });
+        // A response longer than most replies: 60000 digits counting 0 to 9 over and over.
+        table->add("TRACe?", [](scpi::Request& request) { request.respond(longTrace()); });
         auto executor = executor_;
         serve(scpiInstruments(
             table, [executor](std::function<void()> const& task) { return executor->post(task); }));
@@ -213,6 +223,28 @@ TEST_F(Vxi11ServerTest, QueryAnswersWithEndWhenReadWhole) {
     EXPECT_EQ(byLink(destroy_link, lid), 0);
     EXPECT_EQ(server_->linkCount(), 0U);
     EXPECT_EQ(byLink(destroy_link, lid), 4);  // invalid link identifier
+}
+
+TEST_F(Vxi11ServerTest, LongResponseComesWholeInOneRead) {
+    long const lid = createLink();
+    EXPECT_EQ(write(lid, "TRAC?"), 0);
+    Read const answer = read(lid, 65536);
+    EXPECT_EQ(answer.error, 0);
+    EXPECT_EQ(answer.reason, kReasonEnd);
+    EXPECT_EQ(answer.data, longTrace() + "\n");
+}
+
+TEST_F(Vxi11ServerTest, CallsWithUnixCredentialsAreAnswered) {
+    // AUTH_UNIX: a credential body of 36 bytes (stamp, machine name, uid, gid, two groups).
+    AUTH* const none = client_->cl_auth;
+    gid_t groups[] = {5, 6};
+    client_->cl_auth = authunix_create(const_cast<char*>("host1"), 1000, 1000, 2, groups);
+    ASSERT_NE(client_->cl_auth, nullptr);
+    long const lid = createLink();
+    EXPECT_EQ(write(lid, "*IDN?"), 0);
+    EXPECT_EQ(read(lid).data, "Maker,Model 1,SN7,2.0\n");
+    auth_destroy(client_->cl_auth);
+    client_->cl_auth = none;
 }
 
 TEST_F(Vxi11ServerTest, WriteWithoutEndWaitsForTheRestOfTheMessage) {

@@ -3,6 +3,7 @@
 #include <yxfrontpanel/runtime/export.h>
 #include <yxfrontpanel/runtime/vxi11_instrument.h>
 
+#include <array>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -30,6 +31,9 @@ private:
     std::string record_;
     std::vector<std::string> ready_;
 };
+
+/** The record mark that frames a record of `recordBytes` as one last fragment. */
+YXFP_RUNTIME_EXPORT std::array<char, 4> rpcRecordMark(std::size_t recordBytes);
 
 /** Frames `record` as one last fragment. */
 YXFP_RUNTIME_EXPORT std::string rpcFrame(std::string_view record);
