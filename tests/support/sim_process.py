@@ -11,6 +11,8 @@ ANNOUNCEMENTS = {
     "raw": r"remote control on 127\.0\.0\.1:(\d+)",
     "web": r"web panel on http://127\.0\.0\.1:(\d+)/",
     "vxi11": r"VXI-11 on 127\.0\.0\.1 \(core port (\d+)\)",
+    # How VISA finds the VXI-11 core port: "registered with rpcbind", or the reason it is not.
+    "vxi11_registration": r"frontpanel-sim: VXI-11 (?!on )(.*)",
 }
 
 FAILURES = []
@@ -34,7 +36,7 @@ def exit_status():
 def start_simulator(command, wanted):
     """Runs `command` (the simulator and its options) and reads its log until it announced
     the listeners named in `wanted` (keys of ANNOUNCEMENTS; a bounded number of lines).
-    Returns (process, {name: port}); the rest of the log is read and dropped meanwhile, so
+    Returns (process, {name: port, or the text for a name without a port}); the rest of the log is read and dropped meanwhile, so
     the simulator never blocks on it."""
     process = subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
                                stderr=subprocess.PIPE, text=True)
@@ -46,7 +48,8 @@ def start_simulator(command, wanted):
         for name in wanted:
             found = re.search(ANNOUNCEMENTS[name], line)
             if found:
-                ports[name] = int(found.group(1))
+                value = found.group(1)
+                ports[name] = int(value) if value.isdigit() else value
         if all(name in ports for name in wanted):
             threading.Thread(target=process.stderr.read, daemon=True).start()
             return process, ports

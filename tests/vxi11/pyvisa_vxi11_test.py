@@ -8,50 +8,33 @@ Usage: pyvisa_vxi11_test.py FRONTPANEL_SIM
 Exits non-zero, with the failed check on stderr, when a check fails."""
 
 import os
-import re
 import socket
 import statistics
-import subprocess
 import sys
 import time
 
 import pyvisa
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "support"))
+from sim_process import start_simulator, stop_simulator  # noqa: E402
 
 IDENTITY = "YxFrontPanel,frontpanel-sim demo PSU,YX-2026-00042,1.4.2"
 ROUNDS = 5
 ROUND_TRIPS = 200  # per round and client
 
 
-def start_simulator(program):
-    sim = subprocess.Popen(
+def start(program):
+    """The simulator with VXI-11 and the raw socket: (process, raw port)."""
+    sim, announced = start_simulator(
         [program, "--headless", "--listen", "vxi11:127.0.0.1", "--listen", "127.0.0.1:0"],
-        stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True)
-    raw_port = core_port = registration = None
-    # The listeners are announced before the panel runs; the lines are bounded.
-    for _ in range(50):
-        line = sim.stderr.readline()
-        if not line:
-            break
-        match = re.search(r"remote control on 127\.0\.0\.1:(\d+)", line)
-        if match:
-            raw_port = int(match.group(1))
-        match = re.search(r"VXI-11 on 127\.0\.0\.1 \(core port (\d+)\)", line)
-        if match:
-            core_port = int(match.group(1))
-        match = re.search(r"frontpanel-sim: VXI-11 (?!on )(.*)", line)
-        if match:
-            registration = match.group(1)
-        if raw_port and core_port and registration:
-            break
-    if not (raw_port and core_port and registration):
-        sim.kill()
-        sys.exit("the simulator did not announce its listeners")
+        ["raw", "vxi11", "vxi11_registration"])
+    registration = announced["vxi11_registration"]
     # VISA finds the core port through port 111. When another process's portmapper holds it
     # (refusing this simulator's registration), INSTR would reach that process instead.
     if registration != "registered with rpcbind" and "portmapper on port 111" not in registration:
-        sim.kill()
+        stop_simulator(sim)
         sys.exit("port 111 does not lead to this simulator: " + registration)
-    return sim, raw_port
+    return sim, announced["raw"]
 
 
 def check(condition, what):
@@ -69,7 +52,7 @@ def round_trips(query, times):
 
 
 def main():
-    sim, raw_port = start_simulator(sys.argv[1])
+    sim, raw_port = start(sys.argv[1])
     try:
         manager = pyvisa.ResourceManager("@py")
         instrument = manager.open_resource("TCPIP::127.0.0.1::inst0::INSTR")
@@ -131,8 +114,7 @@ def main():
               f"INSTR/SOCKET {median['instr'] / median['socket']:.2f}, "
               f"INSTR/Python socket {median['instr'] / median['bare']:.2f}")
     finally:
-        sim.terminate()
-        sim.wait(timeout=10)
+        stop_simulator(sim)
 
 
 if __name__ == "__main__":
