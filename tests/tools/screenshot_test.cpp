@@ -9,6 +9,7 @@
 
 namespace {
 
+#if YXFP_HAS_PNG
 /** The big-endian 32-bit number at `offset` of `bytes`. */
 std::uint32_t be32(std::string const& bytes, std::size_t offset) {
     std::uint32_t value = 0;
@@ -18,7 +19,6 @@ std::uint32_t be32(std::string const& bytes, std::size_t offset) {
     return value;
 }
 
-#if YXFP_HAS_PNG
 TEST(ScreenshotTest, IsAPngOfTheCellGridInSixByEightPixels) {
     frontpanelhw::drawing::DisplayBuffer screen(20, 4);
     screen.setLineContent(0, 0, u"Output");
