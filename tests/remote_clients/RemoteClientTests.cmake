@@ -15,9 +15,13 @@ if(TARGET frontpanel-sim AND YXFP_WITH_REMOTE AND NOT CMAKE_CROSSCOMPILING)
     endif()
     if(yxfp_pyvisa_ok EQUAL 0)
         message(STATUS "YxFrontPanel: pyvisa end-to-end tests: ON (${YXFP_PYVISA_PYTHON})")
+        set(yxfp_pyvisa_arguments)
+        if(NOT YXFP_WITH_PNG)
+            list(APPEND yxfp_pyvisa_arguments --no-png)
+        endif()
         add_test(NAME remote.pyvisa_socket
             COMMAND ${YXFP_PYVISA_PYTHON} ${CMAKE_CURRENT_LIST_DIR}/pyvisa_socket_test.py
-                $<TARGET_FILE:frontpanel-sim>)
+                $<TARGET_FILE:frontpanel-sim> ${yxfp_pyvisa_arguments})
         set_tests_properties(remote.pyvisa_socket PROPERTIES TIMEOUT 120)
     else()
         message(STATUS "YxFrontPanel: pyvisa end-to-end tests: OFF "
