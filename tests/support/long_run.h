@@ -4,18 +4,12 @@
 #include <cstdlib>
 #include <string>
 
+#include "sanitized_build.h"
+
 // The number of turns of a long-run test: the full count in the plain build, a hundredth under
 // AddressSanitizer or ThreadSanitizer (detected at compile time), and what YXFP_LONG_RUN_TURNS
 // says when it is set (.ci/valgrind sets it, as memcheck is slower still). The checks after
 // the run are the same in every build; only the count changes.
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define YXFP_TEST_SANITIZED 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define YXFP_TEST_SANITIZED 1
-#endif
-#endif
 
 namespace yxfp_test {
 
