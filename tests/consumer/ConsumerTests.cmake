@@ -106,7 +106,7 @@ foreach(component IN LISTS YXFP_KNOWN_COMPONENTS)
 endforeach()
 add_test(NAME consumer.find_package_missing_component
     COMMAND ${CMAKE_COMMAND} -S ${YXFP_CONSUMER_DIR}/find_package_components
-        -B ${YXFP_CONSUMER_WORK}/find_package_missing_component
+        -B ${YXFP_CONSUMER_WORK}/find_package_missing_component ${YXFP_CONSUMER_OPTIONS}
         -DCMAKE_PREFIX_PATH=${YXFP_CONSUMER_PREFIX} -DWANTED=Runtime,${YXFP_ABSENT_COMPONENT})
 set_tests_properties(consumer.find_package_missing_component PROPERTIES
     FIXTURES_REQUIRED yxfp_installed

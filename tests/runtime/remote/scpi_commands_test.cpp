@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <cstdio>
 #include <limits>
 #include <stdexcept>
 #include <string>
@@ -202,13 +204,25 @@ TEST(CommandTableRangeTest, TwoToTheSixtyThirdIsOutOfRangeForAWholeNumber) {
     long count = 0;
     table.add(
         "TEST:COUNt", [&count](Request& request) { count = request.integer(0); }, 1, 1);
-    // 9223372036854775807 is 2^63 - 1, which a double rounds up to 2^63.
-    for (char const* line : {"TEST:COUN 9223372036854775808", "TEST:COUN 9223372036854775807",
-                             "TEST:COUN 1e19", "TEST:COUN -9.3e18"}) {
+    constexpr int kDigits = std::numeric_limits<long>::digits;  // 63, or 31 on 32-bit ARM
+    std::vector<std::string> refused = {
+        "TEST:COUN " + std::to_string(std::numeric_limits<long>::max()) + "0",
+        "TEST:COUN 1e19",
+        "TEST:COUN -9.3e18",
+    };
+    char limit[32];
+    std::snprintf(limit, sizeof(limit), "%.0f", std::ldexp(1.0, kDigits));
+    refused.push_back(std::string("TEST:COUN ") + limit);  // one past the maximum
+    if (kDigits > std::numeric_limits<double>::digits) {
+        // 2^63 - 1, which a double rounds up to 2^63.
+        refused.push_back("TEST:COUN " + std::to_string(std::numeric_limits<long>::max()));
+    }
+    for (std::string const& line : refused) {
         yxfp_test::runLine(table, session, line);
         EXPECT_EQ(session.errors.pop().code, ErrorCode::DataTypeError) << line;
     }
-    yxfp_test::runLine(table, session, "TEST:COUN -9223372036854775808");
+    yxfp_test::runLine(table, session,
+                       "TEST:COUN " + std::to_string(std::numeric_limits<long>::min()));
     EXPECT_EQ(session.errors.pop().code, ErrorCode::NoError);
     EXPECT_EQ(count, std::numeric_limits<long>::min());
 }
