@@ -8,8 +8,8 @@
 #include <memory>
 
 #include "graphic_capture.h"
-#include "queued_key_source.h"
 #include "menu_test_items.h"
+#include "queued_key_source.h"
 
 // A panel left alone darkens its OLED or ST7920 module against burn-in: the controller models
 // see the panel switched off after the dark time and on again with the next key.
