@@ -703,7 +703,6 @@ private:
     detail::PanelProvider homeProvider_;
     HomeScreen homeScreenDraw_;
     DarkListener darkListener_;
-    bool dark_ = false;
     EventHandler eventHandler_;
     std::vector<std::pair<std::size_t, FrameListener>> frameListeners_;
     std::vector<std::pair<std::size_t, Task>> stopListeners_;
@@ -721,6 +720,7 @@ private:
     TimePoint lastDraw_{};
     bool started_ = false;
     bool homeShown_ = false;
+    bool dark_ = false;
     TimePoint lastActivity_{};
     Repeat repeat_;
     std::vector<pollfd> pollFds_;
