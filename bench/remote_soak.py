@@ -105,31 +105,28 @@ def percentile(values, fraction):
     return ordered[min(len(ordered) - 1, int(fraction * len(ordered)))]
 
 
-def ask(port, query, stop, results, limit=100000):
-    """Sends `query` until `stop` (or `limit` times); puts the answer times on `results`."""
+def answer_times(port, query, stop=None, limit=100000):
+    """Sends `query` until `stop` is set (or `limit` times); returns the answer times."""
     client = LineClient(port)
     times = []
     for _ in range(limit):
-        if stop.is_set():
+        if stop is not None and stop.is_set():
             break
         start = time.perf_counter()
         if client.query(query) is None:
             break
         times.append(time.perf_counter() - start)
     client.close()
-    results.put(times)
+    return times
+
+
+def ask(port, query, stop, results):
+    """answer_times in a process of its own: the times go to `results`."""
+    results.put(answer_times(port, query, stop))
 
 
 # A key press the panel's thread serves, and the answer once it has.
 KEY_PRESS = "SYST:KEY DOWN;*OPC?"
-
-
-def key_press_times(port, count):
-    """`count` key presses on an otherwise idle server: their answer times."""
-    stop = multiprocessing.Event()
-    results = multiprocessing.Queue()
-    ask(port, KEY_PRESS, stop, results, count)
-    return results.get(timeout=60)
 
 
 def summary(times):
@@ -138,7 +135,7 @@ def summary(times):
 
 
 def attack(args, port, pid):
-    idle_keys = key_press_times(port, 2000)
+    idle_keys = answer_times(port, KEY_PRESS, limit=2000)  # on an otherwise idle server
     before = rss_kib(pid)
     deep = "A:" * 1000 + "A" + ";A" * 999
     wide = "A" + ";A" * 1999
