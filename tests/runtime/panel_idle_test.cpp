@@ -193,6 +193,18 @@ TEST_F(PanelDarkTest, TheWakingKeyLightsTheDisplayAndIsNotPassedOn) {
 
 // With a home screen too, the home screen comes first and the display darkens later; one key
 // wakes both.
+// Removing the listener turns darkening off: nothing goes dark, and no key is swallowed.
+TEST_F(PanelDarkTest, WithoutAListenerNothingDarkensAndNoKeyIsSwallowed) {
+    panel.setDarkListener({});
+    turn();
+    advance(61s);
+    EXPECT_FALSE(panel.dark());
+    keys->press(PanelKey::Down);
+    advance(1s);
+    EXPECT_EQ(invertedLine(), 1);
+    EXPECT_TRUE(heard.empty());
+}
+
 yxfrontpanel::runtime::PanelOptions homeAfterTenSecondsDarkAfterAMinute() {
     yxfrontpanel::runtime::PanelOptions options = darkAfterAMinute();
     options.idleTimeout = 10s;
